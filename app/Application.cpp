@@ -1,0 +1,172 @@
+#include "app/Application.h"
+
+#include "app/CmdLineArg.h"
+#include "app/CommandRequest.h"
+#include "platform/InstanceClient.h"
+#include "platform/InstanceServer.h"
+#include "platform/Log.h"
+#include "platform/TextUtil.h"
+#include "ui/RegisteredMessages.h"
+#include "ui/WindowClasses.h"
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <mutex>
+#include <thread>
+
+namespace mirodate {
+
+namespace {
+std::atomic<bool> g_signalled{false};
+void OnSignal(int) { g_signalled = true; }
+
+// After "/action=restart" closed the old instance, wait this long for it to
+// give up the socket.
+constexpr auto kRestartWait = std::chrono::seconds(5);
+
+std::string DescribeRequest(const CommandRequest& request) {
+    using K = CommandRequest::Kind;
+    if (request.kind == K::FirstRun) return "install the calendar and tasks replacements";
+    if (request.kind == K::Restore) return "restore the last view";
+    if (request.mode == CommandRequest::kNoMode && !request.oidGiven) return "nothing (no mode given)";
+    std::string text = request.mode == CommandRequest::kTasks ? "tasks" : "calendar";
+    static const char* const kViews[] = {"", "Day", "Week", "Month", "Agenda"};
+    if (request.view >= 1 && request.view <= 4) text += std::string(", ") + kViews[request.view] + " view";
+    if (request.oidGiven && request.oid != 0) text += ", item " + std::to_string(request.oid);
+    char date[64];
+    if (request.hasDate)
+        std::snprintf(date, sizeof date, ", date %04d-%02d-%02d", request.date.year, request.date.month,
+                      request.date.day);
+    else
+        std::snprintf(date, sizeof date, ", today %+ld days", request.dayOffset);
+    text += date;
+    if (request.newItem) text += ", new item";
+    if (request.noParam) text += ", as the user left it";
+    return text;
+}
+} // namespace
+
+Application::Application(ProgramOptions options) : options_(std::move(options)) {
+    socketPath_ = options_.socketPath.empty() ? InstanceServer::DefaultSocketPath() : options_.socketPath;
+}
+
+std::string Application::CommandPayload(const std::u16string& text) {
+    std::string bytes;
+    bytes.reserve((text.size() + 1) * 2);
+    for (char16_t unit : text) {
+        bytes.push_back(static_cast<char>(unit & 0xFF));
+        bytes.push_back(static_cast<char>(unit >> 8));
+    }
+    bytes.append(2, '\0');
+    return bytes;
+}
+
+std::u16string Application::CommandFromPayload(const std::string& bytes) {
+    std::u16string text;
+    for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
+        char16_t unit = static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) |
+                                              (static_cast<unsigned char>(bytes[i + 1]) << 8));
+        if (unit == 0) break;
+        text.push_back(unit);
+    }
+    // An odd trailing byte pairs with the zero fill.
+    if (bytes.size() % 2 == 1 && text.size() * 2 == bytes.size() - 1 && bytes.back() != 0)
+        text.push_back(static_cast<char16_t>(static_cast<unsigned char>(bytes.back())));
+    return text;
+}
+
+Application::HandOverResult Application::HandOver(const std::string& socketPath,
+                                                  const std::u16string& commandLine) {
+    InstanceClient client;
+    if (!client.Connect(socketPath)) return HandOverResult::NoInstance;
+    if (client.FindWindow(kMainWndClass, kMainWndTitle)) {
+        client.Broadcast(kMinimizedBroadcastName);
+        const std::u16string text = commandLine.empty() ? u"reactivate" : commandLine;
+        client.CopyData(0, CommandPayload(text));
+        client.BringToFront(kMainWndClass, kMainWndTitle);
+        return HandOverResult::HandedOver;
+    }
+    if (client.FindWindow(kSplashScreenClass, kSplashScreenTitle)) return HandOverResult::OtherLoading;
+    return HandOverResult::NoInstance;
+}
+
+int Application::Run() {
+    Log::SetVerbose(options_.verbose);
+    const std::u16string& commandLine = options_.commandLine;
+
+    // "-f" hands the request to the platform's own PIM program, which we do
+    // not replace here: nothing of ours starts on that path.
+    if (commandLine.rfind(u"-f", 0) == 0) {
+        Log::Info("-f: no platform PIM program is replaced; nothing to run");
+        return 0;
+    }
+
+    std::u16string action;
+    GetCmdLineArg(u"action", action, commandLine);
+    if (action != u"restart") {
+        switch (HandOver(socketPath_, commandLine)) {
+        case HandOverResult::HandedOver:
+        case HandOverResult::OtherLoading: return 0;
+        case HandOverResult::NoInstance: break;
+        }
+    } else {
+        InstanceClient client;
+        if (client.Connect(socketPath_) && client.FindWindow(kMainWndClass, kMainWndTitle))
+            client.Close(kMainWndClass, kMainWndTitle);
+    }
+    return Start();
+}
+
+void Application::OnCommand(const std::u16string& text) {
+    const CommandRequest request = CommandRequest::Parse(text);
+    std::printf("mirodate: command \"%s\": %s\n", Utf16ToUtf8(text).c_str(), DescribeRequest(request).c_str());
+    std::fflush(stdout);
+}
+
+int Application::Start() {
+    InstanceServer server;
+    InstanceServer::Handler handler;
+    handler.hasWindow = [this](const std::string& className, const std::string& title) {
+        if (loaded_) return className == kMainWndClass && title == kMainWndTitle;
+        return className == kSplashScreenClass && title == kSplashScreenTitle;
+    };
+    handler.broadcast = [](const std::string& name) { Log::Info("broadcast %s", name.c_str()); };
+    std::mutex commandMutex;
+    handler.copyData = [this, &commandMutex](std::uint32_t, const std::string& bytes) -> std::int32_t {
+        if (bytes.empty() || !loaded_) return 0;
+        const std::u16string text = CommandFromPayload(bytes);
+        std::lock_guard lock(commandMutex);
+        if (!text.empty()) OnCommand(text);
+        return 1;
+    };
+    handler.bringToFront = [](const std::string&, const std::string&) {};
+    handler.close = [this](const std::string& className, const std::string&) {
+        if (className == kMainWndClass) quit_ = true;
+    };
+
+    const auto deadline = std::chrono::steady_clock::now() + kRestartWait;
+    while (!server.Start(socketPath_, handler)) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            Log::Warning("another instance holds %s; running without the instance link", socketPath_.c_str());
+            break;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+
+    loaded_ = true;
+    {
+        std::lock_guard lock(commandMutex);
+        OnCommand(options_.commandLine);
+    }
+
+    // Without a display there is nothing to wait for once started headless.
+    if (options_.headless && options_.scriptPath.empty()) return 0;
+    std::signal(SIGINT, OnSignal);
+    std::signal(SIGTERM, OnSignal);
+    while (!quit_ && !g_signalled) std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    server.Stop();
+    return 0;
+}
+
+} // namespace mirodate

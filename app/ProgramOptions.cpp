@@ -1,0 +1,79 @@
+#include "app/ProgramOptions.h"
+
+#include "platform/TextUtil.h"
+
+#include <cstdio>
+
+namespace mirodate {
+
+namespace {
+// Screens outside these bounds are refused rather than allocated.
+constexpr int kMinScreenSide = 120;
+constexpr int kMaxScreenSide = 8192;
+} // namespace
+
+bool ProgramOptions::Parse(const std::vector<std::string>& args, ProgramOptions& options, std::string& error) {
+    std::string commandLine;
+    for (size_t i = 0; i < args.size(); ++i) {
+        const std::string& arg = args[i];
+        auto needValue = [&](int count) {
+            if (i + count < args.size()) return true;
+            error = "option " + arg + " needs " + (count == 1 ? "a value" : std::to_string(count) + " values");
+            return false;
+        };
+        if (arg.rfind("--", 0) != 0) {
+            if (!commandLine.empty()) commandLine += ' ';
+            commandLine += arg;
+        } else if (arg == "--store") {
+            if (!needValue(1)) return false;
+            options.storeDir = args[++i];
+        } else if (arg == "--size") {
+            if (!needValue(1)) return false;
+            int w = 0, h = 0;
+            char tail = 0;
+            if (std::sscanf(args[++i].c_str(), "%dx%d%c", &w, &h, &tail) != 2 || w < kMinScreenSide ||
+                h < kMinScreenSide || w > kMaxScreenSide || h > kMaxScreenSide) {
+                error = "bad --size '" + args[i] + "': expected WxH, each between " +
+                        std::to_string(kMinScreenSide) + " and " + std::to_string(kMaxScreenSide);
+                return false;
+            }
+            options.width = w;
+            options.height = h;
+        } else if (arg == "--headless") {
+            options.headless = true;
+        } else if (arg == "--virtual-clock") {
+            options.virtualClock = true;
+        } else if (arg == "--script") {
+            if (!needValue(1)) return false;
+            options.scriptPath = args[++i];
+        } else if (arg == "--screenshot") {
+            if (!needValue(1)) return false;
+            options.screenshotPath = args[++i];
+        } else if (arg == "--demo") {
+            options.demo = true;
+        } else if (arg == "--list") {
+            if (!needValue(2)) return false;
+            options.list = true;
+            options.listFrom = args[++i];
+            options.listTo = args[++i];
+        } else if (arg == "--verbose") {
+            options.verbose = true;
+        } else if (arg == "--socket") {
+            if (!needValue(1)) return false;
+            options.socketPath = args[++i];
+        } else {
+            error = "unknown option " + arg;
+            return false;
+        }
+    }
+    options.commandLine = Utf8ToUtf16(commandLine);
+    return true;
+}
+
+std::string ProgramOptions::Usage() {
+    return "usage: mirodate [--store DIR] [--size WxH] [--headless] [--virtual-clock] [--script FILE]\n"
+           "                [--screenshot PNG] [--demo] [--list FROM TO] [--verbose] [--socket PATH]\n"
+           "                [command text, e.g. calendar -vd -d20091231]\n";
+}
+
+} // namespace mirodate

@@ -1,0 +1,30 @@
+#pragma once
+// The process arguments split into our own "--" options and the command
+// text that the program's command handler reads.
+#include <string>
+#include <vector>
+
+namespace mirodate {
+
+struct ProgramOptions {
+    std::string storeDir;       // --store DIR
+    int width = 480;            // --size WxH
+    int height = 640;
+    bool headless = false;      // --headless
+    bool virtualClock = false;  // --virtual-clock
+    std::string scriptPath;     // --script FILE
+    std::string screenshotPath; // --screenshot PNG
+    bool demo = false;          // --demo
+    bool list = false;          // --list FROM TO
+    std::string listFrom;
+    std::string listTo;
+    bool verbose = false;       // --verbose
+    std::string socketPath;     // --socket PATH (instance link; default under the runtime dir)
+    std::u16string commandLine; // everything else, joined by single spaces
+
+    // Reads argv[1..]; on a bad option returns false with a one-line message.
+    static bool Parse(const std::vector<std::string>& args, ProgramOptions& options, std::string& error);
+    static std::string Usage();
+};
+
+} // namespace mirodate

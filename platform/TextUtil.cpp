@@ -1,0 +1,144 @@
+#include "platform/TextUtil.h"
+
+#include <unicode/uchar.h>
+#include <unicode/ustring.h>
+
+#include <climits>
+
+namespace mirodate {
+
+std::u16string Utf8ToUtf16(std::string_view utf8) {
+    std::u16string out;
+    out.reserve(utf8.size());
+    size_t i = 0;
+    const size_t n = utf8.size();
+    auto cont = [&](size_t k) { return k < n && (static_cast<unsigned char>(utf8[k]) & 0xC0) == 0x80; };
+    while (i < n) {
+        unsigned char c = static_cast<unsigned char>(utf8[i]);
+        char32_t cp = 0xFFFD;
+        size_t len = 1;
+        if (c < 0x80) {
+            cp = c;
+        } else if ((c & 0xE0) == 0xC0 && cont(i + 1)) {
+            cp = ((c & 0x1F) << 6) | (utf8[i + 1] & 0x3F);
+            len = 2;
+            if (cp < 0x80) cp = 0xFFFD;
+        } else if ((c & 0xF0) == 0xE0 && cont(i + 1) && cont(i + 2)) {
+            cp = ((c & 0x0F) << 12) | ((utf8[i + 1] & 0x3F) << 6) | (utf8[i + 2] & 0x3F);
+            len = 3;
+            if (cp < 0x800 || (cp >= 0xD800 && cp <= 0xDFFF)) cp = 0xFFFD;
+        } else if ((c & 0xF8) == 0xF0 && cont(i + 1) && cont(i + 2) && cont(i + 3)) {
+            cp = ((c & 0x07) << 18) | ((utf8[i + 1] & 0x3F) << 12) | ((utf8[i + 2] & 0x3F) << 6) |
+                 (utf8[i + 3] & 0x3F);
+            len = 4;
+            if (cp < 0x10000 || cp > 0x10FFFF) cp = 0xFFFD;
+        }
+        if (cp >= 0x10000) {
+            cp -= 0x10000;
+            out.push_back(static_cast<char16_t>(0xD800 + (cp >> 10)));
+            out.push_back(static_cast<char16_t>(0xDC00 + (cp & 0x3FF)));
+        } else {
+            out.push_back(static_cast<char16_t>(cp));
+        }
+        i += len;
+    }
+    return out;
+}
+
+std::string Utf16ToUtf8(std::u16string_view utf16) {
+    std::string out;
+    out.reserve(utf16.size());
+    for (size_t i = 0; i < utf16.size(); ++i) {
+        char32_t cp = utf16[i];
+        if (cp >= 0xD800 && cp <= 0xDBFF && i + 1 < utf16.size() && utf16[i + 1] >= 0xDC00 &&
+            utf16[i + 1] <= 0xDFFF) {
+            cp = 0x10000 + ((cp - 0xD800) << 10) + (utf16[i + 1] - 0xDC00);
+            ++i;
+        } else if (cp >= 0xD800 && cp <= 0xDFFF) {
+            cp = 0xFFFD; // lone surrogate
+        }
+        if (cp < 0x80) {
+            out.push_back(static_cast<char>(cp));
+        } else if (cp < 0x800) {
+            out.push_back(static_cast<char>(0xC0 | (cp >> 6)));
+            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+        } else if (cp < 0x10000) {
+            out.push_back(static_cast<char>(0xE0 | (cp >> 12)));
+            out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
+            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+        } else {
+            out.push_back(static_cast<char>(0xF0 | (cp >> 18)));
+            out.push_back(static_cast<char>(0x80 | ((cp >> 12) & 0x3F)));
+            out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
+            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+        }
+    }
+    return out;
+}
+
+std::u16string ToLower(std::u16string_view text) {
+    std::u16string out(text);
+    for (auto& ch : out) {
+        // Simple per-unit mapping keeps positions stable, which the callers
+        // rely on when they search a lower-cased copy and cut from the original.
+        if (ch < 0xD800 || ch > 0xDFFF) ch = static_cast<char16_t>(u_tolower(ch));
+    }
+    return out;
+}
+
+std::string ToLowerAscii(std::string_view text) {
+    std::string out(text);
+    for (auto& ch : out)
+        if (ch >= 'A' && ch <= 'Z') ch = static_cast<char>(ch - 'A' + 'a');
+    return out;
+}
+
+namespace {
+template <typename T, bool Signed> T ParseDecimal(std::u16string_view text) {
+    size_t i = 0;
+    while (i < text.size() && (text[i] == ' ' || text[i] == '\t' || text[i] == '\n' || text[i] == '\r'))
+        ++i;
+    bool negative = false;
+    if (i < text.size() && (text[i] == '+' || text[i] == '-')) {
+        negative = text[i] == '-';
+        ++i;
+    }
+    unsigned long long value = 0;
+    bool overflow = false;
+    for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) {
+        if (value > (ULLONG_MAX - 9) / 10) {
+            overflow = true;
+            continue;
+        }
+        value = value * 10 + (text[i] - '0');
+    }
+    if constexpr (Signed) {
+        const unsigned long long limit = negative ? static_cast<unsigned long long>(LONG_MAX) + 1 : LONG_MAX;
+        if (overflow || value > limit) return negative ? LONG_MIN : LONG_MAX;
+        return negative ? static_cast<long>(0 - value) : static_cast<long>(value);
+    } else {
+        if (overflow || value > ULONG_MAX) return ULONG_MAX;
+        return negative ? static_cast<unsigned long>(0 - value) : static_cast<unsigned long>(value);
+    }
+}
+} // namespace
+
+long ParseLong(std::u16string_view text) { return ParseDecimal<long, true>(text); }
+unsigned long ParseUnsignedLong(std::u16string_view text) {
+    return ParseDecimal<unsigned long, false>(text);
+}
+
+std::u16string ToU16(long value) {
+    std::string s = std::to_string(value);
+    return std::u16string(s.begin(), s.end());
+}
+
+std::u16string Trim(std::u16string_view text) {
+    auto blank = [](char16_t c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+    size_t b = 0, e = text.size();
+    while (b < e && blank(text[b])) ++b;
+    while (e > b && blank(text[e - 1])) --e;
+    return std::u16string(text.substr(b, e - b));
+}
+
+} // namespace mirodate

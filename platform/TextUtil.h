@@ -1,0 +1,28 @@
+#pragma once
+// The one place where text changes encoding. The program keeps user text as
+// UTF-16 (std::u16string); UTF-8 appears only at the edges (files, libraries,
+// the terminal).
+#include <string>
+#include <string_view>
+
+namespace mirodate {
+
+std::u16string Utf8ToUtf16(std::string_view utf8);
+std::string Utf16ToUtf8(std::u16string_view utf16);
+
+// Lower-cases with the root locale's simple case mapping (length preserving).
+std::u16string ToLower(std::u16string_view text);
+std::string ToLowerAscii(std::string_view text);
+
+// Decimal conversions in the manner of wcstol/wcstoul: leading white space and
+// a sign are accepted, conversion stops at the first non-digit, no digits give
+// 0, out-of-range values saturate.
+long ParseLong(std::u16string_view text);
+unsigned long ParseUnsignedLong(std::u16string_view text);
+
+std::u16string ToU16(long value);
+
+// Removes blanks (space, tab, CR, LF) at both ends.
+std::u16string Trim(std::u16string_view text);
+
+} // namespace mirodate
