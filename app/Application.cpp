@@ -2,6 +2,7 @@
 
 #include "app/CmdLineArg.h"
 #include "app/CommandRequest.h"
+#include "app/StoreCommands.h"
 #include "platform/InstanceClient.h"
 #include "platform/InstanceServer.h"
 #include "platform/Log.h"
@@ -93,6 +94,11 @@ Application::HandOverResult Application::HandOver(const std::string& socketPath,
 
 int Application::Run() {
     Log::SetVerbose(options_.verbose);
+    if (options_.demo) {
+        int status = StoreCommands::Demo(options_);
+        if (status != 0 || !options_.list) return status;
+    }
+    if (options_.list) return StoreCommands::List(options_);
     const std::u16string& commandLine = options_.commandLine;
 
     // "-f" hands the request to the platform's own PIM program, which we do

@@ -11,7 +11,7 @@ PACKAGES=(
     zlib1g-dev libminizip-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     xvfb xdotool imagemagick
-    khal
+    khal libpcre2-dev
 )
 
 missing=()

@@ -1,0 +1,16 @@
+#pragma once
+// The command-line uses of the store that need no window: --list and --demo.
+#include "app/ProgramOptions.h"
+
+namespace mirodate {
+
+class StoreCommands {
+public:
+    // --list FROM TO: prints the items of each day; 0, or 2 with a one-line
+    // error on stderr.
+    static int List(const ProgramOptions& options);
+    // --demo: fills an empty store with a demo month around today.
+    static int Demo(const ProgramOptions& options);
+};
+
+} // namespace mirodate
