@@ -136,6 +136,9 @@ bool SettingsStore::Modify(const std::string& name, const std::optional<std::u16
     LockedFd fileLock(path_ + ".lock");
     if (!fileLock.Ok()) return false;
     LoadLocked();
+    // Whatever happens below, a failed write must not leave our unsaved change
+    // in memory as if it were stored: the next read goes back to the file.
+    loaded_ = false;
     if (value)
         values_[name] = *value;
     else
@@ -160,10 +163,10 @@ bool SettingsStore::Modify(const std::string& name, const std::optional<std::u16
     if (!ok || rename(temp.c_str(), path_.c_str()) != 0) {
         unlink(temp.c_str());
         Log::Warning("could not write settings file %s", path_.c_str());
-        loaded_ = false;
         return false;
     }
     loadedStamp_ = Stamp();
+    loaded_ = true;
     return true;
 }
 
