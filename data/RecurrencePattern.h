@@ -31,6 +31,17 @@ struct RecurrencePattern {
     double PatternEndDate = 0.0;    // DATE; 0.0 when there is none
     bool NoEndDate = true;
 
+    // How closely the fields above say what the item's rule says. Rules from
+    // other programs (BYSETPOS, several BYMONTHDAY values, FREQ=HOURLY, BYHOUR)
+    // do not all fit: the store keeps the nearest record and marks it, so that
+    // a description never claims more than the rule does.
+    enum Fit : std::int32_t {
+        kExact = 0,
+        kNearest = 1,  // the record is a faithful but less specific reading
+        kNoFit = 2,    // no record says it; describe it generically
+    };
+    std::int32_t RuleFit = kExact;
+
     friend bool operator==(const RecurrencePattern&, const RecurrencePattern&) = default;
 };
 
