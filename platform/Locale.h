@@ -1,5 +1,7 @@
 #pragma once
 // The user's locale, read from LC_ALL, LC_TIME or LANG and answered by ICU.
+#include "platform/Types.h"
+
 #include <string>
 
 namespace mirodate {
@@ -14,6 +16,17 @@ public:
     static std::string EnglishLanguageName();
     // 0 when weeks start on Sunday, 1 on Monday (only these two are used).
     static int FirstDayOfWeek();
+
+    // Day name of `dayOfWeek` (0 Sunday .. 6 Saturday), full or abbreviated,
+    // as the locale writes it inside a sentence.
+    static std::u16string DayName(int dayOfWeek, bool abbreviated = false);
+    // Month name of `month` (1..12). Stand-alone forms are for headers
+    // (they differ from the in-sentence forms in Russian and Polish).
+    static std::u16string MonthName(int month, bool abbreviated = false, bool standAlone = false);
+    // The date in the locale's short date format ("12/31/09", "31.12.09").
+    static std::u16string FormatShortDate(const SYSTEMTIME& date);
+    // The time in the locale's short time format, without seconds.
+    static std::u16string FormatShortTime(const SYSTEMTIME& time);
 };
 
 } // namespace mirodate
