@@ -22,7 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // Reference language first; the others must match it key for key.
-const std::vector<std::string> kShippedLanguages = {"en"};
+const std::vector<std::string> kShippedLanguages = {"en", "de"};
 
 // Keys the code builds at run time from a pattern, with the numbers it fills in.
 struct KeyPattern {
@@ -247,20 +247,36 @@ TEST_F(ShippedLanguages, EnglishDayMaskWordsAreTheOnesTheRecurrenceTextExpects) 
     EXPECT_EQ(LookUp(English().text, "weekendday").value_or(u""), u"weekend day");
 }
 
-// Literal keys of Lang("Key") and LangW(u"Key") calls in a piece of code.
+// Literal keys in the arguments of Lang(...) and LangW(...) calls in a piece of
+// code, so that Lang(n == 1 ? "Daily" : "EveryNDays") counts both keys.
 std::set<std::string> KeysUsedIn(const std::string& code) {
-    static const std::regex call(R"re((?:^|[^A-Za-z0-9_])(?:Lang\(\s*"|LangW\(\s*u")([^"\\]*)")re");
+    static const std::regex call(R"re((?:^|[^A-Za-z0-9_])LangW?\()re");
+    static const std::regex literal(R"re(u?"([^"\\]*)")re");
     std::set<std::string> keys;
     for (auto it = std::sregex_iterator(code.begin(), code.end(), call); it != std::sregex_iterator(); ++it) {
-        keys.insert((*it)[1].str());
+        // The argument runs to the parenthesis that closes the call.
+        const size_t begin = it->position() + it->length();
+        size_t end = begin;
+        for (int depth = 1; end < code.size() && depth > 0; ++end) {
+            if (code[end] == '(')
+                ++depth;
+            if (code[end] == ')')
+                --depth;
+        }
+        const std::string argument = code.substr(begin, end - begin);
+        for (auto lit = std::sregex_iterator(argument.begin(), argument.end(), literal);
+             lit != std::sregex_iterator(); ++lit) {
+            keys.insert((*lit)[1].str());
+        }
     }
     return keys;
 }
 
-TEST(LanguageKeysInCode, ScannerFindsBothCallFormsOnly) {
+TEST(LanguageKeysInCode, ScannerFindsTheKeysOfLookupCallsOnly) {
     const auto keys = KeysUsedIn("auto a = Lang(\"Menu\");\nauto b = LangW( u\"addmodify.EditPattern\");\n"
-                                 "x = MyLang(\"NotAKey\"); y = Lang(key);\n");
-    EXPECT_EQ(keys, (std::set<std::string>{"Menu", "addmodify.EditPattern"}));
+                                 "x = MyLang(\"NotAKey\"); y = Lang(key); Show(\"NotAKeyEither\");\n"
+                                 "z = Lang(n == 1 ? \"Daily\" : \"EveryNDays\");\n");
+    EXPECT_EQ(keys, (std::set<std::string>{"Menu", "addmodify.EditPattern", "Daily", "EveryNDays"}));
 }
 
 TEST(LanguageKeysInCode, EveryKeyTheCodeUsesExistsInEveryLanguage) {
