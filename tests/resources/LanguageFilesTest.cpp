@@ -22,7 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // Reference language first; the others must match it key for key.
-const std::vector<std::string> kShippedLanguages = {"en", "de"};
+const std::vector<std::string> kShippedLanguages = {"en", "de", "fr"};
 
 // Keys the code builds at run time from a pattern, with the numbers it fills in.
 struct KeyPattern {
@@ -214,7 +214,9 @@ TEST_F(ShippedLanguages, EveryKeyIsUniqueAndFoundByTheLookup) {
             const auto found = LookUp(file.text, key);
             ASSERT_TRUE(found.has_value()) << "lang." << file.code << ".txt: " << key << " cannot be found";
             EXPECT_EQ(Utf16ToUtf8(*found), value) << "lang." << file.code << ".txt: " << key;
-            EXPECT_FALSE(value.empty()) << "lang." << file.code << ".txt: " << key << " has no text";
+            // Only the ordinal suffixes may be empty: some languages write "the 22" without one.
+            EXPECT_TRUE(!value.empty() || key.rfind("Suffix_", 0) == 0)
+                << "lang." << file.code << ".txt: " << key << " has no text";
         }
     }
 }
