@@ -1,0 +1,49 @@
+#pragma once
+// One item as the PIM source hands it over: the properties of an
+// appointment (or one occurrence of it), a task or a contact. Times are
+// local DATE values.
+#include "data/DateTime.h"
+#include "data/RecurrencePattern.h"
+
+#include <cstdint>
+#include <string>
+
+namespace mirodate {
+
+struct PimRecord {
+    static constexpr int kNoYear = 1604;
+
+    std::int32_t oid = -1;
+    int itemKind = 0; // kItemAppointment, kItemContact or kItemTask (PimSource.h)
+    std::string uid;
+
+    std::u16string subject; // the contact's display name for contacts
+    std::u16string location;
+    std::u16string categories; // comma-separated
+    std::u16string body;
+
+    // Appointments: the occurrence's times; all-day items run from 00:00 to
+    // 00:00 of the day after their last day.
+    double start = 0.0;
+    double end = 0.0;
+    bool allDay = false;
+    bool isRecurring = false; // an occurrence of a series (or a recurring task)
+    RecurrencePattern recurrence;
+
+    // Tasks.
+    double startDate = kNoDate;
+    double dueDate = kNoDate;
+    bool complete = false;
+    int importance = 1; // 0 low, 1 normal, 2 high
+
+    // Contacts: dates at 00:00; a date given without a year carries
+    // kNoYear (a leap year, so that 29 February survives) and hasYear false.
+    double birthday = kNoDate;
+    bool birthdayHasYear = true;
+    double anniversary = kNoDate;
+    bool anniversaryHasYear = true;
+
+    friend bool operator==(const PimRecord&, const PimRecord&) = default;
+};
+
+} // namespace mirodate

@@ -1,0 +1,60 @@
+#pragma once
+// The PIM store behind PimStore: three folders of appointments, tasks and
+// contacts, look-up by item identifier (OID), writes and change reports.
+// The program and the tests create a concrete source (the vdir store) and
+// hand it to PimStore; nothing in this folder knows how items are kept.
+#include "data/PimFolder.h"
+#include "data/PimNotification.h"
+#include "data/PimRecord.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace mirodate {
+
+// Item kinds of GetItemKind; 0 means not found.
+constexpr int kItemAppointment = 1;
+constexpr int kItemContact = 2;
+constexpr int kItemTask = 3;
+
+enum class SaveResult {
+    Saved,
+    ChangedOnDisk, // the file is no longer the one that was read: not written, reloaded
+    NotFound,
+    Failed,
+};
+
+class PimSource {
+public:
+    using NotificationSink = std::function<void(const PimNotification&)>;
+
+    virtual ~PimSource() = default;
+
+    // Opens the store; false when it cannot be read.
+    virtual bool Logon() = 0;
+    virtual std::unique_ptr<PimFolder> GetDefaultFolder(int folderId) = 0;
+    virtual int GetItemKind(std::int32_t oid) = 0;
+    // The item itself (a series as its first occurrence with its pattern).
+    virtual bool GetItemFromOid(std::int32_t oid, PimRecord& item) = 0;
+
+    // Writes an item: a record without an OID (or with one not in the store)
+    // is created with a new identifier, set into `item`.
+    virtual SaveResult Save(PimRecord& item, int folderId) = 0;
+    virtual bool Delete(std::int32_t oid) = 0;
+    // A new item with the same content; its OID, or -1.
+    virtual std::int32_t Copy(std::int32_t oid) = 0;
+
+    // Where change reports go; called on a background thread.
+    virtual void SetNotificationSink(NotificationSink sink) = 0;
+    // True while a synchroniser works on the store.
+    virtual bool IsSynchronizing() = 0;
+
+    // Every category name used by an item, as written.
+    virtual std::vector<std::u16string> GetCategoryNames() = 0;
+    // Files that could not be read (never rewritten).
+    virtual int GetSkippedCount() = 0;
+};
+
+} // namespace mirodate
