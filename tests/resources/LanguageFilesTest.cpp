@@ -22,7 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // Reference language first; the others must match it key for key.
-const std::vector<std::string> kShippedLanguages = {"en", "de", "fr", "nl", "pl", "ru"};
+const std::vector<std::string> kShippedLanguages = {"en", "de", "fr", "nl", "pl", "ru", "se"};
 
 // Keys the code builds at run time from a pattern, with the numbers it fills in.
 struct KeyPattern {
