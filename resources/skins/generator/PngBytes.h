@@ -1,0 +1,7 @@
+#pragma once
+#include <cairo.h>
+
+#include <string>
+
+// The surface encoded as PNG, in memory.
+std::string PngBytes(cairo_surface_t* surface);

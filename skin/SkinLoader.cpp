@@ -1,0 +1,96 @@
+#include "skin/SkinLoader.h"
+
+#include "lang/IniFile.h"
+#include "platform/Log.h"
+#include "platform/Paths.h"
+#include "platform/Settings.h"
+#include "platform/TextUtil.h"
+#include "skin/ApplySkin.h"
+#include "skin/MenuBarIcons.h"
+#include "skin/SkinArchive.h"
+#include "skin/SkinStyles.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+namespace mirodate {
+
+namespace {
+
+constexpr std::string_view kPrefix = "skin.";
+constexpr std::string_view kSuffix = ".zip";
+constexpr std::string_view kStyleFile = "skin.ini";
+
+std::string ArchiveFileName(const std::u16string& name) {
+    return std::string(kPrefix) + Utf16ToUtf8(name) + std::string(kSuffix);
+}
+
+bool ApplyArchive(const std::string& path, SkinStyles& styles, bool highResolution) {
+    SkinArchive archive;
+    if (archive.Open(path) != SkinArchive::kOk) {
+        Log::Warning("skin %s cannot be opened", path.c_str());
+        return false;
+    }
+    std::string text;
+    if (archive.ReadItem(kStyleFile, text) != SkinArchive::kOk || text.empty()) {
+        Log::Warning("skin %s has no readable skin.ini", path.c_str());
+        return false;
+    }
+    IniFile ini;
+    if (!ini.Parse(text))
+        return false;
+    ApplySkin(ini, archive, highResolution, styles);
+    return true;
+}
+
+} // namespace
+
+std::string SkinLoader::ArchivePath(const std::u16string& name) {
+    const std::string fileName = ArchiveFileName(name);
+    return Paths::FindResourceDir(fileName) + "/" + fileName;
+}
+
+bool SkinLoader::LoadArchive(const std::string& path, SkinStyles& styles, bool highResolution) {
+    const bool applied = ApplyArchive(path, styles, highResolution);
+    if (!styles.menuBar.iconsFromSkin)
+        styles.menuBar.icons = MenuBarIcons::Builtin(highResolution);
+    return applied;
+}
+
+bool SkinLoader::Load(SkinStyles& styles, bool highResolution) {
+    std::string path = ArchivePath(Settings::GetSkin());
+    if (!Paths::FileExists(path)) {
+        Settings::SetSkin(kDefaultSkin);
+        path = ArchivePath(Settings::GetSkin());
+    }
+    return LoadArchive(path, styles, highResolution);
+}
+
+std::vector<std::u16string> SkinLoader::ListIn(const std::vector<std::string>& folders) {
+    std::vector<std::u16string> names;
+    for (const std::string& folder : folders) {
+        std::error_code error;
+        for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+            const std::string file = entry.path().filename().string();
+            if (file.size() <= kPrefix.size() + kSuffix.size() || !file.starts_with(kPrefix) ||
+                !file.ends_with(kSuffix))
+                continue;
+            names.push_back(
+                Utf8ToUtf16(file.substr(kPrefix.size(), file.size() - kPrefix.size() - kSuffix.size())));
+        }
+    }
+    std::sort(names.begin(), names.end());
+    names.erase(std::unique(names.begin(), names.end()), names.end());
+    return names;
+}
+
+std::vector<std::u16string> SkinLoader::ListInstalled() {
+    std::vector<std::string> folders{Paths::ProgramDir()};
+    const std::string defaultFolder = Paths::FindResourceDir(ArchiveFileName(kDefaultSkin));
+    if (defaultFolder != folders.front())
+        folders.push_back(defaultFolder);
+    return ListIn(folders);
+}
+
+} // namespace mirodate

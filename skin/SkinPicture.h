@@ -1,0 +1,30 @@
+#pragma once
+// A decoded skin picture, kept as plain pixels so that any layer can hold it
+// and the drawing layer can wrap it without copying: 32-bit premultiplied
+// ARGB in native byte order (cairo's ARGB32), rows of `width` pixels.
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace mirodate {
+
+struct SkinPicture {
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint32_t> pixels;
+
+    int Stride() const { return width * 4; }
+    std::uint32_t At(int x, int y) const { return pixels[static_cast<size_t>(y) * width + x]; }
+
+    // Pictures larger than this are refused before decoding.
+    static constexpr int kMaxSide = 8192;
+    static constexpr std::int64_t kMaxPixels = 16 * 1024 * 1024;
+
+    // Decodes PNG data; nullptr when it is not a PNG, too large or broken.
+    static std::shared_ptr<const SkinPicture> DecodePng(std::string_view data);
+};
+
+using SkinPictureRef = std::shared_ptr<const SkinPicture>;
+
+} // namespace mirodate
