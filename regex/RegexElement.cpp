@@ -1,0 +1,9 @@
+#include "regex/RegexElement.h"
+
+namespace mirodate {
+
+RegexElement::~RegexElement() = default;
+
+void RegexElement::Optimize(const RegexCharSet*) {}
+
+} // namespace mirodate

@@ -1,0 +1,7 @@
+#include "regex/RegexEmptyElement.h"
+
+namespace mirodate {
+
+RegexEmptyElement::~RegexEmptyElement() = default;
+
+} // namespace mirodate
