@@ -1,6 +1,7 @@
 // Checks the language files we ship, as the build leaves them next to the
 // executable: encoding and line ends, well-formed and unique keys, the same
 // keys and placeholders in every language, and every key the code asks for.
+#include "lang/LanguageTable.h"
 #include "platform/TextUtil.h"
 
 #include <gtest/gtest.h>
@@ -238,6 +239,26 @@ TEST_F(ShippedLanguages, HaveTheEnglishKeysAndPlaceholders) {
         for (const auto& [key, value] : entries) {
             EXPECT_TRUE(english.count(key))
                 << "lang." << file.code << ".txt has " << key << ", English has not";
+        }
+    }
+}
+
+// What the program shows: every text read through the real table, with "\n"
+// turned into a line break, and keys short enough for narrow look-ups.
+TEST_F(ShippedLanguages, ReadThroughTheLanguageTableGiveTheirTexts) {
+    for (const auto& file : Files()) {
+        LanguageTable table;
+        ASSERT_TRUE(table.Load((fs::path(MIRODATE_BINARY_DIR) / ("lang." + file.code + ".txt")).string()))
+            << file.code;
+        for (const auto& [key, value] : file.lines) {
+            EXPECT_LE(key.size(), LanguageTable::kMaxNarrowKey) << key;
+            std::u16string expected = Utf8ToUtf16(value);
+            for (size_t at = expected.find(u"\\n"); at != std::u16string::npos;
+                 at = expected.find(u"\\n", at)) {
+                expected.replace(at, 2, u"\n");
+            }
+            EXPECT_EQ(Utf16ToUtf8(table.Get(std::string_view(key))), Utf16ToUtf8(expected))
+                << "lang." << file.code << ".txt: " << key;
         }
     }
 }
