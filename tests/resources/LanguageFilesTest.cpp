@@ -12,9 +12,9 @@
 #include <iterator>
 #include <map>
 #include <optional>
-#include <regex>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace mirodate {
@@ -140,12 +140,32 @@ std::optional<std::u16string> LookUp(const std::u16string& text, const std::stri
     return text.substr(begin, end == std::u16string::npos ? std::u16string::npos : end - begin);
 }
 
+bool IsLetter(char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
+// "$Name" placeholders and printf conversions ("%s", "%02i") of a value.
 std::set<std::string> Placeholders(const std::string& value) {
-    static const std::regex token(R"(\$[A-Za-z]+|%[-0-9.]*[a-zA-Z])");
     std::set<std::string> out;
-    for (auto it = std::sregex_iterator(value.begin(), value.end(), token); it != std::sregex_iterator();
-         ++it) {
-        out.insert(it->str());
+    for (size_t i = 0; i < value.size(); ++i) {
+        size_t end = i + 1;
+        if (value[i] == '$') {
+            while (end < value.size() && IsLetter(value[end]))
+                ++end;
+            if (end == i + 1)
+                continue;
+        } else if (value[i] == '%') {
+            while (end < value.size() &&
+                   std::string_view("-0123456789.").find(value[end]) != std::string::npos)
+                ++end;
+            if (end == value.size() || !IsLetter(value[end]))
+                continue;
+            ++end;
+        } else {
+            continue;
+        }
+        out.insert(value.substr(i, end - i));
+        i = end - 1;
     }
     return out;
 }
@@ -273,23 +293,29 @@ TEST_F(ShippedLanguages, EnglishDayMaskWordsAreTheOnesTheRecurrenceTextExpects) 
 // Literal keys in the arguments of Lang(...) and LangW(...) calls in a piece of
 // code, so that Lang(n == 1 ? "Daily" : "EveryNDays") counts both keys.
 std::set<std::string> KeysUsedIn(const std::string& code) {
-    static const std::regex call(R"re((?:^|[^A-Za-z0-9_])LangW?\()re");
-    static const std::regex literal(R"re(u?"([^"\\]*)")re");
     std::set<std::string> keys;
-    for (auto it = std::sregex_iterator(code.begin(), code.end(), call); it != std::sregex_iterator(); ++it) {
+    for (size_t at = code.find("Lang"); at != std::string::npos; at = code.find("Lang", at + 1)) {
+        if (at > 0 && (IsKeyChar(code[at - 1]) || code[at - 1] == '.'))
+            continue; // part of another name
+        size_t begin = at + 4;
+        if (begin < code.size() && code[begin] == 'W')
+            ++begin;
+        if (begin >= code.size() || code[begin] != '(')
+            continue;
         // The argument runs to the parenthesis that closes the call.
-        const size_t begin = it->position() + it->length();
-        size_t end = begin;
+        size_t end = ++begin;
         for (int depth = 1; end < code.size() && depth > 0; ++end) {
             if (code[end] == '(')
                 ++depth;
             if (code[end] == ')')
                 --depth;
         }
-        const std::string argument = code.substr(begin, end - begin);
-        for (auto lit = std::sregex_iterator(argument.begin(), argument.end(), literal);
-             lit != std::sregex_iterator(); ++lit) {
-            keys.insert((*lit)[1].str());
+        for (size_t q = code.find('"', begin); q < end; q = code.find('"', q + 1)) {
+            const size_t close = code.find('"', q + 1);
+            if (close >= end)
+                break;
+            keys.insert(code.substr(q + 1, close - q - 1));
+            q = close;
         }
     }
     return keys;
