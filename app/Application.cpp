@@ -8,12 +8,12 @@
 #include "platform/Log.h"
 #include "platform/TextUtil.h"
 #include "ui/RegisteredMessages.h"
+#include "ui/UiRunner.h"
 #include "ui/WindowClasses.h"
 
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <mutex>
 #include <thread>
 
 namespace mirodate {
@@ -131,6 +131,21 @@ void Application::OnCommand(const std::u16string& text) {
 }
 
 int Application::Start() {
+    UiRunnerOptions uiOptions;
+    uiOptions.width = options_.width;
+    uiOptions.height = options_.height;
+    uiOptions.headless = options_.headless;
+    uiOptions.virtualClock = options_.virtualClock;
+    uiOptions.scriptPath = options_.scriptPath;
+    uiOptions.screenshotPath = options_.screenshotPath;
+    UiRunner ui(uiOptions);
+    std::string uiError;
+    int uiStatus = 0;
+    if (!ui.Prepare(uiError, uiStatus)) {
+        std::fprintf(stderr, "mirodate: %s\n", uiError.c_str());
+        return uiStatus;
+    }
+
     InstanceServer server;
     InstanceServer::Handler handler;
     handler.hasWindow = [this](const std::string& className, const std::string& title) {
@@ -138,17 +153,19 @@ int Application::Start() {
         return className == kSplashScreenClass && title == kSplashScreenTitle;
     };
     handler.broadcast = [](const std::string& name) { Log::Info("broadcast %s", name.c_str()); };
-    std::mutex commandMutex;
-    handler.copyData = [this, &commandMutex](std::uint32_t, const std::string& bytes) -> std::int32_t {
+    // Requests arrive on the server thread; the UI thread handles them in order.
+    handler.copyData = [this, &ui](std::uint32_t, const std::string& bytes) -> std::int32_t {
         if (bytes.empty() || !loaded_) return 0;
         const std::u16string text = CommandFromPayload(bytes);
-        std::lock_guard lock(commandMutex);
-        if (!text.empty()) OnCommand(text);
+        if (!text.empty()) ui.Post([this, text] { OnCommand(text); });
         return 1;
     };
     handler.bringToFront = [](const std::string&, const std::string&) {};
-    handler.close = [this](const std::string& className, const std::string&) {
-        if (className == kMainWndClass) quit_ = true;
+    handler.close = [this, &ui](const std::string& className, const std::string&) {
+        if (className == kMainWndClass) {
+            quit_ = true;
+            ui.RequestClose();
+        }
     };
 
     const auto deadline = std::chrono::steady_clock::now() + kRestartWait;
@@ -161,18 +178,13 @@ int Application::Start() {
     }
 
     loaded_ = true;
-    {
-        std::lock_guard lock(commandMutex);
-        OnCommand(options_.commandLine);
-    }
+    OnCommand(options_.commandLine);
 
-    // Without a display there is nothing to wait for once started headless.
-    if (options_.headless && options_.scriptPath.empty()) return 0;
     std::signal(SIGINT, OnSignal);
     std::signal(SIGTERM, OnSignal);
-    while (!quit_ && !g_signalled) std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    const int status = ui.Run([this] { return quit_ || g_signalled; });
     server.Stop();
-    return 0;
+    return status;
 }
 
 } // namespace mirodate

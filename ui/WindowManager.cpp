@@ -80,7 +80,7 @@ struct WindowManager::Window {
 };
 
 WindowManager::WindowManager(Display& display)
-    : display_(display), uiThread_(std::this_thread::get_id()), nextRegisteredMessage_(kFirstRegisteredMessage) {
+    : display_(display), uiThread_(std::this_thread::get_id()) {
     if (g_current) Log::Warning("a second window system replaces the first");
     g_current = this;
     SetHighResolution(display.Width() >= kHighResolutionWidth);
@@ -665,9 +665,12 @@ bool WindowManager::IsQuitPending() const {
 }
 
 UINT WindowManager::RegisterWindowMessage(const std::string& name) {
-    std::lock_guard lock(queueMutex_);
-    auto [it, inserted] = registeredMessages_.try_emplace(name, nextRegisteredMessage_);
-    if (inserted) ++nextRegisteredMessage_;
+    // Process-wide, so that a number once handed out keeps its meaning even
+    // when a test replaces the window system.
+    static std::mutex mutex;
+    static std::map<std::string, UINT> registered;
+    std::lock_guard lock(mutex);
+    auto [it, inserted] = registered.try_emplace(name, kFirstRegisteredMessage + static_cast<UINT>(registered.size()));
     return it->second;
 }
 

@@ -208,8 +208,6 @@ private:
     std::deque<Posted> posted_;
     bool quitPending_ = false;
     int quitCode_ = 0;
-    std::map<std::string, UINT> registeredMessages_;
-    UINT nextRegisteredMessage_;
 
     std::deque<MSG> input_;
     WPARAM buttonKeys_ = 0; // MK_ bits of the buttons held
