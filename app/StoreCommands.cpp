@@ -1,17 +1,124 @@
 #include "app/StoreCommands.h"
 
+#include "data/DateTime.h"
+#include "data/PimStore.h"
+#include "platform/Clock.h"
+#include "platform/Settings.h"
+#include "platform/TextUtil.h"
+#include "store/DemoData.h"
+#include "store/VdirSource.h"
+
 #include <cstdio>
+#include <memory>
+#include <string>
 
 namespace mirodate {
 
-int StoreCommands::List(const ProgramOptions&) {
-    std::fprintf(stderr, "mirodate: --list is not available yet\n");
-    return 2;
+namespace {
+
+// Longest --list range; a longer one is almost certainly a typing error.
+constexpr int kMaxListDays = 366 * 100;
+
+bool ParseIsoDate(const std::string& text, DateTime& date) {
+    if (text.size() != 10 || text[4] != '-' || text[7] != '-') return false;
+    for (std::size_t i : {0, 1, 2, 3, 5, 6, 8, 9})
+        if (text[i] < '0' || text[i] > '9') return false;
+    date = DateTime(std::stoi(text.substr(0, 4)), std::stoi(text.substr(5, 2)), std::stoi(text.substr(8, 2)));
+    return date.IsValid();
 }
 
-int StoreCommands::Demo(const ProgramOptions&) {
-    std::fprintf(stderr, "mirodate: --demo is not available yet\n");
-    return 2;
+std::string StoreRoot(const ProgramOptions& options) {
+    return options.storeDir.empty() ? VdirSource::DefaultRoot() : options.storeDir;
+}
+
+void AppendLine(std::string& out, const DateTime& day, const PimItem& item) {
+    char head[64];
+    std::snprintf(head, sizeof head, "%04d-%02d-%02d ", day.GetYear(), day.GetMonth(), day.GetDay());
+    out += head;
+    if (item.IsTask()) {
+        out += item.isComplete ? "task [x] " : "task [ ] ";
+    } else if (item.kind == PimItem::kBirthday) {
+        out += "birthday ";
+    } else if (item.kind == PimItem::kAnniversary) {
+        out += "anniversary ";
+    } else if (item.isAllDay) {
+        out += "allday ";
+    } else {
+        char times[32];
+        std::snprintf(times, sizeof times, "%02d:%02d-%02d:%02d ", item.start.wHour, item.start.wMinute,
+                      item.end.wHour, item.end.wMinute);
+        out += times;
+    }
+    // One line per item, whatever the subject holds.
+    std::string subject = Utf16ToUtf8(item.subject);
+    for (char& c : subject)
+        if (c == '\n' || c == '\r') c = ' ';
+    out += subject;
+    out += '\n';
+}
+
+} // namespace
+
+int StoreCommands::List(const ProgramOptions& options) {
+    DateTime from, to;
+    if (!ParseIsoDate(options.listFrom, from) || !ParseIsoDate(options.listTo, to)) {
+        std::fprintf(stderr, "mirodate: --list wants two dates as YYYY-MM-DD, got \"%s\" \"%s\"\n",
+                     options.listFrom.c_str(), options.listTo.c_str());
+        return 2;
+    }
+    if (to < from || (to - from).GetDays() > kMaxListDays) {
+        std::fprintf(stderr, "mirodate: --list range %s to %s is not a range of at most 100 years\n",
+                     options.listFrom.c_str(), options.listTo.c_str());
+        return 2;
+    }
+    const std::string root = StoreRoot(options);
+    PimStore& store = PimStore::Instance();
+    if (!store.Open(std::make_unique<VdirSource>(root))) {
+        std::fprintf(stderr, "mirodate: cannot read the store at %s\n", root.c_str());
+        return 2;
+    }
+    store.SetFilters(Settings::GetExcludeFilter(), Settings::GetLastFilter(), Settings::GetHideCompleteTasks(),
+                     Settings::GetShowContactsBirthdays(), Settings::GetShowContactsAnniversaries());
+    // The listing is the agenda as text: tasks appear when the agenda shows them.
+    const bool withTasks = Settings::IsTaskViewEnabled(u"Agenda");
+    std::string out;
+    std::vector<PimItem> items;
+    for (DateTime day = from; day <= to; day += DateTimeSpan(1.0)) {
+        items.clear();
+        store.GetDayAppointments(day.GetYear(), day.GetMonth(), day.GetDay(), items);
+        if (withTasks) store.GetDayTasks(day.GetYear(), day.GetMonth(), day.GetDay(), items);
+        for (const PimItem& item : items) AppendLine(out, day, item);
+        if (out.size() > (1u << 16)) {
+            std::fwrite(out.data(), 1, out.size(), stdout);
+            out.clear();
+        }
+    }
+    std::fwrite(out.data(), 1, out.size(), stdout);
+    std::fflush(stdout);
+    return 0;
+}
+
+int StoreCommands::Demo(const ProgramOptions& options) {
+    const std::string root = StoreRoot(options);
+    VdirSource::Options sourceOptions;
+    sourceOptions.createIfMissing = true;
+    VdirSource source(root, sourceOptions);
+    if (!source.Logon()) {
+        std::fprintf(stderr, "mirodate: cannot create the store at %s\n", root.c_str());
+        return 2;
+    }
+    if (const int count = source.GetItemCount(); count > 0) {
+        std::fprintf(stderr, "mirodate: the store at %s holds %d items; the demo fills only an empty store\n",
+                     root.c_str(), count);
+        return 0;
+    }
+    const int written = DemoData::Fill(source, DateTime::Now());
+    if (written < 0) {
+        std::fprintf(stderr, "mirodate: the demo items could not all be written to %s\n", root.c_str());
+        return 2;
+    }
+    std::fprintf(stderr, "mirodate: wrote %d demo items to %s\n", written, root.c_str());
+    return 0;
 }
 
 } // namespace mirodate

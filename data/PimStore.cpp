@@ -125,8 +125,10 @@ void PimStore::SetFilters(const std::u16string& excludeFilter, const std::u16str
     std::lock_guard lock(storeMutex_);
     if (config == filter_.Config()) return;
     filter_ = ItemFilter(config);
-    Settings::SetLastFilter(categoryFilter);
-    Settings::SetExcludeFilter(excludeFilter);
+    // Values already stored are not written again (a start-up reads them
+    // and hands them back).
+    if (Settings::GetLastFilter() != categoryFilter) Settings::SetLastFilter(categoryFilter);
+    if (Settings::GetExcludeFilter() != excludeFilter) Settings::SetExcludeFilter(excludeFilter);
 }
 
 FilterConfig PimStore::GetFilters() const {

@@ -1,0 +1,127 @@
+#include "store/IcalTime.h"
+
+#include "data/DateTime.h"
+
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <unistd.h>
+
+namespace mirodate {
+
+namespace {
+
+constexpr int kMinYear = 100;
+constexpr int kMaxYear = 9999;
+
+bool FieldsOk(const icaltimetype& t) {
+    if (icaltime_is_null_time(t) || t.year < kMinYear || t.year > kMaxYear || t.month < 1 || t.month > 12 ||
+        t.day < 1 || t.day > DaysInMonth(t.year, t.month))
+        return false;
+    return t.is_date || (t.hour >= 0 && t.hour < 24 && t.minute >= 0 && t.minute < 60 && t.second >= 0 && t.second <= 60);
+}
+
+} // namespace
+
+bool IcalTime::ToUnix(const icaltimetype& time, std::time_t& seconds) {
+    if (!FieldsOk(time)) return false;
+    const icaltimezone* zone = icaltime_get_timezone(time);
+    if (time.is_date || !zone) {
+        std::tm tm{};
+        tm.tm_year = time.year - 1900;
+        tm.tm_mon = time.month - 1;
+        tm.tm_mday = time.day;
+        tm.tm_hour = time.is_date ? 0 : time.hour;
+        tm.tm_min = time.is_date ? 0 : time.minute;
+        tm.tm_sec = time.is_date ? 0 : std::min(time.second, 59);
+        tm.tm_isdst = -1;
+        seconds = std::mktime(&tm);
+        return true;
+    }
+    seconds = icaltime_as_timet_with_zone(time, zone);
+    return true;
+}
+
+bool IcalTime::ToLocalDate(const icaltimetype& time, double& date) {
+    if (!FieldsOk(time)) return false;
+    const icaltimezone* zone = icaltime_get_timezone(time);
+    if (time.is_date) {
+        date = DateTime(time.year, time.month, time.day).ToDate();
+        return true;
+    }
+    if (!zone) {
+        date = DateTime(time.year, time.month, time.day, time.hour, time.minute, std::min(time.second, 59)).ToDate();
+        return true;
+    }
+    const std::time_t seconds = icaltime_as_timet_with_zone(time, zone);
+    std::tm tm{};
+    if (!localtime_r(&seconds, &tm)) return false;
+    const DateTime local(tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday, tm.tm_hour, tm.tm_min, std::min(tm.tm_sec, 59));
+    if (!local.IsValid()) return false;
+    date = local.ToDate();
+    return true;
+}
+
+icaltimetype IcalTime::FromLocalDate(double date, bool isDate, const icaltimezone* zone) {
+    const DateTime local(date);
+    icaltimetype t = icaltime_null_time();
+    if (!local.IsValid()) return t;
+    const SYSTEMTIME st = local.ToSystemTime();
+    t.year = st.wYear;
+    t.month = st.wMonth;
+    t.day = st.wDay;
+    t.is_date = isDate ? 1 : 0;
+    if (isDate) return t;
+    t.hour = st.wHour;
+    t.minute = st.wMinute;
+    t.second = st.wSecond;
+    if (!zone) return t;
+    // The local wall time, moved into the wanted zone.
+    std::tm tm{};
+    tm.tm_year = st.wYear - 1900;
+    tm.tm_mon = st.wMonth - 1;
+    tm.tm_mday = st.wDay;
+    tm.tm_hour = st.wHour;
+    tm.tm_min = st.wMinute;
+    tm.tm_sec = st.wSecond;
+    tm.tm_isdst = -1;
+    const std::time_t seconds = std::mktime(&tm);
+    return icaltime_from_timet_with_zone(seconds, 0, const_cast<icaltimezone*>(zone));
+}
+
+std::string IcalTime::LocalZoneName() {
+    std::string name;
+    if (const char* tz = std::getenv("TZ"); tz && *tz) {
+        name = tz[0] == ':' ? tz + 1 : tz;
+        const std::string prefix = "/usr/share/zoneinfo/";
+        if (name.rfind(prefix, 0) == 0) name = name.substr(prefix.size());
+    } else {
+        char target[PATH_MAX];
+        const ssize_t length = readlink("/etc/localtime", target, sizeof target - 1);
+        if (length > 0) {
+            target[length] = '\0';
+            name = target;
+            const std::size_t at = name.find("zoneinfo/");
+            name = at == std::string::npos ? std::string() : name.substr(at + 9);
+        }
+    }
+    if (name == "UTC" || name == "Etc/UTC" || name == "UTC0" || name == "GMT" || name == "Etc/GMT") return "UTC";
+    return name;
+}
+
+icaltimezone* IcalTime::LocalZone() {
+    const std::string name = LocalZoneName();
+    if (name.empty()) return nullptr;
+    if (name == "UTC") return icaltimezone_get_utc_timezone();
+    return icaltimezone_get_builtin_timezone(name.c_str());
+}
+
+std::string IcalTime::LocalDateToUtcText(double date) {
+    const icaltimetype utc = FromLocalDate(date, false, icaltimezone_get_utc_timezone());
+    char text[32];
+    std::snprintf(text, sizeof text, "%04d%02d%02dT%02d%02d%02dZ", utc.year, utc.month, utc.day, utc.hour,
+                  utc.minute, utc.second);
+    return text;
+}
+
+} // namespace mirodate

@@ -1,0 +1,58 @@
+#pragma once
+// One .ics file read with libical: the event or task it holds (the first
+// VEVENT or VTODO and the overrides with its UID), as a record for its first
+// occurrence, and the occurrences of a series within a window.
+#include "data/PimRecord.h"
+#include "store/IcalHandle.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace mirodate {
+
+class IcsItem {
+public:
+    enum class Kind { None, Event, Task };
+
+    // Bounds on the work one expansion may do, so that a rule asking for
+    // millions of occurrences costs no more than a long series.
+    static constexpr int kMaxIterations = 200000;
+    static constexpr int kMaxOccurrences = 20000;
+
+    // False (with the reason) when the text holds no usable event or task.
+    bool Parse(std::string_view text, std::string& problem);
+
+    Kind GetKind() const { return kind_; }
+    const std::string& GetUid() const { return uid_; }
+    // The item itself: a series as its first occurrence with its pattern.
+    const PimRecord& GetRecord() const { return record_; }
+    bool IsSeries() const { return series_; }
+    // Components with another UID were left out.
+    bool HasUnrelatedComponents() const { return unrelated_; }
+    // Last moment any occurrence can end (kNoDate when the series is open).
+    double GetSeriesEnd() const { return seriesEnd_; }
+    // Longest occurrence, in days.
+    double GetLongestDuration() const { return longest_; }
+
+    // Occurrences whose start lies in [from, before) (local DATEs), sorted by
+    // start, moved and cancelled occurrences applied. A plain item gives
+    // itself when it starts in the window.
+    void Expand(double from, double before, std::vector<PimRecord>& occurrences) const;
+
+private:
+    bool ReadComponent(icalcomponent* component, PimRecord& record, std::string& problem) const;
+
+    IcalComponentPtr calendar_;
+    icalcomponent* master_ = nullptr;
+    std::vector<icalcomponent*> overrides_;
+    Kind kind_ = Kind::None;
+    std::string uid_;
+    PimRecord record_;
+    bool series_ = false;
+    bool unrelated_ = false;
+    double seriesEnd_ = kNoDate;
+    double longest_ = 0.0;
+};
+
+} // namespace mirodate

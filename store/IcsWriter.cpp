@@ -1,0 +1,234 @@
+#include "store/IcsWriter.h"
+
+#include "data/DateTime.h"
+#include "platform/TextUtil.h"
+#include "store/IcalHandle.h"
+#include "store/IcalTime.h"
+#include "store/RecurrenceRule.h"
+
+#include <cstdio>
+#include <random>
+
+namespace mirodate {
+
+namespace {
+
+constexpr const char* kProductId = "-//Kestrelia//Mirodate//EN";
+
+// PRIORITY for the record's importance (0 low, 1 normal, 2 high).
+int PriorityOfImportance(int importance) { return importance >= 2 ? 1 : importance <= 0 ? 9 : 5; }
+
+void RemoveAll(icalcomponent* component, icalproperty_kind kind) {
+    while (icalproperty* p = icalcomponent_get_first_property(component, kind)) {
+        icalcomponent_remove_property(component, p);
+        icalproperty_free(p);
+    }
+}
+
+// A time property in the local zone, written with its plain zone name so
+// that other programs find the zone; UTC as such; floating when the zone
+// is unknown.
+icalproperty* TimeProperty(icalproperty_kind kind, double date, bool isDate) {
+    const std::string zoneName = IcalTime::LocalZoneName();
+    icaltimetype t = IcalTime::FromLocalDate(date, isDate, nullptr);
+    if (!isDate && zoneName == "UTC") t = IcalTime::FromLocalDate(date, false, icaltimezone_get_utc_timezone());
+    icalproperty* p = icalproperty_new(kind);
+    icalproperty_set_value(p, isDate ? icalvalue_new_date(t) : icalvalue_new_datetime(t));
+    if (!isDate && !zoneName.empty() && zoneName != "UTC" && IcalTime::LocalZone())
+        icalproperty_add_parameter(p, icalparameter_new_tzid(zoneName.c_str()));
+    return p;
+}
+
+void SetText(icalcomponent* component, icalproperty_kind kind, const std::u16string& text) {
+    RemoveAll(component, kind);
+    if (text.empty()) return;
+    icalproperty* p = icalproperty_new(kind);
+    icalproperty_set_value(p, icalvalue_new_text(Utf16ToUtf8(text).c_str()));
+    icalcomponent_add_property(component, p);
+}
+
+void SetStamp(icalcomponent* component) {
+    RemoveAll(component, ICAL_DTSTAMP_PROPERTY);
+    icalcomponent_add_property(component,
+                               icalproperty_new_dtstamp(icaltime_current_time_with_zone(icaltimezone_get_utc_timezone())));
+}
+
+void Fill(icalcomponent* component, const PimRecord& record) {
+    SetText(component, ICAL_SUMMARY_PROPERTY, record.subject);
+    SetText(component, ICAL_LOCATION_PROPERTY, record.location);
+    SetText(component, ICAL_DESCRIPTION_PROPERTY, record.body);
+    RemoveAll(component, ICAL_CATEGORIES_PROPERTY);
+    if (!record.categories.empty())
+        icalcomponent_add_property(component, icalproperty_new_categories(Utf16ToUtf8(record.categories).c_str()));
+    for (auto kind : {ICAL_DTSTART_PROPERTY, ICAL_DTEND_PROPERTY, ICAL_DURATION_PROPERTY, ICAL_DUE_PROPERTY})
+        RemoveAll(component, kind);
+    if (record.itemKind == 3) {
+        if (record.startDate != kNoDate)
+            icalcomponent_add_property(component, TimeProperty(ICAL_DTSTART_PROPERTY, record.startDate, true));
+        if (record.dueDate != kNoDate)
+            icalcomponent_add_property(component, TimeProperty(ICAL_DUE_PROPERTY, record.dueDate, true));
+        RemoveAll(component, ICAL_STATUS_PROPERTY);
+        RemoveAll(component, ICAL_COMPLETED_PROPERTY);
+        RemoveAll(component, ICAL_PRIORITY_PROPERTY);
+        icalcomponent_add_property(component,
+                                   icalproperty_new_status(record.complete ? ICAL_STATUS_COMPLETED : ICAL_STATUS_NEEDSACTION));
+        if (record.complete)
+            icalcomponent_add_property(
+                component, icalproperty_new_completed(icaltime_current_time_with_zone(icaltimezone_get_utc_timezone())));
+        icalcomponent_add_property(component, icalproperty_new_priority(PriorityOfImportance(record.importance)));
+    } else {
+        icalcomponent_add_property(component, TimeProperty(ICAL_DTSTART_PROPERTY, record.start, record.allDay));
+        icalcomponent_add_property(component, TimeProperty(ICAL_DTEND_PROPERTY, record.end, record.allDay));
+    }
+    if (record.recurrence.RecurrenceType != RecurrencePattern::kNotRecurring || !record.isRecurring) {
+        RemoveAll(component, ICAL_RRULE_PROPERTY);
+        const std::string rule = record.isRecurring ? RecurrenceRule::FromPattern(record.recurrence, record.allDay) : "";
+        if (!rule.empty())
+            icalcomponent_add_property(component, icalproperty_new_rrule(icalrecurrencetype_from_string(rule.c_str())));
+    }
+    SetStamp(component);
+}
+
+icalcomponent* MainComponent(icalcomponent* calendar) {
+    for (icalcomponent* c = icalcomponent_get_first_component(calendar, ICAL_ANY_COMPONENT); c;
+         c = icalcomponent_get_next_component(calendar, ICAL_ANY_COMPONENT)) {
+        const auto kind = icalcomponent_isa(c);
+        if ((kind == ICAL_VEVENT_COMPONENT || kind == ICAL_VTODO_COMPONENT) &&
+            !icalcomponent_get_first_property(c, ICAL_RECURRENCEID_PROPERTY))
+            return c;
+    }
+    return nullptr;
+}
+
+std::string Serialise(icalcomponent* calendar) {
+    char* text = icalcomponent_as_ical_string_r(calendar);
+    std::string out = text ? text : "";
+    std::free(text);
+    return out;
+}
+
+IcalComponentPtr ParseCalendar(std::string_view text) {
+    const std::string copy(text);
+    IcalComponentPtr calendar(icalparser_parse_string(copy.c_str()));
+    if (calendar && icalcomponent_isa(calendar.get()) != ICAL_VCALENDAR_COMPONENT) calendar.reset();
+    return calendar;
+}
+
+std::string VcardEscape(const std::string& text) {
+    std::string out;
+    for (char c : text) {
+        if (c == '\\' || c == ',' || c == ';') out += '\\';
+        if (c == '\n') {
+            out += "\\n";
+            continue;
+        }
+        out += c;
+    }
+    return out;
+}
+
+std::string VcardDate(double date, bool hasYear) {
+    const DateTime d(date);
+    char text[16];
+    if (hasYear)
+        std::snprintf(text, sizeof text, "%04d%02d%02d", d.GetYear(), d.GetMonth(), d.GetDay());
+    else
+        std::snprintf(text, sizeof text, "--%02d%02d", d.GetMonth(), d.GetDay());
+    return text;
+}
+
+} // namespace
+
+std::string IcsWriter::MakeUid() {
+    std::random_device device;
+    std::uniform_int_distribution<unsigned> byte(0, 255);
+    unsigned char bytes[16];
+    for (auto& b : bytes) b = static_cast<unsigned char>(byte(device));
+    bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0F) | 0x40); // version 4
+    bytes[8] = static_cast<unsigned char>((bytes[8] & 0x3F) | 0x80); // RFC 4122 variant
+    char text[40];
+    std::snprintf(text, sizeof text, "%02x%02x%02x%02x-%02x%02x-%02x%02x-%02x%02x-%02x%02x%02x%02x%02x%02x", bytes[0],
+                  bytes[1], bytes[2], bytes[3], bytes[4], bytes[5], bytes[6], bytes[7], bytes[8], bytes[9], bytes[10],
+                  bytes[11], bytes[12], bytes[13], bytes[14], bytes[15]);
+    return text;
+}
+
+std::string IcsWriter::NewItem(const PimRecord& record, const std::string& uid) {
+    IcalComponentPtr calendar(icalcomponent_new(ICAL_VCALENDAR_COMPONENT));
+    icalcomponent_add_property(calendar.get(), icalproperty_new_version("2.0"));
+    icalcomponent_add_property(calendar.get(), icalproperty_new_prodid(kProductId));
+    icalcomponent* item = icalcomponent_new(record.itemKind == 3 ? ICAL_VTODO_COMPONENT : ICAL_VEVENT_COMPONENT);
+    icalcomponent_add_property(item, icalproperty_new_uid(uid.c_str()));
+    Fill(item, record);
+    icalcomponent_add_component(calendar.get(), item);
+    return Serialise(calendar.get());
+}
+
+bool IcsWriter::Update(std::string_view existing, const PimRecord& record, std::string& out) {
+    IcalComponentPtr calendar = ParseCalendar(existing);
+    if (!calendar) return false;
+    icalcomponent* item = MainComponent(calendar.get());
+    if (!item) return false;
+    Fill(item, record);
+    out = Serialise(calendar.get());
+    return true;
+}
+
+bool IcsWriter::ReplaceUid(std::string_view existing, const std::string& uid, std::string& out) {
+    IcalComponentPtr calendar = ParseCalendar(existing);
+    if (!calendar || !MainComponent(calendar.get())) return false;
+    for (icalcomponent* c = icalcomponent_get_first_component(calendar.get(), ICAL_ANY_COMPONENT); c;
+         c = icalcomponent_get_next_component(calendar.get(), ICAL_ANY_COMPONENT)) {
+        const auto kind = icalcomponent_isa(c);
+        if (kind != ICAL_VEVENT_COMPONENT && kind != ICAL_VTODO_COMPONENT) continue;
+        icalcomponent_set_uid(c, uid.c_str());
+        SetStamp(c);
+    }
+    out = Serialise(calendar.get());
+    return true;
+}
+
+bool IcsWriter::AddException(std::string_view existing, double originalStart, const PimRecord* occurrence,
+                             std::string& out) {
+    IcalComponentPtr calendar = ParseCalendar(existing);
+    if (!calendar) return false;
+    icalcomponent* master = MainComponent(calendar.get());
+    if (!master || icalcomponent_isa(master) != ICAL_VEVENT_COMPONENT) return false;
+    icalproperty* startProperty = icalcomponent_get_first_property(master, ICAL_DTSTART_PROPERTY);
+    if (!startProperty) return false;
+    const bool isDate = icalproperty_get_dtstart(startProperty).is_date;
+    // The occurrence is named in the series' own zone.
+    icalproperty* id = TimeProperty(ICAL_RECURRENCEID_PROPERTY, originalStart, isDate);
+    if (!occurrence) {
+        icalproperty* exdate = TimeProperty(ICAL_EXDATE_PROPERTY, originalStart, isDate);
+        icalproperty_free(id);
+        icalcomponent_add_property(master, exdate);
+        SetStamp(master);
+    } else {
+        icalcomponent* moved = icalcomponent_new(ICAL_VEVENT_COMPONENT);
+        icalcomponent_add_property(moved, icalproperty_new_uid(icalcomponent_get_uid(master)));
+        icalcomponent_add_property(moved, id);
+        PimRecord single = *occurrence;
+        single.isRecurring = false;
+        single.recurrence = RecurrencePattern();
+        Fill(moved, single);
+        icalcomponent_add_component(calendar.get(), moved);
+    }
+    out = Serialise(calendar.get());
+    return true;
+}
+
+std::string IcsWriter::NewContact(const PimRecord& record, const std::string& uid) {
+    std::string text = "BEGIN:VCARD\r\nVERSION:3.0\r\nPRODID:";
+    text += kProductId;
+    text += "\r\nUID:" + uid + "\r\n";
+    const std::string name = VcardEscape(Utf16ToUtf8(record.subject));
+    text += "FN:" + name + "\r\nN:" + name + ";;;;\r\n";
+    if (record.birthday != kNoDate) text += "BDAY:" + VcardDate(record.birthday, record.birthdayHasYear) + "\r\n";
+    if (record.anniversary != kNoDate)
+        text += "X-ANNIVERSARY:" + VcardDate(record.anniversary, record.anniversaryHasYear) + "\r\n";
+    text += "END:VCARD\r\n";
+    return text;
+}
+
+} // namespace mirodate

@@ -1,0 +1,30 @@
+#pragma once
+// A derived index of a vdir kept under $XDG_CACHE_HOME/mirodate/, so that a
+// start does not parse every file again. It is never the source of truth:
+// an entry is used only while the file's size and modification time match,
+// the whole index only for the same folder and local time zone, and the
+// file may be deleted at any time.
+#include "store/StoredItem.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace mirodate {
+
+class StoreIndex {
+public:
+    using Entries = std::map<std::string, StoredItem>; // by "<folder>/<file name>"
+
+    // The index file of a store root.
+    static std::string PathFor(const std::string& root);
+    // What local times in the index depend on (TZ and /etc/localtime).
+    static std::string ZoneSignature();
+
+    // Empty when the file is missing, damaged, or for another root or zone.
+    static Entries Load(const std::string& path, const std::string& root, const std::string& zone);
+    static bool Save(const std::string& path, const std::string& root, const std::string& zone,
+                     const std::vector<const StoredItem*>& items);
+};
+
+} // namespace mirodate

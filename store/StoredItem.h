@@ -1,0 +1,31 @@
+#pragma once
+// What the vdir store knows of one file: where it is, the stamp it had when
+// read, and the item it holds. Published entries are never changed; a new
+// reading replaces the entry.
+#include "data/PimRecord.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace mirodate {
+
+class IcsItem;
+
+struct StoredItem {
+    int directory = 0; // index into the store's folder names
+    std::string fileName;
+    std::int64_t size = 0;
+    std::int64_t mtimeNs = 0;
+    bool readable = false; // false: skipped, never rewritten
+    int folder = 0;        // kFolderCalendar, kFolderTasks or kFolderContacts
+    std::string uid;
+    PimRecord record; // the item; a series as its first occurrence
+    bool series = false;
+    double seriesEnd = 0.0; // kNoDate when open
+    double longest = 0.0;   // longest occurrence in days
+    // The parsed file of a series, read when first expanded.
+    std::shared_ptr<const IcsItem> parsed;
+};
+
+} // namespace mirodate

@@ -1,0 +1,106 @@
+#include "store/VdirItems.h"
+
+#include "store/IcsItem.h"
+#include "store/Restriction.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace mirodate {
+
+VdirItems::VdirItems(VdirSource& source, VdirSource::Snapshot items) : source_(source), items_(std::move(items)) {}
+
+bool VdirItems::Sort(const std::u16string& property, bool descending) {
+    if (property == u"[Start]") sortKey_ = SortKey::Start;
+    else if (property == u"[End]") sortKey_ = SortKey::End;
+    else if (property == u"[DueDate]") sortKey_ = SortKey::DueDate;
+    else if (property == u"[StartDate]") sortKey_ = SortKey::StartDate;
+    else if (property == u"[Subject]") sortKey_ = SortKey::Subject;
+    else return false;
+    descending_ = descending;
+    sortedValid_ = false;
+    return true;
+}
+
+void VdirItems::SortRecords(std::vector<PimRecord>& records) const {
+    auto key = [this](const PimRecord& r) {
+        switch (sortKey_) {
+        case SortKey::Start: return r.start;
+        case SortKey::End: return r.end;
+        case SortKey::DueDate: return r.dueDate;
+        case SortKey::StartDate: return r.startDate;
+        default: return 0.0;
+        }
+    };
+    if (sortKey_ == SortKey::None) return;
+    if (sortKey_ == SortKey::Subject) {
+        std::stable_sort(records.begin(), records.end(), [this](const PimRecord& a, const PimRecord& b) {
+            return descending_ ? b.subject < a.subject : a.subject < b.subject;
+        });
+        return;
+    }
+    std::stable_sort(records.begin(), records.end(), [&](const PimRecord& a, const PimRecord& b) {
+        return descending_ ? key(b) < key(a) : key(a) < key(b);
+    });
+}
+
+FindResult VdirItems::Find(const std::u16string& text, PimRecord& item) {
+    found_.clear();
+    next_ = 0;
+    Restriction restriction;
+    std::string error;
+    if (!restriction.Parse(text, error)) return FindResult::BadRestriction;
+    const Restriction::Window window = restriction.GetWindow();
+    std::vector<PimRecord> occurrences;
+    for (const auto& stored : items_) {
+        if (!includeRecurrences_ || !stored->series) {
+            if (restriction.Matches(stored->record)) found_.push_back(stored->record);
+            continue;
+        }
+        // Only occurrences that can match are made: the restriction bounds
+        // their start, and their end bounds it from below.
+        const double from = std::max(window.startFrom, window.endFrom - stored->longest - 1.0);
+        const double before = window.startBefore;
+        if (!std::isfinite(from) || !std::isfinite(before)) {
+            // Without bounds a series stays one item.
+            if (restriction.Matches(stored->record)) found_.push_back(stored->record);
+            continue;
+        }
+        if (stored->record.start >= before) continue;
+        if (stored->seriesEnd != kNoDate && stored->seriesEnd < from) continue;
+        auto parsed = source_.GetParsed(stored);
+        if (!parsed) continue;
+        occurrences.clear();
+        parsed->Expand(from, before, occurrences);
+        for (auto& occurrence : occurrences) {
+            occurrence.oid = stored->record.oid;
+            occurrence.uid = stored->uid;
+            occurrence.recurrence = stored->record.recurrence;
+            if (restriction.Matches(occurrence)) found_.push_back(std::move(occurrence));
+        }
+    }
+    SortRecords(found_);
+    return FindNext(item);
+}
+
+FindResult VdirItems::FindNext(PimRecord& item) {
+    if (next_ >= found_.size()) return FindResult::NotFound;
+    item = found_[next_++];
+    return FindResult::Found;
+}
+
+int VdirItems::GetCount() { return static_cast<int>(items_.size()); }
+
+bool VdirItems::Item(int index, PimRecord& item) {
+    if (!sortedValid_) {
+        sortedItems_.clear();
+        for (const auto& stored : items_) sortedItems_.push_back(stored->record);
+        SortRecords(sortedItems_);
+        sortedValid_ = true;
+    }
+    if (index < 0 || static_cast<std::size_t>(index) >= sortedItems_.size()) return false;
+    item = sortedItems_[static_cast<std::size_t>(index)];
+    return true;
+}
+
+} // namespace mirodate

@@ -1,0 +1,584 @@
+#include "store/VdirSource.h"
+
+#include "platform/Log.h"
+#include "platform/Paths.h"
+#include "store/IcsItem.h"
+#include "store/IcsWriter.h"
+#include "store/StoreIndex.h"
+#include "store/SyncState.h"
+#include "store/VcardReader.h"
+#include "store/VdirFolder.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <set>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mirodate {
+
+namespace {
+
+constexpr std::int32_t kMaxOid = 0x7FFFFFFF;
+constexpr int kDirectoryCount = 3;
+
+bool EndsWith(const std::string& text, const char* suffix) {
+    const std::size_t n = std::strlen(suffix);
+    return text.size() >= n && text.compare(text.size() - n, n, suffix) == 0;
+}
+
+bool IsItemFile(const std::string& name) {
+    return !name.empty() && name[0] != '.' && (EndsWith(name, ".ics") || EndsWith(name, ".vcf"));
+}
+
+std::int64_t MtimeNs(const struct stat& st) {
+    return static_cast<std::int64_t>(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec;
+}
+
+int DirectoryOfFolder(int folderId) {
+    if (folderId == kFolderTasks) return 1;
+    if (folderId == kFolderContacts) return 2;
+    return 0;
+}
+
+} // namespace
+
+VdirSource::VdirSource(std::string root) : VdirSource(std::move(root), Options{}) {}
+
+VdirSource::VdirSource(std::string root, Options options) : root_(std::move(root)), options_(options) {
+    while (root_.size() > 1 && root_.back() == '/') root_.pop_back();
+}
+
+VdirSource::~VdirSource() {
+    watcher_.Stop();
+    std::lock_guard lock(mutex_);
+    if (indexDirty_) SaveIndexLocked();
+}
+
+std::string VdirSource::DefaultRoot() { return Paths::DataDir(); }
+
+std::int32_t VdirSource::HashUid(const std::string& uid) {
+    std::uint32_t hash = 2166136261u;
+    for (unsigned char c : uid) hash = (hash ^ c) * 16777619u;
+    const auto oid = static_cast<std::int32_t>(hash & static_cast<std::uint32_t>(kMaxOid));
+    return oid == 0 ? 1 : oid;
+}
+
+std::string VdirSource::DirectoryPath(int directory) const { return root_ + "/" + kFolderNames[directory]; }
+
+std::string VdirSource::Key(int directory, const std::string& fileName) {
+    return std::to_string(directory) + "/" + fileName;
+}
+
+bool VdirSource::ReadWholeFile(const std::string& path, std::string& text) const {
+    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return false;
+    struct stat st{};
+    if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || st.st_size > kMaxFileBytes) {
+        close(fd);
+        return false;
+    }
+    text.resize(static_cast<std::size_t>(st.st_size));
+    std::size_t done = 0;
+    while (done < text.size()) {
+        const ssize_t n = read(fd, text.data() + done, text.size() - done);
+        if (n <= 0) break;
+        done += static_cast<std::size_t>(n);
+    }
+    text.resize(done);
+    close(fd);
+    return true;
+}
+
+StoredItem VdirSource::ReadFile(int directory, const std::string& fileName, bool& exists) const {
+    StoredItem item;
+    item.directory = directory;
+    item.fileName = fileName;
+    const std::string path = DirectoryPath(directory) + "/" + fileName;
+    exists = false;
+    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return item;
+    struct stat st{};
+    if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+        close(fd);
+        return item;
+    }
+    exists = true;
+    item.size = st.st_size;
+    item.mtimeNs = MtimeNs(st);
+    if (st.st_size > kMaxFileBytes) {
+        close(fd);
+        Log::Warning("store: skipped %s: larger than %lld bytes", path.c_str(), static_cast<long long>(kMaxFileBytes));
+        return item;
+    }
+    std::string text(static_cast<std::size_t>(st.st_size), '\0');
+    std::size_t done = 0;
+    while (done < text.size()) {
+        const ssize_t n = read(fd, text.data() + done, text.size() - done);
+        if (n <= 0) break;
+        done += static_cast<std::size_t>(n);
+    }
+    close(fd);
+    text.resize(done);
+
+    std::string problem;
+    const std::string stem = fileName.substr(0, fileName.rfind('.'));
+    if (EndsWith(fileName, ".vcf")) {
+        if (VcardReader::Read(text, item.record, problem)) {
+            item.readable = true;
+            item.folder = kFolderContacts;
+        }
+    } else {
+        auto parsed = std::make_shared<IcsItem>();
+        if (parsed->Parse(text, problem)) {
+            item.readable = true;
+            item.folder = parsed->GetKind() == IcsItem::Kind::Task ? kFolderTasks : kFolderCalendar;
+            item.record = parsed->GetRecord();
+            item.series = parsed->IsSeries();
+            item.seriesEnd = parsed->GetSeriesEnd();
+            item.longest = parsed->GetLongestDuration();
+            if (parsed->HasUnrelatedComponents())
+                Log::Warning("store: %s holds unrelated items; only the first is read", path.c_str());
+            if (item.series) item.parsed = std::move(parsed);
+        }
+    }
+    if (!item.readable) {
+        Log::Warning("store: skipped %s: %s", path.c_str(), problem.c_str());
+        return item;
+    }
+    item.uid = item.record.uid.empty() ? stem : item.record.uid;
+    item.record.uid = item.uid;
+    return item;
+}
+
+bool VdirSource::Logon() {
+    std::lock_guard lock(mutex_);
+    if (loggedOn_) return true;
+    struct stat st{};
+    if (stat(root_.c_str(), &st) != 0) {
+        if (!options_.createIfMissing || !Paths::MakeDirs(root_)) {
+            Log::Error("store: cannot open %s: %s", root_.c_str(), std::strerror(errno));
+            return false;
+        }
+    } else if (!S_ISDIR(st.st_mode) || access(root_.c_str(), R_OK | X_OK) != 0) {
+        Log::Error("store: %s is not a readable folder", root_.c_str());
+        return false;
+    }
+    const std::string zone = StoreIndex::ZoneSignature();
+    const std::string indexPath = StoreIndex::PathFor(root_);
+    StoreIndex::Entries index;
+    if (options_.useIndex) index = StoreIndex::Load(indexPath, root_, zone);
+    std::size_t reused = 0;
+    for (int directory = 0; directory < kDirectoryCount; ++directory) {
+        const std::string path = DirectoryPath(directory);
+        if (options_.createIfMissing) Paths::MakeDirs(path);
+        DIR* dir = opendir(path.c_str());
+        if (!dir) continue;
+        const int dirFd = dirfd(dir);
+        while (dirent* entry = readdir(dir)) {
+            const std::string name = entry->d_name;
+            if (!IsItemFile(name)) continue;
+            struct stat fileStat{};
+            if (fstatat(dirFd, name.c_str(), &fileStat, 0) != 0 || !S_ISREG(fileStat.st_mode)) continue;
+            const std::string key = Key(directory, name);
+            auto known = index.find(key);
+            Entry item;
+            if (known != index.end() && known->second.size == fileStat.st_size &&
+                known->second.mtimeNs == MtimeNs(fileStat)) {
+                item = std::make_shared<StoredItem>(std::move(known->second));
+                ++reused;
+            } else {
+                bool exists = false;
+                item = std::make_shared<StoredItem>(ReadFile(directory, name, exists));
+                if (!exists) continue;
+                indexDirty_ = true;
+            }
+            files_[key] = std::move(item);
+        }
+        closedir(dir);
+    }
+    if (reused != index.size()) indexDirty_ = true;
+    AssignOids();
+    if (indexDirty_ && options_.useIndex) SaveIndexLocked();
+    loggedOn_ = true;
+    return true;
+}
+
+void VdirSource::AssignOids() {
+    byOid_.clear();
+    snapshots_.clear();
+    // The first file of a UID (in folder and name order) holds it; later
+    // files with the same UID are skipped.
+    std::map<std::string, Entry> byUid;
+    for (auto& [key, item] : files_) {
+        if (!item->readable) continue;
+        auto [it, inserted] = byUid.emplace(item->uid, item);
+        if (!inserted) {
+            Log::Warning("store: skipped %s/%s: UID %s is used by %s", kFolderNames[item->directory],
+                         item->fileName.c_str(), item->uid.c_str(), it->second->fileName.c_str());
+            item->readable = false;
+        }
+    }
+    // In UID order, so that collisions of the hash resolve the same way on
+    // every start.
+    for (auto& [uid, item] : byUid) AssignOid(*item);
+    for (auto& [uid, item] : byUid) byOid_[item->record.oid] = item;
+}
+
+void VdirSource::AssignOid(StoredItem& item) {
+    auto known = oidOfUid_.find(item.uid);
+    if (known != oidOfUid_.end()) {
+        item.record.oid = known->second;
+        return;
+    }
+    // A hash taken by another UID moves on to the next free number.
+    std::int32_t oid = HashUid(item.uid);
+    while (uidOfOid_.count(oid)) oid = oid == kMaxOid ? 1 : oid + 1;
+    oidOfUid_[item.uid] = oid;
+    uidOfOid_[oid] = item.uid;
+    item.record.oid = oid;
+}
+
+void VdirSource::Publish(Entry entry) {
+    const std::string key = Key(entry->directory, entry->fileName);
+    auto old = files_.find(key);
+    if (old != files_.end()) {
+        snapshots_.erase(old->second->folder);
+        if (old->second->readable) {
+            auto holder = byOid_.find(old->second->record.oid);
+            if (holder != byOid_.end() && holder->second == old->second) byOid_.erase(holder);
+        }
+    }
+    if (entry->readable) {
+        // A second file with a UID already held elsewhere is skipped.
+        auto known = oidOfUid_.find(entry->uid);
+        if (known != oidOfUid_.end()) {
+            auto holder = byOid_.find(known->second);
+            if (holder != byOid_.end() && Key(holder->second->directory, holder->second->fileName) != key) {
+                Log::Warning("store: skipped %s: UID %s is used by %s", entry->fileName.c_str(), entry->uid.c_str(),
+                             holder->second->fileName.c_str());
+                entry->readable = false;
+            }
+        }
+    }
+    if (entry->readable) {
+        AssignOid(*entry);
+        byOid_[entry->record.oid] = entry;
+    }
+    snapshots_.erase(entry->folder);
+    files_[key] = std::move(entry);
+    indexDirty_ = true;
+}
+
+void VdirSource::Unpublish(const std::string& key) {
+    auto it = files_.find(key);
+    if (it == files_.end()) return;
+    snapshots_.erase(it->second->folder);
+    if (it->second->readable) {
+        auto holder = byOid_.find(it->second->record.oid);
+        if (holder != byOid_.end() && holder->second == it->second) byOid_.erase(holder);
+    }
+    files_.erase(it);
+    indexDirty_ = true;
+}
+
+void VdirSource::SaveIndexLocked() {
+    if (!options_.useIndex) return;
+    std::vector<const StoredItem*> items;
+    items.reserve(files_.size());
+    for (const auto& [key, item] : files_) items.push_back(item.get());
+    if (StoreIndex::Save(StoreIndex::PathFor(root_), root_, StoreIndex::ZoneSignature(), items)) indexDirty_ = false;
+}
+
+std::unique_ptr<PimFolder> VdirSource::GetDefaultFolder(int folderId) {
+    if (folderId != kFolderCalendar && folderId != kFolderTasks && folderId != kFolderContacts) return nullptr;
+    return std::make_unique<VdirFolder>(*this, folderId);
+}
+
+VdirSource::Snapshot VdirSource::GetSnapshot(int folderId) {
+    std::lock_guard lock(mutex_);
+    auto it = snapshots_.find(folderId);
+    if (it != snapshots_.end()) return it->second;
+    Snapshot snapshot;
+    for (const auto& [key, item] : files_)
+        if (item->readable && item->folder == folderId) snapshot.push_back(item);
+    snapshots_[folderId] = snapshot;
+    return snapshot;
+}
+
+std::shared_ptr<const IcsItem> VdirSource::GetParsed(const std::shared_ptr<const StoredItem>& item) {
+    std::lock_guard lock(mutex_);
+    if (item->parsed) return item->parsed;
+    auto it = files_.find(Key(item->directory, item->fileName));
+    std::string text;
+    auto parsed = std::make_shared<IcsItem>();
+    std::string problem;
+    if (!ReadWholeFile(DirectoryPath(item->directory) + "/" + item->fileName, text) || !parsed->Parse(text, problem))
+        return nullptr;
+    if (it != files_.end() && it->second == item) it->second->parsed = parsed;
+    return parsed;
+}
+
+int VdirSource::GetItemKind(std::int32_t oid) {
+    std::lock_guard lock(mutex_);
+    auto it = byOid_.find(oid);
+    if (it == byOid_.end()) return 0;
+    switch (it->second->folder) {
+    case kFolderCalendar: return kItemAppointment;
+    case kFolderTasks: return kItemTask;
+    case kFolderContacts: return kItemContact;
+    default: return 0;
+    }
+}
+
+bool VdirSource::GetItemFromOid(std::int32_t oid, PimRecord& item) {
+    std::lock_guard lock(mutex_);
+    auto it = byOid_.find(oid);
+    if (it == byOid_.end()) return false;
+    item = it->second->record;
+    return true;
+}
+
+std::string VdirSource::FilePath(std::int32_t oid) {
+    std::lock_guard lock(mutex_);
+    auto it = byOid_.find(oid);
+    return it == byOid_.end() ? std::string() : DirectoryPath(it->second->directory) + "/" + it->second->fileName;
+}
+
+int VdirSource::GetItemCount() {
+    std::lock_guard lock(mutex_);
+    return static_cast<int>(byOid_.size());
+}
+
+bool VdirSource::StampMatches(const StoredItem& item) const {
+    struct stat st{};
+    const std::string path = DirectoryPath(item.directory) + "/" + item.fileName;
+    return stat(path.c_str(), &st) == 0 && st.st_size == item.size && MtimeNs(st) == item.mtimeNs;
+}
+
+bool VdirSource::WriteAtomically(int directory, const std::string& fileName, const std::string& text) {
+    const std::string dir = DirectoryPath(directory);
+    if (!Paths::MakeDirs(dir)) return false;
+    const std::string target = dir + "/" + fileName;
+    const std::string temp = dir + "/." + fileName + ".tmp";
+    const int fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    if (fd < 0) return false;
+    std::size_t done = 0;
+    while (done < text.size()) {
+        const ssize_t n = write(fd, text.data() + done, text.size() - done);
+        if (n <= 0) break;
+        done += static_cast<std::size_t>(n);
+    }
+    const bool written = done == text.size() && fsync(fd) == 0;
+    if (close(fd) != 0 || !written || rename(temp.c_str(), target.c_str()) != 0) {
+        Log::Error("store: cannot write %s: %s", target.c_str(), std::strerror(errno));
+        unlink(temp.c_str());
+        return false;
+    }
+    return true;
+}
+
+SaveResult VdirSource::Save(PimRecord& record, int folderId) {
+    std::unique_lock lock(mutex_);
+    auto found = record.oid >= 0 ? byOid_.find(record.oid) : byOid_.end();
+    if (found != byOid_.end()) {
+        Entry entry = found->second;
+        const std::string key = Key(entry->directory, entry->fileName);
+        if (!StampMatches(*entry)) {
+            // Someone else changed the file: keep theirs and read it again.
+            bool exists = false;
+            auto fresh = std::make_shared<StoredItem>(ReadFile(entry->directory, entry->fileName, exists));
+            if (exists) Publish(fresh);
+            else Unpublish(key);
+            return SaveResult::ChangedOnDisk;
+        }
+        if (entry->folder == kFolderContacts) return SaveResult::Failed;
+        std::string text, out;
+        if (!ReadWholeFile(DirectoryPath(entry->directory) + "/" + entry->fileName, text) ||
+            !IcsWriter::Update(text, record, out))
+            return SaveResult::Failed;
+        if (!WriteAtomically(entry->directory, entry->fileName, out)) return SaveResult::Failed;
+        bool exists = false;
+        Publish(std::make_shared<StoredItem>(ReadFile(entry->directory, entry->fileName, exists)));
+        if (watcher_.IsRunning()) pendingLocal_[key] = {kMsgItemChangedLocal, record.oid, entry->folder};
+        return SaveResult::Saved;
+    }
+    if (record.itemKind == 0)
+        record.itemKind = folderId == kFolderTasks ? kItemTask : folderId == kFolderContacts ? kItemContact : kItemAppointment;
+    const int directory = DirectoryOfFolder(record.itemKind == kItemTask      ? kFolderTasks
+                                            : record.itemKind == kItemContact ? kFolderContacts
+                                                                              : kFolderCalendar);
+    const std::string uid = record.uid.empty() || oidOfUid_.count(record.uid) ? IcsWriter::MakeUid() : record.uid;
+    const std::string fileName = uid + (record.itemKind == kItemContact ? ".vcf" : ".ics");
+    const std::string text =
+        record.itemKind == kItemContact ? IcsWriter::NewContact(record, uid) : IcsWriter::NewItem(record, uid);
+    if (!WriteAtomically(directory, fileName, text)) return SaveResult::Failed;
+    bool exists = false;
+    auto entry = std::make_shared<StoredItem>(ReadFile(directory, fileName, exists));
+    if (!entry->readable) return SaveResult::Failed;
+    Publish(entry);
+    record.oid = entry->record.oid;
+    record.uid = uid;
+    if (watcher_.IsRunning()) pendingLocal_[Key(directory, fileName)] = {kMsgItemCreatedLocal, record.oid, entry->folder};
+    return SaveResult::Saved;
+}
+
+SaveResult VdirSource::SaveOccurrence(std::int32_t oid, double originalStart, const PimRecord* occurrence) {
+    std::lock_guard lock(mutex_);
+    auto found = byOid_.find(oid);
+    if (found == byOid_.end()) return SaveResult::NotFound;
+    Entry entry = found->second;
+    const std::string key = Key(entry->directory, entry->fileName);
+    if (!StampMatches(*entry)) {
+        bool exists = false;
+        auto fresh = std::make_shared<StoredItem>(ReadFile(entry->directory, entry->fileName, exists));
+        if (exists) Publish(fresh);
+        else Unpublish(key);
+        return SaveResult::ChangedOnDisk;
+    }
+    std::string text, out;
+    if (!ReadWholeFile(DirectoryPath(entry->directory) + "/" + entry->fileName, text) ||
+        !IcsWriter::AddException(text, originalStart, occurrence, out))
+        return SaveResult::Failed;
+    if (!WriteAtomically(entry->directory, entry->fileName, out)) return SaveResult::Failed;
+    bool exists = false;
+    Publish(std::make_shared<StoredItem>(ReadFile(entry->directory, entry->fileName, exists)));
+    if (watcher_.IsRunning()) pendingLocal_[key] = {kMsgItemChangedLocal, oid, entry->folder};
+    return SaveResult::Saved;
+}
+
+bool VdirSource::Delete(std::int32_t oid) {
+    std::lock_guard lock(mutex_);
+    auto found = byOid_.find(oid);
+    if (found == byOid_.end()) return false;
+    Entry entry = found->second;
+    const std::string key = Key(entry->directory, entry->fileName);
+    if (unlink((DirectoryPath(entry->directory) + "/" + entry->fileName).c_str()) != 0 && errno != ENOENT) return false;
+    if (watcher_.IsRunning()) pendingLocal_[key] = {kMsgItemDeletedLocal, oid, entry->folder};
+    Unpublish(key);
+    return true;
+}
+
+std::int32_t VdirSource::Copy(std::int32_t oid) {
+    std::lock_guard lock(mutex_);
+    auto found = byOid_.find(oid);
+    if (found == byOid_.end() || found->second->folder == kFolderContacts) return -1;
+    Entry entry = found->second;
+    std::string text, out;
+    const std::string uid = IcsWriter::MakeUid();
+    if (!ReadWholeFile(DirectoryPath(entry->directory) + "/" + entry->fileName, text) ||
+        !IcsWriter::ReplaceUid(text, uid, out))
+        return -1;
+    const std::string fileName = uid + ".ics";
+    if (!WriteAtomically(entry->directory, fileName, out)) return -1;
+    bool exists = false;
+    auto copy = std::make_shared<StoredItem>(ReadFile(entry->directory, fileName, exists));
+    if (!copy->readable) return -1;
+    Publish(copy);
+    if (watcher_.IsRunning()) pendingLocal_[Key(entry->directory, fileName)] = {kMsgItemCreatedLocal, copy->record.oid, copy->folder};
+    return copy->record.oid;
+}
+
+void VdirSource::SetNotificationSink(NotificationSink sink) {
+    {
+        std::lock_guard lock(sinkMutex_);
+        sink_ = std::move(sink);
+    }
+    UpdateWatcher();
+}
+
+void VdirSource::EnableNotifications(int folderId, int origins) {
+    {
+        std::lock_guard lock(mutex_);
+        notifyOrigins_[folderId] = origins;
+    }
+    UpdateWatcher();
+}
+
+void VdirSource::UpdateWatcher() {
+    bool wanted = false;
+    {
+        std::lock_guard sinkLock(sinkMutex_);
+        std::lock_guard lock(mutex_);
+        const bool anyOrigin = std::any_of(notifyOrigins_.begin(), notifyOrigins_.end(),
+                                           [](const auto& pair) { return pair.second != 0; });
+        wanted = sink_ && anyOrigin && loggedOn_;
+    }
+    if (wanted && !watcher_.IsRunning()) {
+        std::vector<std::string> directories;
+        for (int d = 0; d < kDirectoryCount; ++d) directories.push_back(DirectoryPath(d));
+        watcher_.Start(directories, [this](int directory, const std::string& name, DirectoryWatcher::Change change) {
+            OnFileEvent(directory, name, change);
+        });
+    } else if (!wanted && watcher_.IsRunning()) {
+        watcher_.Stop();
+        std::lock_guard lock(mutex_);
+        pendingLocal_.clear();
+    }
+}
+
+void VdirSource::OnFileEvent(int directory, const std::string& fileName, DirectoryWatcher::Change change) {
+    if (!IsItemFile(fileName)) return;
+    std::vector<PimNotification> notifications;
+    {
+        std::lock_guard lock(mutex_);
+        const std::string key = Key(directory, fileName);
+        auto current = files_.find(key);
+        auto pending = pendingLocal_.find(key);
+        if (pending != pendingLocal_.end()) {
+            notifications.push_back(pending->second);
+            pendingLocal_.erase(pending);
+        } else if (change == DirectoryWatcher::Change::Written) {
+            bool exists = false;
+            auto fresh = std::make_shared<StoredItem>(ReadFile(directory, fileName, exists));
+            if (!exists) return;
+            const bool known = current != files_.end();
+            if (known && current->second->size == fresh->size && current->second->mtimeNs == fresh->mtimeNs) return;
+            const bool wasReadable = known && current->second->readable;
+            const std::int32_t oldOid = wasReadable ? current->second->record.oid : -1;
+            const int oldFolder = known ? current->second->folder : 0;
+            Publish(fresh);
+            if (fresh->readable)
+                notifications.push_back(
+                    {wasReadable ? kMsgItemChangedRemote : kMsgItemCreatedRemote, fresh->record.oid, fresh->folder});
+            else if (wasReadable)
+                notifications.push_back({kMsgItemDeletedRemote, oldOid, oldFolder});
+        } else if (current != files_.end()) {
+            if (current->second->readable)
+                notifications.push_back({kMsgItemDeletedRemote, current->second->record.oid, current->second->folder});
+            Unpublish(key);
+        }
+        std::erase_if(notifications, [this](const PimNotification& n) {
+            auto origins = notifyOrigins_.find(n.folder);
+            const int wanted = origins == notifyOrigins_.end() ? 0 : origins->second;
+            return !(wanted & (n.IsRemote() ? kNotifyRemote : kNotifyLocal));
+        });
+    }
+    Notify(notifications);
+}
+
+void VdirSource::Notify(const std::vector<PimNotification>& notifications) {
+    std::lock_guard lock(sinkMutex_);
+    if (!sink_) return;
+    for (const auto& notification : notifications) sink_(notification);
+}
+
+bool VdirSource::IsSynchronizing() { return SyncState::IsSynchronizerRunning(); }
+
+std::vector<std::u16string> VdirSource::GetCategoryNames() {
+    std::lock_guard lock(mutex_);
+    std::set<std::u16string> names;
+    for (const auto& [key, item] : files_)
+        if (item->readable && !item->record.categories.empty()) names.insert(item->record.categories);
+    return {names.begin(), names.end()};
+}
+
+int VdirSource::GetSkippedCount() {
+    std::lock_guard lock(mutex_);
+    return static_cast<int>(std::count_if(files_.begin(), files_.end(), [](const auto& pair) { return !pair.second->readable; }));
+}
+
+} // namespace mirodate

@@ -1,0 +1,102 @@
+#pragma once
+// The PIM source on the user's own files: a vdir root with the folders
+// "calendar", "tasks" and "contacts", one item per .ics or .vcf file, as
+// khal, todoman and vdirsyncer keep them. Items are found by a stable OID
+// derived from their UID; writes go through a temporary file and a rename
+// and never replace a file that changed since it was read; changes on disk
+// are reported as local (ours) or remote (anyone else's).
+#include "data/PimSource.h"
+#include "platform/DirectoryWatcher.h"
+#include "store/StoredItem.h"
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace mirodate {
+
+class IcsItem;
+
+class VdirSource : public PimSource {
+public:
+    static constexpr const char* kFolderNames[3] = {"calendar", "tasks", "contacts"};
+    // Files larger than this are not items anyone wrote by hand or sync.
+    static constexpr std::int64_t kMaxFileBytes = 8 * 1024 * 1024;
+
+    struct Options {
+        bool createIfMissing = false; // make the root and its folders
+        bool useIndex = true;         // the derived index under the cache dir
+    };
+
+    explicit VdirSource(std::string root);
+    VdirSource(std::string root, Options options);
+    ~VdirSource() override;
+
+    // The default root: $XDG_DATA_HOME/mirodate.
+    static std::string DefaultRoot();
+    // The OID a UID starts from (before collisions are resolved).
+    static std::int32_t HashUid(const std::string& uid);
+
+    bool Logon() override;
+    std::unique_ptr<PimFolder> GetDefaultFolder(int folderId) override;
+    int GetItemKind(std::int32_t oid) override;
+    bool GetItemFromOid(std::int32_t oid, PimRecord& item) override;
+    SaveResult Save(PimRecord& item, int folderId) override;
+    SaveResult SaveOccurrence(std::int32_t oid, double originalStart, const PimRecord* occurrence) override;
+    bool Delete(std::int32_t oid) override;
+    std::int32_t Copy(std::int32_t oid) override;
+    void SetNotificationSink(NotificationSink sink) override;
+    bool IsSynchronizing() override;
+    std::vector<std::u16string> GetCategoryNames() override;
+    int GetSkippedCount() override;
+
+    const std::string& Root() const { return root_; }
+    std::string FilePath(std::int32_t oid);
+    int GetItemCount();
+
+    // Used by the folders and collections.
+    using Snapshot = std::vector<std::shared_ptr<const StoredItem>>;
+    Snapshot GetSnapshot(int folderId);
+    std::shared_ptr<const IcsItem> GetParsed(const std::shared_ptr<const StoredItem>& item);
+    void EnableNotifications(int folderId, int origins);
+
+private:
+    using Entry = std::shared_ptr<StoredItem>;
+
+    std::string DirectoryPath(int directory) const;
+    static std::string Key(int directory, const std::string& fileName);
+    // Reads one file into an entry (readable or not).
+    StoredItem ReadFile(int directory, const std::string& fileName, bool& exists) const;
+    void AssignOids();
+    void AssignOid(StoredItem& item);
+    void Publish(Entry entry);
+    void Unpublish(const std::string& key);
+    bool WriteAtomically(int directory, const std::string& fileName, const std::string& text);
+    bool ReadWholeFile(const std::string& path, std::string& text) const;
+    bool StampMatches(const StoredItem& item) const;
+    void SaveIndexLocked();
+    void OnFileEvent(int directory, const std::string& fileName, DirectoryWatcher::Change change);
+    void UpdateWatcher();
+    void Notify(const std::vector<PimNotification>& notifications);
+
+    std::string root_;
+    Options options_;
+    std::mutex mutex_;
+    std::map<std::string, Entry> files_; // by Key()
+    std::unordered_map<std::int32_t, Entry> byOid_;
+    std::unordered_map<std::string, std::int32_t> oidOfUid_;
+    std::unordered_map<std::int32_t, std::string> uidOfOid_;
+    std::map<int, Snapshot> snapshots_; // per folder, rebuilt after a change
+    std::map<std::string, PimNotification> pendingLocal_; // our own writes, by key
+    std::map<int, int> notifyOrigins_;                  // folder -> kNotify flags
+    NotificationSink sink_;
+    std::mutex sinkMutex_;
+    DirectoryWatcher watcher_;
+    bool loggedOn_ = false;
+    bool indexDirty_ = false;
+};
+
+} // namespace mirodate
