@@ -233,7 +233,9 @@ void Dc::Line(int x1, int y1, int x2, int y2, COLORREF color, int penWidth) {
 
 void Dc::GradientFillVertical(const RECT& rect, COLORREF top, COLORREF bottom) {
     if (rect.IsEmpty()) return;
-    cairo_pattern_t* pattern = cairo_pattern_create_linear(0, rect.top, 0, rect.bottom);
+    // Pixel centres: the first row is exactly `top`, as the gradient fill of
+    // the platform drew it, and each row below moves 1/height towards `bottom`.
+    cairo_pattern_t* pattern = cairo_pattern_create_linear(0, rect.top + 0.5, 0, rect.bottom + 0.5);
     cairo_pattern_add_color_stop_rgb(pattern, 0, GetRValue(top) / 255.0, GetGValue(top) / 255.0,
                                      GetBValue(top) / 255.0);
     cairo_pattern_add_color_stop_rgb(pattern, 1, GetRValue(bottom) / 255.0, GetGValue(bottom) / 255.0,
