@@ -59,7 +59,7 @@ FindResult VdirItems::Find(const std::u16string& text, PimRecord& item) {
         }
         // Only occurrences that can match are made: the restriction bounds
         // their start, and their end bounds it from below.
-        const double from = std::max(window.startFrom, window.endFrom - stored->longest - 1.0);
+        const double from = std::max(window.startFrom, window.endFrom - stored->longest);
         const double before = window.startBefore;
         if (!std::isfinite(from) || !std::isfinite(before)) {
             // Without bounds a series stays one item.

@@ -1,0 +1,201 @@
+#include "store/IcsItem.h"
+#include "store/RecurrenceRule.h"
+#include "store/VcardReader.h"
+#include "tests/store/StoreFixture.h"
+
+#include <gtest/gtest.h>
+
+namespace mirodate {
+namespace {
+
+class IcsItemTest : public StoreFixture {
+protected:
+    IcsItem Parse(const std::string& body, const std::string& extra = "") {
+        IcsItem item;
+        std::string problem;
+        const std::string text = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VEVENT\r\nUID:u1\r\n" + body +
+                                 "END:VEVENT\r\n" + extra + "END:VCALENDAR\r\n";
+        EXPECT_TRUE(item.Parse(text, problem)) << problem;
+        return item;
+    }
+    std::vector<PimRecord> Expand(const IcsItem& item, const DateTime& from, const DateTime& before) {
+        std::vector<PimRecord> out;
+        item.Expand(from.ToDate(), before.ToDate(), out);
+        return out;
+    }
+};
+
+TEST_F(IcsItemTest, TimesAreConvertedToTheLocalZone) {
+    auto utc = Parse("DTSTART:20260315T080000Z\r\nDTEND:20260315T090000Z\r\nSUMMARY:UTC\r\n");
+    EXPECT_EQ(DateTime(utc.GetRecord().start), DateTime(2026, 3, 15, 9, 0, 0));
+    auto ny = Parse("DTSTART;TZID=America/New_York:20260315T080000\r\nDTEND;TZID=America/New_York:20260315T090000\r\n");
+    EXPECT_EQ(DateTime(ny.GetRecord().start), DateTime(2026, 3, 15, 13, 0, 0)); // NY already on DST, Berlin not
+    auto floating = Parse("DTSTART:20260315T080000\r\n");
+    EXPECT_EQ(DateTime(floating.GetRecord().start), DateTime(2026, 3, 15, 8, 0, 0));
+    EXPECT_EQ(floating.GetRecord().end, floating.GetRecord().start);
+    auto unknown = Parse("DTSTART;TZID=Mars/Olympus:20260315T080000\r\nDURATION:PT30M\r\n");
+    EXPECT_EQ(DateTime(unknown.GetRecord().start), DateTime(2026, 3, 15, 8, 0, 0)); // read as local
+    EXPECT_EQ(DateTime(unknown.GetRecord().end), DateTime(2026, 3, 15, 8, 30, 0));
+    auto allDay = Parse("DTSTART;VALUE=DATE:20260315\r\n");
+    EXPECT_TRUE(allDay.GetRecord().allDay);
+    EXPECT_EQ(DateTime(allDay.GetRecord().end), DateTime(2026, 3, 16));
+}
+
+TEST_F(IcsItemTest, SeriesWithExdateRdateAndOverrides) {
+    const std::string moved = "BEGIN:VEVENT\r\nUID:u1\r\nRECURRENCE-ID;TZID=Europe/Berlin:20260309T180000\r\n"
+                              "DTSTART;TZID=Europe/Berlin:20260310T190000\r\nDTEND;TZID=Europe/Berlin:20260310T200000\r\n"
+                              "SUMMARY:Moved\r\nEND:VEVENT\r\n"
+                              "BEGIN:VEVENT\r\nUID:u1\r\nRECURRENCE-ID:20260323T170000Z\r\nSTATUS:CANCELLED\r\n"
+                              "DTSTART;TZID=Europe/Berlin:20260323T180000\r\nEND:VEVENT\r\n";
+    auto item = Parse("DTSTART;TZID=Europe/Berlin:20260302T180000\r\nDTEND;TZID=Europe/Berlin:20260302T190000\r\n"
+                      "SUMMARY:Yoga\r\nRRULE:FREQ=WEEKLY;BYDAY=MO\r\nEXDATE;TZID=Europe/Berlin:20260316T180000\r\n"
+                      "RDATE;TZID=Europe/Berlin:20260305T120000\r\n",
+                      moved);
+    ASSERT_TRUE(item.IsSeries());
+    EXPECT_EQ(item.GetSeriesEnd(), kNoDate);
+    const auto march = Expand(item, DateTime(2026, 3, 1), DateTime(2026, 4, 1));
+    std::vector<std::pair<DateTime, std::u16string>> got;
+    for (const auto& r : march) got.emplace_back(DateTime(r.start), r.subject);
+    const std::vector<std::pair<DateTime, std::u16string>> want = {
+        {DateTime(2026, 3, 2, 18, 0, 0), u"Yoga"},  {DateTime(2026, 3, 5, 12, 0, 0), u"Yoga"},
+        {DateTime(2026, 3, 10, 19, 0, 0), u"Moved"}, {DateTime(2026, 3, 30, 18, 0, 0), u"Yoga"}};
+    EXPECT_EQ(got, want);
+    for (const auto& r : march) EXPECT_TRUE(r.isRecurring);
+    // After the change to summer time the series keeps its wall time.
+    EXPECT_EQ(DateTime(march.back().end), DateTime(2026, 3, 30, 19, 0, 0));
+    // A window far ahead costs no walk from the start and still finds the day.
+    const auto later = Expand(item, DateTime(2030, 1, 1), DateTime(2030, 1, 8));
+    ASSERT_EQ(later.size(), 1u);
+    EXPECT_EQ(DateTime(later[0].start), DateTime(2030, 1, 7, 18, 0, 0));
+}
+
+TEST_F(IcsItemTest, AllDaySeriesKeepsWholeDays) {
+    auto item = Parse("DTSTART;VALUE=DATE:20260301\r\nDTEND;VALUE=DATE:20260303\r\nRRULE:FREQ=MONTHLY;COUNT=3\r\n");
+    const auto occurrences = Expand(item, DateTime(2026, 1, 1), DateTime(2027, 1, 1));
+    ASSERT_EQ(occurrences.size(), 3u);
+    EXPECT_EQ(DateTime(occurrences[2].start), DateTime(2026, 5, 1));
+    EXPECT_EQ(DateTime(occurrences[2].end), DateTime(2026, 5, 3));
+}
+
+TEST_F(IcsItemTest, HugeRulesAreBounded) {
+    auto secondly = Parse("DTSTART:19700101T000000Z\r\nRRULE:FREQ=SECONDLY\r\n");
+    const auto month = Expand(secondly, DateTime(2026, 3, 1), DateTime(2026, 4, 1));
+    EXPECT_LE(month.size(), static_cast<std::size_t>(IcsItem::kMaxOccurrences));
+    auto counted = Parse("DTSTART:19700101T000000Z\r\nRRULE:FREQ=MINUTELY;COUNT=900000000\r\n");
+    EXPECT_TRUE(Expand(counted, DateTime(2026, 3, 1), DateTime(2026, 4, 1)).empty());
+}
+
+TEST_F(IcsItemTest, BadInputIsRefusedWithAReason) {
+    for (const std::string& text :
+         {std::string("hello"), std::string("BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nUID:x\r\nDTSTART:2026"),
+          std::string("BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nUID:x\r\nDTSTART:20261345T250000\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n"),
+          std::string("BEGIN:VCALENDAR\r\nEND:VCALENDAR\r\n"), std::string()}) {
+        IcsItem item;
+        std::string problem;
+        EXPECT_FALSE(item.Parse(text, problem)) << text;
+        EXPECT_FALSE(problem.empty());
+    }
+    IcsItem two;
+    std::string problem;
+    ASSERT_TRUE(two.Parse("BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nUID:a\r\nDTSTART:20260301T100000\r\nSUMMARY:A\r\nEND:VEVENT\r\n"
+                          "BEGIN:VEVENT\r\nUID:b\r\nDTSTART:20260302T100000\r\nSUMMARY:B\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n",
+                          problem));
+    EXPECT_TRUE(two.HasUnrelatedComponents());
+    EXPECT_EQ(two.GetRecord().subject, u"A");
+}
+
+TEST(RecurrenceRule, RulesMapToRecords) {
+    const double start = DateTime(2026, 3, 10, 9, 0, 0).ToDate(); // a Tuesday
+    RecurrencePattern p;
+    ASSERT_TRUE(RecurrenceRule::ToPattern("FREQ=WEEKLY;INTERVAL=2;BYDAY=MO,TH;COUNT=10", start, 0.0, p));
+    EXPECT_EQ(p.RecurrenceType, RecurrencePattern::kWeekly);
+    EXPECT_EQ(p.Interval, 2);
+    EXPECT_EQ(p.DayOfWeekMask, RecurrencePattern::kMonday | RecurrencePattern::kThursday);
+    EXPECT_EQ(p.Occurrences, 10);
+    EXPECT_FALSE(p.NoEndDate);
+    ASSERT_TRUE(RecurrenceRule::ToPattern("FREQ=WEEKLY", start, 0.0, p));
+    EXPECT_EQ(p.DayOfWeekMask, RecurrencePattern::kTuesday);
+    EXPECT_TRUE(p.NoEndDate);
+    ASSERT_TRUE(RecurrenceRule::ToPattern("FREQ=MONTHLY;BYDAY=-1FR", start, 0.0, p));
+    EXPECT_EQ(p.RecurrenceType, RecurrencePattern::kMonthNth);
+    EXPECT_EQ(p.Instance, 5);
+    EXPECT_EQ(p.DayOfWeekMask, RecurrencePattern::kFriday);
+    ASSERT_TRUE(RecurrenceRule::ToPattern("FREQ=MONTHLY", start, 0.0, p));
+    EXPECT_EQ(p.RecurrenceType, RecurrencePattern::kMonthly);
+    EXPECT_EQ(p.DayOfMonth, 10);
+    ASSERT_TRUE(RecurrenceRule::ToPattern("FREQ=YEARLY;BYMONTH=5;BYDAY=2SU", start, 0.0, p));
+    EXPECT_EQ(p.RecurrenceType, RecurrencePattern::kYearNth);
+    EXPECT_EQ(p.MonthOfYear, 5);
+    EXPECT_EQ(p.Instance, 2);
+    const double until = DateTime(2026, 6, 30, 23, 59, 59).ToDate();
+    ASSERT_TRUE(RecurrenceRule::ToPattern("FREQ=DAILY;INTERVAL=3;UNTIL=20260630T215959Z", start, until, p));
+    EXPECT_EQ(p.RecurrenceType, RecurrencePattern::kDaily);
+    EXPECT_EQ(p.Interval, 3);
+    EXPECT_EQ(p.PatternEndDate, DateTime(2026, 6, 30).ToDate());
+    EXPECT_EQ(p.RuleFit, RecurrencePattern::kExact);
+    ASSERT_TRUE(RecurrenceRule::ToPattern("FREQ=HOURLY", start, 0.0, p));
+    EXPECT_EQ(p.RuleFit, RecurrencePattern::kNoFit);
+    ASSERT_TRUE(RecurrenceRule::ToPattern("FREQ=MONTHLY;BYMONTHDAY=1,15", start, 0.0, p));
+    EXPECT_EQ(p.RuleFit, RecurrencePattern::kNearest);
+    EXPECT_FALSE(RecurrenceRule::ToPattern("NOT A RULE", start, 0.0, p));
+}
+
+TEST(RecurrenceRule, RecordsRoundTrip) {
+    setenv("TZ", "Europe/Berlin", 1);
+    tzset();
+    const double start = DateTime(2026, 3, 10, 9, 0, 0).ToDate();
+    RecurrencePattern p;
+    p.RecurrenceType = RecurrencePattern::kMonthNth;
+    p.Interval = 2;
+    p.Instance = 5;
+    p.DayOfWeekMask = RecurrencePattern::kFriday;
+    p.PatternEndDate = DateTime(2026, 12, 31).ToDate();
+    p.NoEndDate = false;
+    const std::string rule = RecurrenceRule::FromPattern(p, false);
+    EXPECT_EQ(rule, "FREQ=MONTHLY;BYDAY=-1FR;INTERVAL=2;UNTIL=20261231T225959Z");
+    RecurrencePattern back;
+    ASSERT_TRUE(RecurrenceRule::ToPattern(rule, start, DateTime(2026, 12, 31, 23, 59, 59).ToDate(), back));
+    p.PatternStartDate = DateTime(2026, 3, 10).ToDate();
+    EXPECT_EQ(back, p);
+    p.RecurrenceType = RecurrencePattern::kYearly;
+    p.MonthOfYear = 7;
+    p.DayOfMonth = 4;
+    p.Occurrences = 5;
+    EXPECT_EQ(RecurrenceRule::FromPattern(p, true), "FREQ=YEARLY;BYMONTH=7;BYMONTHDAY=4;INTERVAL=2;COUNT=5");
+    EXPECT_EQ(RecurrenceRule::FromPattern(RecurrencePattern(), false), "");
+}
+
+TEST(VcardReader, DatesWithAndWithoutYear) {
+    double date = 0;
+    bool hasYear = false;
+    ASSERT_TRUE(VcardReader::ParseDate("1990-02-15", date, hasYear));
+    EXPECT_EQ(DateTime(date), DateTime(1990, 2, 15));
+    EXPECT_TRUE(hasYear);
+    ASSERT_TRUE(VcardReader::ParseDate("19851224T000000Z", date, hasYear));
+    EXPECT_EQ(DateTime(date), DateTime(1985, 12, 24));
+    ASSERT_TRUE(VcardReader::ParseDate("--0229", date, hasYear));
+    EXPECT_FALSE(hasYear);
+    EXPECT_EQ(DateTime(date).GetMonth(), 2);
+    EXPECT_EQ(DateTime(date).GetDay(), 29);
+    ASSERT_TRUE(VcardReader::ParseDate("--07-04", date, hasYear));
+    for (const char* bad : {"1990-02-30", "1990", "--13-01", "yesterday", ""})
+        EXPECT_FALSE(VcardReader::ParseDate(bad, date, hasYear)) << bad;
+
+    PimRecord record;
+    std::string problem;
+    ASSERT_TRUE(VcardReader::Read("BEGIN:VCARD\r\nVERSION:4.0\r\nUID:c1\r\nN:Berg;Anna;;;\r\n"
+                                  "item1.BDAY:19900215\r\nANNIVERSARY:--0601\r\nEND:VCARD\r\n",
+                                  record, problem));
+    EXPECT_EQ(record.subject, u"Anna Berg");
+    EXPECT_EQ(DateTime(record.birthday), DateTime(1990, 2, 15));
+    EXPECT_FALSE(record.anniversaryHasYear);
+    ASSERT_TRUE(VcardReader::Read("BEGIN:VCARD\nVERSION:3.0\nFN:Jo\n e\nX-ANNIVERSARY:2015-06-01\nBDAY;VALUE=text:circa 1800\nEND:VCARD\n",
+                                  record, problem));
+    EXPECT_EQ(record.subject, u"Joe");
+    EXPECT_EQ(record.birthday, kNoDate);
+    EXPECT_EQ(DateTime(record.anniversary), DateTime(2015, 6, 1));
+    EXPECT_FALSE(VcardReader::Read("BEGIN:VCALENDAR\r\n", record, problem));
+}
+
+} // namespace
+} // namespace mirodate

@@ -1,0 +1,211 @@
+#include "store/StoreIndex.h"
+#include "tests/store/StoreFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdlib>
+#include <mutex>
+#include <sys/stat.h>
+
+namespace mirodate {
+namespace {
+
+class VdirSourceTest : public StoreFixture {};
+
+std::vector<PimRecord> Find(PimSource& source, int folder, const std::u16string& restriction,
+                            const std::u16string& sort = u"[Start]") {
+    auto items = source.GetDefaultFolder(folder)->GetItems();
+    EXPECT_TRUE(items->Sort(sort, false));
+    items->SetIncludeRecurrences(true);
+    std::vector<PimRecord> found;
+    PimRecord record;
+    for (FindResult r = items->Find(restriction, record); r == FindResult::Found; r = items->FindNext(record))
+        found.push_back(record);
+    return found;
+}
+
+TEST_F(VdirSourceTest, BadFilesAreSkippedCountedAndNeverRewritten) {
+    const std::map<std::string, std::string> bad = {
+        {"calendar/notical.ics", "This is a shopping list, not a calendar.\n"},
+        {"calendar/truncated.ics", "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nUID:t\r\nDTSTART:202603"},
+        {"calendar/baddate.ics", Event("bd", "DTSTART:20261345T250000\r\n")},
+        {"calendar/dup2.ics", Event("dup", "DTSTART:20260302T100000\r\nSUMMARY:Second\r\n")},
+        {"contacts/broken.vcf", "BEGIN:VCALENDAR\r\n"},
+    };
+    for (const auto& [name, text] : bad) WriteFile(name, text);
+    WriteFile("calendar/dup1.ics", Event("dup", "DTSTART:20260301T100000\r\nSUMMARY:First\r\n"));
+    WriteFile("calendar/unknowntz.ics", Event("tz", "DTSTART;TZID=Nowhere/Land:20260303T100000\r\nSUMMARY:TZ\r\n"));
+    WriteFile("calendar/two.ics", "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nUID:a\r\nDTSTART:20260304T100000\r\nSUMMARY:A\r\n"
+                                  "END:VEVENT\r\nBEGIN:VEVENT\r\nUID:b\r\nDTSTART:20260305T100000\r\nSUMMARY:B\r\n"
+                                  "END:VEVENT\r\nEND:VCALENDAR\r\n");
+    WriteFile("calendar/endless.ics", Event("e", "DTSTART:19700101T000000Z\r\nRRULE:FREQ=SECONDLY\r\nSUMMARY:Tick\r\n"));
+    auto source = OpenSource();
+    EXPECT_EQ(source->GetSkippedCount(), 5);
+    const auto march = Find(*source, kFolderCalendar, u"[Start]<= <46112 AND [End]>= <46082");
+    std::vector<std::u16string> subjects;
+    for (const auto& r : march)
+        if (r.subject != u"Tick") subjects.push_back(r.subject);
+    EXPECT_EQ(subjects, (std::vector<std::u16string>{u"First", u"TZ", u"A"}));
+    EXPECT_GT(march.size(), 3u); // the endless series, bounded
+
+    // Writing other items leaves the unreadable files as they were.
+    PimRecord added;
+    added.itemKind = kItemAppointment;
+    added.subject = u"New";
+    added.start = DateTime(2026, 3, 6, 9, 0, 0).ToDate();
+    added.end = DateTime(2026, 3, 6, 10, 0, 0).ToDate();
+    ASSERT_EQ(source->Save(added, kFolderCalendar), SaveResult::Saved);
+    for (const auto& [name, text] : bad) EXPECT_EQ(ReadFile(name), text) << name;
+}
+
+TEST_F(VdirSourceTest, OidsSurviveARestartWithOrWithoutTheIndex) {
+    for (int i = 0; i < 50; ++i)
+        WriteFile("calendar/e" + std::to_string(i) + ".ics",
+                  Event("uid-" + std::to_string(i), "DTSTART:20260301T100000\r\nSUMMARY:E" + std::to_string(i) + "\r\n"));
+    WriteFile("tasks/t.ics", Todo("task-1", "SUMMARY:T\r\n"));
+    std::map<std::string, std::int32_t> first;
+    {
+        auto source = OpenSource();
+        for (const auto& r : Find(*source, kFolderCalendar, u"")) first[r.uid] = r.oid;
+        PimRecord task;
+        ASSERT_TRUE(source->GetItemFromOid(VdirSource::HashUid("task-1"), task));
+        EXPECT_EQ(source->GetItemKind(task.oid), kItemTask);
+        EXPECT_EQ(source->GetItemKind(first["uid-3"]), kItemAppointment);
+    }
+    ASSERT_EQ(first.size(), 50u);
+    EXPECT_TRUE(std::filesystem::exists(StoreIndex::PathFor(Root())));
+    for (bool useIndex : {true, false}) {
+        auto source = OpenSource(useIndex);
+        for (const auto& r : Find(*source, kFolderCalendar, u"")) EXPECT_EQ(r.oid, first[r.uid]) << r.uid;
+    }
+    // A damaged index is ignored.
+    std::ofstream(StoreIndex::PathFor(Root()), std::ios::binary | std::ios::trunc) << "MIRODATE-INDEX-3\ngarbage";
+    auto source = OpenSource();
+    EXPECT_EQ(source->GetItemCount(), 51);
+}
+
+TEST_F(VdirSourceTest, IndexIsCheckedAgainstTheFiles) {
+    WriteFile("calendar/a.ics", Event("a", "DTSTART:20260301T100000\r\nSUMMARY:Old\r\n"));
+    { auto source = OpenSource(); }
+    WriteFile("calendar/a.ics", Event("a", "DTSTART:20260301T100000\r\nSUMMARY:Changed text\r\n"));
+    WriteFile("calendar/b.ics", Event("b", "DTSTART:20260301T110000\r\nSUMMARY:B\r\n"));
+    auto source = OpenSource();
+    PimRecord record;
+    ASSERT_TRUE(source->GetItemFromOid(VdirSource::HashUid("a"), record));
+    EXPECT_EQ(record.subject, u"Changed text");
+    EXPECT_EQ(source->GetItemCount(), 2);
+}
+
+TEST_F(VdirSourceTest, SaveRefusesAFileChangedSinceItWasRead) {
+    WriteFile("calendar/a.ics", Event("a", "DTSTART:20260301T100000\r\nDTEND:20260301T110000\r\nSUMMARY:Mine\r\nX-OTHER:kept\r\n"));
+    auto source = OpenSource();
+    PimRecord record;
+    ASSERT_TRUE(source->GetItemFromOid(VdirSource::HashUid("a"), record));
+    record.subject = u"Edited";
+    ASSERT_EQ(source->Save(record, kFolderCalendar), SaveResult::Saved);
+    EXPECT_NE(ReadFile("calendar/a.ics").find("SUMMARY:Edited"), std::string::npos);
+    EXPECT_NE(ReadFile("calendar/a.ics").find("X-OTHER:kept"), std::string::npos);
+
+    const std::string theirs = Event("a", "DTSTART:20260301T100000\r\nSUMMARY:Theirs, longer text\r\n");
+    WriteFile("calendar/a.ics", theirs);
+    record.subject = u"Edited again";
+    EXPECT_EQ(source->Save(record, kFolderCalendar), SaveResult::ChangedOnDisk);
+    EXPECT_EQ(ReadFile("calendar/a.ics"), theirs);
+    ASSERT_TRUE(source->GetItemFromOid(record.oid, record));
+    EXPECT_EQ(record.subject, u"Theirs, longer text");
+}
+
+TEST_F(VdirSourceTest, DeleteCopyAndOccurrenceChanges) {
+    WriteFile("calendar/s.ics", Event("s", "DTSTART;TZID=Europe/Berlin:20260302T180000\r\n"
+                                           "DTEND;TZID=Europe/Berlin:20260302T190000\r\nRRULE:FREQ=WEEKLY\r\nSUMMARY:S\r\n"));
+    auto source = OpenSource();
+    const std::int32_t oid = VdirSource::HashUid("s");
+    EXPECT_EQ(source->SaveOccurrence(oid, DateTime(2026, 3, 9, 18, 0, 0).ToDate(), nullptr), SaveResult::Saved);
+    PimRecord moved;
+    moved.itemKind = kItemAppointment;
+    moved.subject = u"S moved";
+    moved.start = DateTime(2026, 3, 17, 7, 0, 0).ToDate();
+    moved.end = DateTime(2026, 3, 17, 8, 0, 0).ToDate();
+    EXPECT_EQ(source->SaveOccurrence(oid, DateTime(2026, 3, 16, 18, 0, 0).ToDate(), &moved), SaveResult::Saved);
+    const std::int32_t copy = source->Copy(oid);
+    ASSERT_GT(copy, 0);
+    EXPECT_NE(copy, oid);
+    const auto march = Find(*source, kFolderCalendar, u"[Start]<= <46112 AND [End]>= <46082");
+    std::vector<std::pair<int, std::u16string>> got;
+    for (const auto& r : march)
+        if (r.oid == oid) got.emplace_back(DateTime(r.start).GetDay(), r.subject);
+    EXPECT_EQ(got, (std::vector<std::pair<int, std::u16string>>{{2, u"S"}, {17, u"S moved"}, {23, u"S"}, {30, u"S"}}));
+    EXPECT_EQ(std::count_if(march.begin(), march.end(), [&](const PimRecord& r) { return r.oid == copy; }), 4);
+    ASSERT_TRUE(source->Delete(oid));
+    EXPECT_FALSE(std::filesystem::exists(dir_ / "vdir/calendar/s.ics"));
+    EXPECT_EQ(source->GetItemKind(oid), 0);
+    EXPECT_EQ(OpenSource()->GetItemKind(copy), kItemAppointment);
+}
+
+class Recorder {
+public:
+    void Add(const PimNotification& n) {
+        std::lock_guard lock(mutex_);
+        seen_.push_back(n);
+        changed_.notify_all();
+    }
+    // Waits for `count` reports; the limit is only a guard against a hang.
+    std::vector<PimNotification> WaitFor(std::size_t count) {
+        std::unique_lock lock(mutex_);
+        changed_.wait_for(lock, std::chrono::seconds(20), [&] { return seen_.size() >= count; });
+        return seen_;
+    }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::vector<PimNotification> seen_;
+};
+
+TEST_F(VdirSourceTest, ReportsChangesByOriginFolderAndOid) {
+    WriteFile("tasks/old.ics", Todo("old", "SUMMARY:Old\r\n"));
+    auto source = OpenSource();
+    Recorder recorder;
+    source->SetNotificationSink([&](const PimNotification& n) { recorder.Add(n); });
+    for (int folder : {kFolderCalendar, kFolderTasks, kFolderContacts})
+        source->GetDefaultFolder(folder)->AddItemsNotifications(kNotifyLocal | kNotifyRemote);
+
+    // Another process writes a new event (through a temporary file and a rename).
+    const auto incoming = dir_ / "incoming.ics";
+    std::ofstream(incoming) << Event("remote-1", "DTSTART:20260310T100000\r\nSUMMARY:From elsewhere\r\n");
+    const std::string command = "mv '" + incoming.string() + "' '" + (dir_ / "vdir/calendar/remote-1.ics").string() + "'";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    auto seen = recorder.WaitFor(1);
+    ASSERT_EQ(seen.size(), 1u);
+    EXPECT_EQ(seen[0].message, kMsgItemCreatedRemote);
+    EXPECT_EQ(seen[0].folder, kFolderCalendar);
+    EXPECT_EQ(seen[0].oid, VdirSource::HashUid("remote-1"));
+    PimRecord record;
+    ASSERT_TRUE(source->GetItemFromOid(seen[0].oid, record));
+    EXPECT_EQ(record.subject, u"From elsewhere");
+
+    // Our own write of a task is local.
+    PimRecord task;
+    task.itemKind = kItemTask;
+    task.subject = u"Ours";
+    ASSERT_EQ(source->Save(task, kFolderTasks), SaveResult::Saved);
+    seen = recorder.WaitFor(2);
+    ASSERT_EQ(seen.size(), 2u);
+    EXPECT_EQ(seen[1].message, kMsgItemCreatedLocal);
+    EXPECT_EQ(seen[1].folder, kFolderTasks);
+    EXPECT_EQ(seen[1].oid, task.oid);
+
+    // Another process deletes a task.
+    ASSERT_EQ(std::system(("rm '" + (dir_ / "vdir/tasks/old.ics").string() + "'").c_str()), 0);
+    seen = recorder.WaitFor(3);
+    ASSERT_EQ(seen.size(), 3u);
+    EXPECT_EQ(seen[2].message, kMsgItemDeletedRemote);
+    EXPECT_EQ(seen[2].oid, VdirSource::HashUid("old"));
+    EXPECT_EQ(seen[2].folder, kFolderTasks);
+    source->SetNotificationSink({});
+}
+
+} // namespace
+} // namespace mirodate
