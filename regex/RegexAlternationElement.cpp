@@ -5,12 +5,22 @@
 namespace mirodate {
 
 RegexAlternationElement::RegexAlternationElement(std::vector<RegexElement*> branches)
-    : branches_(std::move(branches)) {}
+    : branches_(std::move(branches)) {
+    for (const RegexElement* branch : branches_) {
+        RegexCharSet first;
+        branch->AddFirstChars(first);
+        needsFirstChar_.push_back(branch->MinWidth() > 0 && !first.IsFull());
+        firstChars_.push_back(std::move(first));
+    }
+}
 
 RegexAlternationElement::~RegexAlternationElement() = default;
 
 bool RegexAlternationElement::TryFrom(RegexMatchContext& ctx, int branch) const {
+    const bool atEnd = ctx.pos >= ctx.length;
     for (int i = branch; i < static_cast<int>(branches_.size()); ++i) {
+        if (needsFirstChar_[i] && (atEnd || !firstChars_[i].Contains(ctx.text[ctx.pos])))
+            continue;
         if (branches_[i]->Match(ctx)) {
             ctx.Push(i);
             return true;

@@ -25,6 +25,10 @@ private:
     bool TryFrom(RegexMatchContext& ctx, int branch) const;
 
     std::vector<RegexElement*> branches_;
+    // Per branch, the code units a match of it can start with; a branch that
+    // cannot match empty is skipped when the next code unit is not among them.
+    std::vector<RegexCharSet> firstChars_;
+    std::vector<bool> needsFirstChar_;
 };
 
 } // namespace mirodate

@@ -11,9 +11,9 @@ RegexBackrefElement::~RegexBackrefElement() = default;
 bool RegexBackrefElement::Match(RegexMatchContext& ctx) const {
     if (!ctx.Step())
         return false;
+    if (group_ < 0 || group_ >= static_cast<int>(ctx.captures.size() / 2))
+        return false; // no such group
     int index = 2 * group_;
-    if (group_ < 0 || index + 1 >= static_cast<int>(ctx.captures.size()))
-        return false;
     int start = ctx.captures[index];
     int end = ctx.captures[index + 1];
     if (start < 0 || end < start)

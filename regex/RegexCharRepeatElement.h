@@ -25,6 +25,7 @@ public:
     void AddFirstChars(RegexCharSet& set) const override;
     void Optimize(const RegexCharSet* follow) override;
     RegexRepeatKind Kind() const { return kind_; }
+    const RegexCharSet& Set() const { return set_; }
 
 private:
     // Length of the run of members from `start`, at most `limit`.

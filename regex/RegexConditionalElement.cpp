@@ -22,8 +22,8 @@ bool RegexConditionalElement::Match(RegexMatchContext& ctx) const {
         if (ctx.aborted)
             return false;
     } else {
-        int index = 2 * group_ + 1;
-        condition = index < static_cast<int>(ctx.captures.size()) && ctx.captures[index] >= 0;
+        condition = group_ >= 0 && group_ < static_cast<int>(ctx.captures.size() / 2) &&
+                    ctx.captures[2 * group_ + 1] >= 0;
     }
     if (!Branch(condition)->Match(ctx)) {
         ctx.Unwind(trailMark);

@@ -18,6 +18,7 @@ public:
     void Optimize(const RegexCharSet* follow) override { inner_->Optimize(follow); }
     bool IsAnchoredAtStart() const override { return inner_->IsAnchoredAtStart(); }
     int TreeDepth() const override { return inner_->TreeDepth() + 1; }
+    const RegexElement* Inner() const { return inner_; }
 
 private:
     void Record(RegexMatchContext& ctx, int start) const;

@@ -23,11 +23,17 @@ public:
     // beyond this the search is abandoned instead of exhausting memory.
     static constexpr std::size_t kMaxBacktrackEntries = std::size_t{8} << 20;
 
+    static constexpr std::int64_t kMemoryCheckInterval = 1024;
+
     void Reset(const char16_t* text, int length, int groupCount, std::int64_t budget);
 
     // One unit of work. Returns false once the budget is spent, and from then on.
+    // An element pushes at most a few entries per step, so looking at the
+    // memory held every kMemoryCheckInterval steps is enough.
     bool Step() {
-        if (++steps > budget || stack.size() + trail.size() > kMaxBacktrackEntries)
+        if (++steps > budget)
+            aborted = true;
+        else if ((steps & (kMemoryCheckInterval - 1)) == 0 && stack.size() + trail.size() > kMaxBacktrackEntries)
             aborted = true;
         return !aborted;
     }

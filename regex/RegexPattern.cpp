@@ -1,9 +1,14 @@
 #include "regex/RegexPattern.h"
 
+#include "regex/RegexBackrefElement.h"
 #include "regex/RegexCharElement.h"
+#include "regex/RegexCharRepeatElement.h"
+#include "regex/RegexConditionalElement.h"
 #include "regex/RegexElement.h"
 #include "regex/RegexMatchContext.h"
+#include "regex/RegexGroupElement.h"
 #include "regex/RegexParser.h"
+#include "regex/RegexRecursionElement.h"
 #include "regex/RegexSequenceElement.h"
 #include "regex/RegexStringElement.h"
 
@@ -44,6 +49,8 @@ void RegexPattern::Clear() {
     prefix_.clear();
     useFirstChars_ = false;
     firstChars_ = RegexCharSet();
+    skipLeadingRun_ = false;
+    leadingRun_ = RegexCharSet();
     recursionLimit_ = 1;
 }
 
@@ -94,12 +101,44 @@ void RegexPattern::PrepareSearch() {
             break;
         }
     }
+    FindLeadingRun();
     if (prefix_.empty()) {
         // Capture groups hide a leading literal from the walk above; the
         // first-char set still catches a single leading character.
         int single = useFirstChars_ ? firstChars_.SingleChar() : -1;
         if (single >= 0)
             prefix_ = std::u16string(1, static_cast<char16_t>(single));
+    }
+}
+
+// Whether every match begins with a greedy or possessive run "[set]+" of
+// unbounded length. An attempt at p that fails then also fails at every start
+// inside the same run: the run there ends at the same place and tries a subset
+// of the same ends, with the same rest of the pattern. That holds only while
+// the rest cannot see where the match started, so patterns with
+// back-references, conditionals or recursion are left out.
+void RegexPattern::FindLeadingRun() {
+    for (const auto& element : elements_) {
+        const RegexElement* raw = element.get();
+        if (dynamic_cast<const RegexBackrefElement*>(raw) || dynamic_cast<const RegexConditionalElement*>(raw) ||
+            dynamic_cast<const RegexRecursionElement*>(raw))
+            return;
+    }
+    const RegexElement* element = root_;
+    for (;;) {
+        if (auto* sequence = dynamic_cast<const RegexSequenceElement*>(element)) {
+            element = sequence->Children().front();
+        } else if (auto* group = dynamic_cast<const RegexGroupElement*>(element)) {
+            element = group->Inner();
+        } else {
+            break;
+        }
+    }
+    auto* run = dynamic_cast<const RegexCharRepeatElement*>(element);
+    if (run != nullptr && run->MinWidth() >= 1 && run->MaxWidth() == RegexElement::kUnbounded &&
+        run->Kind() != RegexRepeatKind::kLazy) {
+        skipLeadingRun_ = true;
+        leadingRun_ = run->Set();
     }
 }
 
@@ -160,6 +199,10 @@ RegexMatch RegexPattern::Search(std::u16string_view text, int start) const {
         }
         if (ctx.aborted)
             break;
+        if (skipLeadingRun_) {
+            while (at + 1 < length && leadingRun_.Contains(text[at + 1]))
+                ++at;
+        }
     }
 
     if (matched) {

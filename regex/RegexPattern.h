@@ -72,6 +72,7 @@ public:
 private:
     void Clear();
     void PrepareSearch();
+    void FindLeadingRun();
     int NextCandidate(std::u16string_view text, int from) const;
 
     RegexElement* root_ = nullptr;
@@ -87,6 +88,10 @@ private:
     std::u16string prefix_;       // every match begins with this
     bool useFirstChars_ = false;  // every match begins with a member of firstChars_
     RegexCharSet firstChars_;
+    // Every match starts with an unbounded greedy run of this set; after a
+    // failed attempt, the later starts inside the same run fail too.
+    bool skipLeadingRun_ = false;
+    RegexCharSet leadingRun_;
     int recursionLimit_ = 1;
 
     mutable std::atomic<std::int64_t> budgetExceeded_{0};

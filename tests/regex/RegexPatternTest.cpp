@@ -140,6 +140,9 @@ TEST(RegexPatternTest, BackReferences) {
         {u"(a)\\g1\\g{1}", u"aaa", 0, 3},
         {u"(a)?b\\1", u"b", -1, -1}, // an unset group makes the reference fail
         {u"(a|b)\\1", u"abba", 1, 3},
+        {u"(a)\\2", u"aa", -1, -1},               // a group that does not exist
+        {u"(a)\\99999999999", u"aa", -1, -1},      // nor a number beyond any int
+        {u"(a)?(?(99999999999)b|c)", u"c", 0, 1},
     });
     ExpectSpans({{u"(ab)\\1", u"abAB", 0, 4}}, RegexPattern::kIgnoreCase);
 }
