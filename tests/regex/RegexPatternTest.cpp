@@ -101,6 +101,25 @@ TEST(RegexPatternTest, GreedyLazyAndPossessive) {
     });
 }
 
+// The compiler makes runs possessive, skips branches by their first
+// character and skips starts inside a failed leading run; none of that may
+// change what is found.
+TEST(RegexPatternTest, OptimisationsKeepResults) {
+    ExpectSpans({
+        {u"[a-z]+(?<!b)", u"ab", 0, 1},   // an assertion after a run blocks making it possessive
+        {u"\\d+(?=5)", u"1235", 0, 3},
+        {u"[a-z]+\\b", u"ab1", -1, -1},
+        {u"[a-z]+\\d", u"ab cd1", 3, 6},  // leading run: starts inside "ab" are skipped
+        {u"[a-z]+@", u"abc de@", 4, 7},
+        {u"([a-z]+)x\\1", u"abxb", 1, 4}, // a back-reference sees where the run started
+        {u"[a-z]+?c", u"abc", 0, 3},
+        {u"x(?:ab|ac|b)", u"xac xb", 0, 3},
+        {u"(?:a|)b", u"b", 0, 1},          // an empty branch is never skipped
+        {u"(?:\\+\\d|\\d\\d)x", u"+1x 12x", 0, 3},
+        {u"\\d{2,3}\\d", u"12345", 0, 4},
+    });
+}
+
 TEST(RegexPatternTest, CaptureGroupsAndNames) {
     RegexPattern pattern;
     ASSERT_TRUE(pattern.Compile(u"(\\d+)-(?<year>\\d{4})(x)?"));
