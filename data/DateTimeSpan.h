@@ -1,6 +1,8 @@
 #pragma once
 // A length of time as a number of days (the fraction is the time of day);
 // negative spans move back in time.
+#include <compare>
+
 namespace mirodate {
 
 class DateTimeSpan {
