@@ -26,7 +26,7 @@ void ScriptPlayer::OnIdle(std::optional<std::uint32_t> msUntilNextTimer) {
             if (clock.IsVirtual())
                 clock.Advance(std::max<std::uint32_t>(step, 1));
             else
-                display_.WaitEvent(static_cast<int>(step));
+                windows_.WaitOnDisplay(static_cast<int>(step));
             return;
         }
         waiting_ = false;

@@ -1175,9 +1175,12 @@ void WindowManager::WaitForWork() {
         }
         return;
     }
-    int timeout = next ? static_cast<int>(*next) : -1;
-    if (stopCheck_) timeout = timeout < 0 ? kStopPollMs : std::min(timeout, kStopPollMs);
-    display_.WaitEvent(timeout);
+    WaitOnDisplay(next ? static_cast<int>(*next) : -1);
+}
+
+void WindowManager::WaitOnDisplay(int timeoutMs) {
+    if (stopCheck_) timeoutMs = timeoutMs < 0 ? kStopPollMs : std::min(timeoutMs, kStopPollMs);
+    display_.WaitEvent(timeoutMs);
 }
 
 int WindowManager::Run() {
@@ -1214,7 +1217,7 @@ bool WindowManager::RunFor(std::uint32_t milliseconds) {
         if (Clock::Current().IsVirtual())
             Clock::Current().Advance(step);
         else
-            display_.WaitEvent(static_cast<int>(step));
+            WaitOnDisplay(static_cast<int>(step));
     }
 }
 

@@ -152,6 +152,9 @@ public:
     // Asked before each wait; true ends the loop (polled at least every 100 ms).
     void SetStopCheck(std::function<bool()> check) { stopCheck_ = std::move(check); }
     std::optional<std::uint32_t> TimeUntilNextTimer() const;
+    // Waits on the display for real time (-1: until woken), in slices short
+    // enough for the stop check to be heard.
+    void WaitOnDisplay(int timeoutMs);
 
 private:
     struct Window;
