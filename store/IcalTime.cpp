@@ -3,6 +3,7 @@
 #include "data/DateTime.h"
 
 #include <climits>
+#include <mutex>
 #include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
@@ -23,9 +24,52 @@ bool FieldsOk(const icaltimetype& t) {
 
 } // namespace
 
+namespace {
+
+// The local zone's name, read again only when TZ changes.
+struct LocalZoneCache {
+    std::mutex mutex;
+    std::string tz = "\x01"; // never a real TZ value
+    std::string name;
+};
+
+LocalZoneCache& ZoneCache() {
+    static LocalZoneCache cache;
+    return cache;
+}
+
+} // namespace
+
+bool IcalTime::IsLocalZone(const icaltimezone* zone) {
+    if (!zone) return false;
+    const char* tz = std::getenv("TZ");
+    std::string name;
+    {
+        LocalZoneCache& cache = ZoneCache();
+        std::lock_guard lock(cache.mutex);
+        const std::string current = tz ? tz : "";
+        if (current != cache.tz) {
+            cache.tz = current;
+            cache.name = LocalZoneName();
+        }
+        name = cache.name;
+    }
+    if (name.empty()) return false;
+    icaltimezone* z = const_cast<icaltimezone*>(zone);
+    const char* location = icaltimezone_get_location(z);
+    const char* tzid = icaltimezone_get_tzid(z);
+    if (location && name == location) return true;
+    if (!tzid) return false;
+    const std::string id = tzid;
+    return id == name || (id.size() > name.size() && id.compare(id.size() - name.size(), name.size(), name) == 0 &&
+                          id[id.size() - name.size() - 1] == '/');
+}
+
 bool IcalTime::ToUnix(const icaltimetype& time, std::time_t& seconds) {
     if (!FieldsOk(time)) return false;
     const icaltimezone* zone = icaltime_get_timezone(time);
+    // Wall times of the local zone need no zone arithmetic.
+    if (IsLocalZone(zone)) zone = nullptr;
     if (time.is_date || !zone) {
         std::tm tm{};
         tm.tm_year = time.year - 1900;
@@ -45,6 +89,7 @@ bool IcalTime::ToUnix(const icaltimetype& time, std::time_t& seconds) {
 bool IcalTime::ToLocalDate(const icaltimetype& time, double& date) {
     if (!FieldsOk(time)) return false;
     const icaltimezone* zone = icaltime_get_timezone(time);
+    if (IsLocalZone(zone)) zone = nullptr;
     if (time.is_date) {
         date = DateTime(time.year, time.month, time.day).ToDate();
         return true;

@@ -20,6 +20,8 @@ public:
     // The Olson name of the local zone ("Europe/Berlin"), empty when unknown;
     // "UTC" for UTC.
     static std::string LocalZoneName();
+    // Whether times in `zone` are local wall times already.
+    static bool IsLocalZone(const icaltimezone* zone);
     // The libical zone of that name (null for floating).
     static icaltimezone* LocalZone();
     // A local DATE as UTC text "YYYYMMDDTHHMMSSZ".

@@ -1,8 +1,8 @@
 #include "store/StoreIndex.h"
 
 #include "platform/Paths.h"
-#include "platform/TextUtil.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -16,7 +16,7 @@ namespace mirodate {
 
 namespace {
 
-constexpr char kMagic[] = "MIRODATE-INDEX-3\n";
+constexpr char kMagic[] = "MIRODATE-INDEX-4\n";
 // Largest index we read (a store of a million items stays far below).
 constexpr std::size_t kMaxIndexBytes = 512u * 1024u * 1024u;
 
@@ -28,7 +28,10 @@ public:
         Value<std::uint32_t>(static_cast<std::uint32_t>(text.size()));
         out += text;
     }
-    void Text(const std::u16string& text) { String(Utf16ToUtf8(text)); }
+    void Text(const std::u16string& text) {
+        Value<std::uint32_t>(static_cast<std::uint32_t>(text.size()));
+        Bytes(text.data(), text.size() * sizeof(char16_t));
+    }
     std::string out;
 };
 
@@ -56,8 +59,18 @@ public:
         pos_ += size;
         return text;
     }
-    std::u16string Text() { return Utf8ToUtf16(String()); }
+    std::u16string Text() {
+        const auto size = Value<std::uint32_t>();
+        if (!ok || size > (data_.size() - pos_) / sizeof(char16_t)) {
+            ok = false;
+            return {};
+        }
+        std::u16string text(size, u'\0');
+        Bytes(text.data(), size * sizeof(char16_t));
+        return text;
+    }
     bool AtEnd() const { return pos_ == data_.size(); }
+    void Skip(std::size_t size) { pos_ = std::min(data_.size(), pos_ + size); }
     bool ok = true;
 
 private:
@@ -172,10 +185,11 @@ StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string&
     std::string data(static_cast<std::size_t>(size), '\0');
     if (!file.read(data.data(), size)) return entries;
     if (data.compare(0, sizeof kMagic - 1, kMagic) != 0) return entries;
-    const std::string body = data.substr(sizeof kMagic - 1);
-    Reader reader(body);
+    Reader reader(data);
+    reader.Skip(sizeof kMagic - 1);
     if (reader.String() != root || reader.String() != zone) return entries;
     const auto count = reader.Value<std::uint32_t>();
+    entries.reserve(std::min<std::size_t>(count, data.size() / 64));
     for (std::uint32_t i = 0; i < count && reader.ok; ++i) {
         StoredItem item = ReadItem(reader);
         if (!reader.ok) break;

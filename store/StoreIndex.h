@@ -6,7 +6,7 @@
 // file may be deleted at any time.
 #include "store/StoredItem.h"
 
-#include <map>
+#include <unordered_map>
 #include <string>
 #include <vector>
 
@@ -14,7 +14,7 @@ namespace mirodate {
 
 class StoreIndex {
 public:
-    using Entries = std::map<std::string, StoredItem>; // by "<folder>/<file name>"
+    using Entries = std::unordered_map<std::string, StoredItem>; // by "<folder>/<file name>"
 
     // The index file of a store root.
     static std::string PathFor(const std::string& root);

@@ -15,6 +15,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <set>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -210,22 +211,40 @@ bool VdirSource::Logon() {
 void VdirSource::AssignOids() {
     byOid_.clear();
     snapshots_.clear();
+    std::vector<Entry> ordered;
+    ordered.reserve(files_.size());
+    for (auto& [key, item] : files_)
+        if (item->readable) ordered.push_back(item);
+    std::sort(ordered.begin(), ordered.end(), [](const Entry& a, const Entry& b) {
+        return a->directory != b->directory ? a->directory < b->directory : a->fileName < b->fileName;
+    });
     // The first file of a UID (in folder and name order) holds it; later
     // files with the same UID are skipped.
-    std::map<std::string, Entry> byUid;
-    for (auto& [key, item] : files_) {
-        if (!item->readable) continue;
-        auto [it, inserted] = byUid.emplace(item->uid, item);
+    std::unordered_map<std::string_view, StoredItem*> byUid;
+    byUid.reserve(ordered.size());
+    std::vector<std::pair<std::int32_t, StoredItem*>> hashes;
+    hashes.reserve(ordered.size());
+    for (auto& item : ordered) {
+        auto [it, inserted] = byUid.emplace(item->uid, item.get());
         if (!inserted) {
             Log::Warning("store: skipped %s/%s: UID %s is used by %s", kFolderNames[item->directory],
                          item->fileName.c_str(), item->uid.c_str(), it->second->fileName.c_str());
             item->readable = false;
+            continue;
         }
+        hashes.emplace_back(HashUid(item->uid), item.get());
     }
-    // In UID order, so that collisions of the hash resolve the same way on
-    // every start.
-    for (auto& [uid, item] : byUid) AssignOid(*item);
-    for (auto& [uid, item] : byUid) byOid_[item->record.oid] = item;
+    // In (hash, UID) order, so that collisions resolve the same way on every
+    // start whatever order the folder lists its files in.
+    std::sort(hashes.begin(), hashes.end(), [](const auto& a, const auto& b) {
+        return a.first != b.first ? a.first < b.first : a.second->uid < b.second->uid;
+    });
+    oidOfUid_.reserve(hashes.size());
+    uidOfOid_.reserve(hashes.size());
+    for (auto& [hash, item] : hashes) AssignOid(*item);
+    byOid_.reserve(ordered.size());
+    for (auto& item : ordered)
+        if (item->readable) byOid_[item->record.oid] = item;
 }
 
 void VdirSource::AssignOid(StoredItem& item) {
@@ -305,6 +324,10 @@ VdirSource::Snapshot VdirSource::GetSnapshot(int folderId) {
     Snapshot snapshot;
     for (const auto& [key, item] : files_)
         if (item->readable && item->folder == folderId) snapshot.push_back(item);
+    // Folder and file name order, the same on every run.
+    std::sort(snapshot.begin(), snapshot.end(), [](const auto& a, const auto& b) {
+        return a->directory != b->directory ? a->directory < b->directory : a->fileName < b->fileName;
+    });
     snapshots_[folderId] = snapshot;
     return snapshot;
 }

@@ -85,7 +85,7 @@ private:
     std::string root_;
     Options options_;
     std::mutex mutex_;
-    std::map<std::string, Entry> files_; // by Key()
+    std::unordered_map<std::string, Entry> files_; // by Key()
     std::unordered_map<std::int32_t, Entry> byOid_;
     std::unordered_map<std::string, std::int32_t> oidOfUid_;
     std::unordered_map<std::int32_t, std::string> uidOfOid_;
