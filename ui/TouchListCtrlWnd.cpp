@@ -94,22 +94,22 @@ void TouchListCtrlWnd::SetPopupBody(bool popup) { popupBody_ = popup; }
 
 void TouchListCtrlWnd::AddItem(std::unique_ptr<TouchListItem> item) {
     scroller_->Add(std::move(item));
-    RefreshViewport();
+    InvalidateViewport();
 }
 
 void TouchListCtrlWnd::InsertItem(int index, std::unique_ptr<TouchListItem> item) {
     scroller_->Insert(index, std::move(item));
-    RefreshViewport();
+    InvalidateViewport();
 }
 
 void TouchListCtrlWnd::RemoveItem(int index) {
     scroller_->Remove(index);
-    RefreshViewport();
+    InvalidateViewport();
 }
 
 void TouchListCtrlWnd::ClearItems() {
     scroller_->Clear();
-    RefreshViewport();
+    InvalidateViewport();
 }
 
 void TouchListCtrlWnd::Relayout() {
@@ -125,6 +125,10 @@ void TouchListCtrlWnd::OnSwipeRight() {}
 void TouchListCtrlWnd::OnLongTap(int) {}
 void TouchListCtrlWnd::OnScrolled(int, int) {}
 
+void TouchListCtrlWnd::InvalidateViewport() {
+    if (window && scroller_) InvalidateRect(window, &scroller_->Viewport(), false);
+}
+
 void TouchListCtrlWnd::RefreshViewport() {
     if (!window || !scroller_) return;
     const RECT& viewport = scroller_->Viewport();
@@ -139,9 +143,13 @@ void TouchListCtrlWnd::OnPaint(HDC dc) {
     RECT client;
     GetClientRect(window, &client);
     const RECT& viewport = scroller_->Viewport();
-    if (headerHeight_ > 0) DrawHeader(*dc, RECT{0, 0, client.right, std::min(headerHeight_, client.bottom)});
-
+    // Only what the update region touches is drawn: a scroll repaints the rows, not the header.
     cairo_t* cr = dc->Cairo();
+    double clipLeft, clipTop, clipRight, clipBottom;
+    cairo_clip_extents(cr, &clipLeft, &clipTop, &clipRight, &clipBottom);
+    if (headerHeight_ > 0 && clipTop < headerHeight_)
+        DrawHeader(*dc, RECT{0, 0, client.right, std::min(headerHeight_, client.bottom)});
+
     cairo_save(cr);
     dc->IntersectClip(viewport);
     dc->FillRect(viewport, colors_.background);
@@ -150,10 +158,10 @@ void TouchListCtrlWnd::OnPaint(HDC dc) {
     if (scroller_->Position() < 0) index = 0;
     for (; index < count; ++index) {
         const int top = viewport.top + scroller_->ItemTop(index);
-        if (top >= viewport.bottom) break;
+        if (top >= viewport.bottom || top >= clipBottom) break;
         TouchListItem* item = scroller_->Item(index);
         const int bottom = top + item->Height();
-        if (bottom <= viewport.top) continue;
+        if (bottom <= viewport.top || bottom <= clipTop) continue;
         item->Draw(*dc, RECT{viewport.left, top, viewport.right, bottom});
     }
     DrawStrip(*dc);

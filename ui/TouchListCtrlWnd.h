@@ -41,7 +41,8 @@ public:
     TouchScroller& Scroller() { return *scroller_; }
     const TouchScroller& Scroller() const { return *scroller_; }
 
-    // Items (each change lays the list out and repaints it).
+    // Items. Each change lays the list out; the rows are repainted when the
+    // loop is next idle, so that filling a long list paints once.
     void AddItem(std::unique_ptr<TouchListItem> item);
     void InsertItem(int index, std::unique_ptr<TouchListItem> item);
     void RemoveItem(int index);
@@ -89,6 +90,7 @@ protected:
     // The scroll strip's thumb, over the rows.
     virtual void DrawStrip(Dc& dc);
     void UpdateViewport();
+    void InvalidateViewport();
 
 private:
     std::unique_ptr<TouchScroller> scroller_;

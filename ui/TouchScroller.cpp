@@ -27,8 +27,13 @@ DWORD TouchScroller::Now() const { return GetTickCount(); }
 // ---- items and layout ------------------------------------------------------
 
 void TouchScroller::Add(std::unique_ptr<TouchListItem> item) {
+    // Appending extends the prefix sums by one entry; filling a long list stays linear.
+    const int height = std::max(0, item->Height());
     items.push_back(std::move(item));
-    Layout();
+    offsets.push_back(offsets.back() + height);
+    totalHeight = offsets.back();
+    averageHeight = totalHeight / static_cast<int>(items.size());
+    maxPosition = std::max(0, totalHeight - viewport.Height());
 }
 
 void TouchScroller::Insert(int index, std::unique_ptr<TouchListItem> item) {
