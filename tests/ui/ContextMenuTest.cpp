@@ -90,6 +90,7 @@ TEST_F(ContextMenuTest, MenuPastTheCapShowsOnlyWholeRows) {
     // The cap is 320 - 26 - 30 = 264 pixels, 7 whole rows of 34.
     EXPECT_EQ(rect.Height(), 7 * 34);
     EXPECT_EQ(rect.top, 320 - 30 - 7 * 34);
+    Key(VK_LEFT);
 
     Open(480, 640); // the same at high resolution: cap 640 - 52 - 60 = 528, 7 rows of 68
     SetHighResolution(true);
@@ -132,6 +133,7 @@ TEST_F(ContextMenuTest, SlidesUpInShrinkingStepsOrAppearsAtOnceWithoutAnimations
     EXPECT_EQ(GetCapture(), menu_->List().GetHwnd());
     const RECT rect = MenuRect(quick);
     EXPECT_EQ(FramePixel(rect.left, rect.top + 40), RGB(0, 0, 0));
+    Key(VK_RIGHT);
 }
 
 TEST_F(ContextMenuTest, TapChoosesAndTheOwnerRunsTheCommandOnce) {
