@@ -56,11 +56,13 @@ bool IcalTime::IsLocalZone(const icaltimezone* zone) {
     }
     if (name.empty()) return false;
     icaltimezone* z = const_cast<icaltimezone*>(zone);
-    const char* location = icaltimezone_get_location(z);
+    // Asking for the TZID loads a built-in zone, which replaces its other
+    // strings: copy each before asking for the next.
     const char* tzid = icaltimezone_get_tzid(z);
+    const std::string id = tzid ? tzid : "";
+    const char* location = icaltimezone_get_location(z);
     if (location && name == location) return true;
-    if (!tzid) return false;
-    const std::string id = tzid;
+    if (id.empty()) return false;
     return id == name || (id.size() > name.size() && id.compare(id.size() - name.size(), name.size(), name) == 0 &&
                           id[id.size() - name.size() - 1] == '/');
 }
