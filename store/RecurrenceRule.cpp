@@ -54,37 +54,49 @@ bool RecurrenceRule::ToPattern(const std::string& rrule, double start, double un
     pattern.PatternEndDate = until != 0.0 ? DateTime(until).StartOfDay().ToDate() : 0.0;
     pattern.RuleFit = RecurrencePattern::kExact;
 
+    // A rule the record cannot say is marked: kNearest when the record's
+    // sentence stays true but says less (times of day), kNoFit when it would
+    // claim something false (one day of the month where there are several).
+    auto lessSpecific = [&] {
+        if (pattern.RuleFit == RecurrencePattern::kExact) pattern.RuleFit = RecurrencePattern::kNearest;
+    };
+    auto noFit = [&] { pattern.RuleFit = RecurrencePattern::kNoFit; };
+
     int mask = 0, position = 0;
     const int dayCount = Count(rule.by_day, ICAL_BY_DAY_SIZE);
     for (int i = 0; i < dayCount; ++i) {
         mask |= DayBit(icalrecurrencetype_day_day_of_week(rule.by_day[i]));
         const int pos = icalrecurrencetype_day_position(rule.by_day[i]);
         if (pos != 0) {
-            if (position != 0 && position != pos) pattern.RuleFit = RecurrencePattern::kNearest;
+            if (position != 0 && position != pos) noFit(); // "1MO,3WE"
             position = pos;
         }
     }
     if (position == 0 && Has(rule.by_set_pos)) {
         position = rule.by_set_pos[0];
-        if (Has(rule.by_set_pos, 1)) pattern.RuleFit = RecurrencePattern::kNearest;
+        if (Has(rule.by_set_pos, 1)) noFit(); // several positions
     }
     const int startDayBit = 1 << first.GetDayOfWeek();
     const int monthDay = Has(rule.by_month_day) ? rule.by_month_day[0] : first.GetDay();
-    if (Has(rule.by_month_day, 1) || monthDay < 0) pattern.RuleFit = RecurrencePattern::kNearest;
+    // Several days of the month, or one counted from the end ("-1", the last
+    // day) have no record: the 31st is not the last day of April.
+    if (Has(rule.by_month_day, 1) || monthDay < 0) noFit();
     const int month = Has(rule.by_month) ? rule.by_month[0] : first.GetMonth();
-    if (Has(rule.by_month, 1)) pattern.RuleFit = RecurrencePattern::kNearest;
-    if (Has(rule.by_hour) || Has(rule.by_minute) || Has(rule.by_second) || Has(rule.by_year_day) ||
-        Has(rule.by_week_no))
-        pattern.RuleFit = RecurrencePattern::kNearest;
+    if (Has(rule.by_month, 1)) noFit();
+    if (Has(rule.by_year_day) || Has(rule.by_week_no)) noFit();
+    if (Has(rule.by_hour) || Has(rule.by_minute) || Has(rule.by_second)) lessSpecific();
     const int instance = position < 0 ? kLastInstance : position;
-    if (position < -1 || position > 4) pattern.RuleFit = RecurrencePattern::kNearest;
+    // The record knows the first to fourth and the last; the fifth or the
+    // second-to-last are something else.
+    if (position < -1 || position > 4) noFit();
 
     switch (rule.freq) {
     case ICAL_DAILY_RECURRENCE:
         if (mask) {
             pattern.RecurrenceType = RecurrencePattern::kWeekly;
             pattern.DayOfWeekMask = mask;
-            if (pattern.Interval != 1) pattern.RuleFit = RecurrencePattern::kNearest;
+            // Every n days, only on some weekdays, is no weekly rule.
+            if (pattern.Interval != 1) noFit();
         } else {
             pattern.RecurrenceType = RecurrencePattern::kDaily;
         }
@@ -101,7 +113,7 @@ bool RecurrenceRule::ToPattern(const std::string& rrule, double start, double un
         } else {
             pattern.RecurrenceType = RecurrencePattern::kMonthly;
             pattern.DayOfMonth = monthDay < 0 ? 31 : monthDay;
-            if (mask) pattern.RuleFit = RecurrencePattern::kNoFit;
+            if (mask) noFit();
         }
         break;
     case ICAL_YEARLY_RECURRENCE:
@@ -113,12 +125,12 @@ bool RecurrenceRule::ToPattern(const std::string& rrule, double start, double un
         } else {
             pattern.RecurrenceType = RecurrencePattern::kYearly;
             pattern.DayOfMonth = monthDay < 0 ? 31 : monthDay;
-            if (mask) pattern.RuleFit = RecurrencePattern::kNoFit;
+            if (mask) noFit();
         }
         break;
     default: // hourly and finer have no record
         pattern.RecurrenceType = RecurrencePattern::kDaily;
-        pattern.RuleFit = RecurrencePattern::kNoFit;
+        noFit();
         break;
     }
     return true;
