@@ -2,13 +2,21 @@
 
 #include "app/CmdLineArg.h"
 #include "app/CommandRequest.h"
+#include "app/MainWnd.h"
+#include "app/SplashScreen.h"
 #include "app/StoreCommands.h"
+#include "data/Categories.h"
+#include "data/PimStore.h"
+#include "platform/Clock.h"
 #include "platform/InstanceClient.h"
 #include "platform/InstanceServer.h"
 #include "platform/Log.h"
+#include "platform/Settings.h"
 #include "platform/TextUtil.h"
+#include "store/VdirSource.h"
 #include "ui/RegisteredMessages.h"
 #include "ui/UiRunner.h"
+#include "ui/WinApi.h"
 #include "ui/WindowClasses.h"
 
 #include <chrono>
@@ -51,6 +59,8 @@ std::string DescribeRequest(const CommandRequest& request) {
 Application::Application(ProgramOptions options) : options_(std::move(options)) {
     socketPath_ = options_.socketPath.empty() ? InstanceServer::DefaultSocketPath() : options_.socketPath;
 }
+
+Application::~Application() = default;
 
 std::string Application::CommandPayload(const std::u16string& text) {
     std::string bytes;
@@ -130,6 +140,55 @@ void Application::OnCommand(const std::u16string& text) {
     std::fflush(stdout);
 }
 
+namespace {
+void ReportProgress(int progress, void* context) {
+    static_cast<SplashScreen*>(context)->SetProgress(progress + SplashScreen::kInitialProgress);
+}
+} // namespace
+
+void Application::Load(SplashScreen& splash) {
+    const std::string root = options_.storeDir.empty() ? VdirSource::DefaultRoot() : options_.storeDir;
+    VdirSource::Options sourceOptions;
+    sourceOptions.createIfMissing = true;
+    PimStore& store = PimStore::Instance();
+    WindowManager* windows = &Wm();
+    // Change reports arrive on the watcher's thread and go to the main window's queue.
+    const bool opened = store.Open(std::make_unique<VdirSource>(root, sourceOptions),
+                                   [this, windows](const PimNotification& notification) {
+                                       if (HWND main = mainHwnd_.load())
+                                           windows->PostMessage(main, notification.message,
+                                                                static_cast<WPARAM>(notification.oid),
+                                                                notification.folder);
+                                   });
+    if (!opened) Log::Warning("cannot read the store at %s; starting without items", root.c_str());
+    Categories::LoadCategoryColors();
+    store.SetFilters(Settings::GetExcludeFilter(), Settings::GetLastFilter(), Settings::GetHideCompleteTasks(),
+                     Settings::GetShowContactsBirthdays(), Settings::GetShowContactsAnniversaries());
+    const SYSTEMTIME today = Clock::Current().GetLocalTime();
+    store.FillMonth(today.wYear, today.wMonth, true, true, ReportProgress, &splash);
+
+    mainWnd_ = std::make_unique<MainWnd>();
+    mainWnd_->SetCommandObserver([this](const std::u16string& text) { OnCommand(text); });
+    if (!mainWnd_->Create(splash.commandLine)) {
+        std::fprintf(stderr, "mirodate: cannot create the main window\n");
+        splash.Close();
+        PostQuitMessage(1);
+        return;
+    }
+    mainHwnd_ = mainWnd_->GetHwnd();
+    loaded_ = true;
+    splash.Close();
+}
+
+void Application::DeliverCommand(const std::string& bytes) {
+    if (!mainWnd_ || !IsWindow(mainWnd_->GetHwnd())) return;
+    COPYDATASTRUCT data;
+    data.dwData = 0;
+    data.cbData = static_cast<DWORD>(bytes.size());
+    data.lpData = bytes.data();
+    SendMessage(mainWnd_->GetHwnd(), WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data));
+}
+
 int Application::Start() {
     UiRunnerOptions uiOptions;
     uiOptions.width = options_.width;
@@ -138,6 +197,12 @@ int Application::Start() {
     uiOptions.virtualClock = options_.virtualClock;
     uiOptions.scriptPath = options_.scriptPath;
     uiOptions.screenshotPath = options_.screenshotPath;
+    uiOptions.createMainWindow = [this]() -> std::unique_ptr<BaseWnd> {
+        auto splash = std::make_unique<SplashScreen>(options_.commandLine,
+                                                     [this](SplashScreen& screen) { Load(screen); });
+        if (!splash->CreateCentered()) return nullptr;
+        return splash;
+    };
     UiRunner ui(uiOptions);
     std::string uiError;
     int uiStatus = 0;
@@ -156,8 +221,7 @@ int Application::Start() {
     // Requests arrive on the server thread; the UI thread handles them in order.
     handler.copyData = [this, &ui](std::uint32_t, const std::string& bytes) -> std::int32_t {
         if (bytes.empty() || !loaded_) return 0;
-        const std::u16string text = CommandFromPayload(bytes);
-        if (!text.empty()) ui.Post([this, text] { OnCommand(text); });
+        ui.Post([this, bytes] { DeliverCommand(bytes); });
         return 1;
     };
     handler.bringToFront = [](const std::string&, const std::string&) {};
@@ -177,12 +241,13 @@ int Application::Start() {
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
     }
 
-    loaded_ = true;
-    OnCommand(options_.commandLine);
-
     std::signal(SIGINT, OnSignal);
     std::signal(SIGTERM, OnSignal);
     const int status = ui.Run([this] { return quit_ || g_signalled; });
+    // Shutdown: the main window, then the store (its reports stop), then the link.
+    mainHwnd_ = nullptr;
+    mainWnd_.reset();
+    PimStore::Instance().Close();
     server.Stop();
     return status;
 }

@@ -2,15 +2,21 @@
 // The entry function: decides whether to hand the command to a running
 // instance, to restart it, or to start, and runs the program.
 #include "app/ProgramOptions.h"
+#include "ui/WinTypes.h"
 
 #include <atomic>
+#include <memory>
 #include <string>
 
 namespace mirodate {
 
+class MainWnd;
+class SplashScreen;
+
 class Application {
 public:
     explicit Application(ProgramOptions options);
+    ~Application();
     // Returns the process exit code: 0 on every path of the entry function.
     int Run();
 
@@ -31,11 +37,18 @@ public:
 private:
     int Start();
     void OnCommand(const std::u16string& text);
+    // The splash screen's load step: opens the store, fills the current
+    // month and creates the main window.
+    void Load(SplashScreen& splash);
+    // Hands a received command to the main window as WM_COPYDATA.
+    void DeliverCommand(const std::string& bytes);
 
     ProgramOptions options_;
     std::string socketPath_;
     std::atomic<bool> loaded_{false};
     std::atomic<bool> quit_{false};
+    std::unique_ptr<MainWnd> mainWnd_;
+    std::atomic<HWND> mainHwnd_{nullptr}; // for the store's change reports, from its thread
 };
 
 } // namespace mirodate

@@ -57,12 +57,15 @@ void UiRunner::RequestClose() {
 int UiRunner::Run(std::function<bool()> stop) {
     if (!windows_) return 1;
     windows_->SetStopCheck(std::move(stop));
-    auto main = std::make_unique<PlaceholderMainWnd>();
-    if (!main->CreateFullScreen()) {
+    if (options_.createMainWindow) {
+        mainWindow_ = options_.createMainWindow();
+    } else if (auto placeholder = std::make_unique<PlaceholderMainWnd>(); placeholder->CreateFullScreen()) {
+        mainWindow_ = std::move(placeholder);
+    }
+    if (!mainWindow_) {
         std::fprintf(stderr, "mirodate: cannot create the main window\n");
         return 1;
     }
-    mainWindow_ = std::move(main);
 
     if (!script_.empty() || !options_.scriptPath.empty()) {
         player_ = std::make_unique<ScriptPlayer>(*windows_, static_cast<HeadlessDisplay&>(*display_), script_);

@@ -24,6 +24,9 @@ struct UiRunnerOptions {
     bool virtualClock = false;
     std::string scriptPath;
     std::string screenshotPath;
+    // Makes the first top-level window (its window already created); null
+    // when that failed. Without one, a plain placeholder window is shown.
+    std::function<std::unique_ptr<BaseWnd>()> createMainWindow;
 };
 
 class UiRunner {

@@ -1,0 +1,387 @@
+#include "app/MainWnd.h"
+
+#include "app/CommandRequest.h"
+#include "data/PimNotification.h"
+#include "data/PimStore.h"
+#include "lang/LanguageTable.h"
+#include "platform/Clock.h"
+#include "platform/Locale.h"
+#include "platform/Log.h"
+#include "platform/Settings.h"
+#include "platform/TextUtil.h"
+#include "skin/SkinLoader.h"
+#include "skin/SkinStyles.h"
+#include "ui/ContextMenu.h"
+#include "ui/RegisteredMessages.h"
+#include "ui/Scale.h"
+#include "ui/ScreenBars.h"
+#include "ui/Shell.h"
+#include "ui/WinApi.h"
+#include "ui/WindowClasses.h"
+
+#include <cstring>
+
+namespace mirodate {
+
+namespace {
+// The top bar's height for a 240-pixel-wide screen.
+constexpr int kTopBarHeight = 26;
+
+bool IsStoreNotification(UINT message) {
+    return (message >= kMsgItemCreatedLocal && message <= kMsgItemChangedLocal) ||
+           (message >= kMsgItemCreatedRemote && message <= kMsgItemChangedRemote);
+}
+
+// A COPYDATA payload: cbData bytes of UTF-16 LE, read up to the first zero.
+std::u16string TextOfCopyData(const COPYDATASTRUCT& data) {
+    std::u16string text((data.cbData + 1) / 2, u'\0');
+    std::memcpy(text.data(), data.lpData, data.cbData);
+    const size_t end = text.find(u'\0');
+    if (end != std::u16string::npos) text.resize(end);
+    return text;
+}
+} // namespace
+
+MainWnd::MainWnd()
+    : router_([this](const DateTime& date) { ShowDate(date); }), splitView_(Settings::GetSplitMonthView()) {}
+
+MainWnd::~MainWnd() = default;
+
+HWND MainWnd::Create(const std::u16string& commandLine) {
+    SkinLoader::Load(SkinStyles::Current(), IsHighResolution());
+    LanguageTable::Instance().LoadFromSettings();
+    minimizedBroadcast_ = RegisterWindowMessage(kMinimizedBroadcastName);
+    dataChangedBroadcast_ = RegisterWindowMessage(kPoomDataChangedName);
+    Shell::SetHideTaskBar(!Settings::GetShowWindowsTaskBar());
+    ScreenBars::SetTopBarHeight(Scale(kTopBarHeight));
+    ScreenBars::SetMenuBarHeight(SkinStyles::Current().menuBar.height);
+
+    const int width = GetScreenWidth();
+    const int height = GetScreenHeight();
+    if (!BaseWnd::Create(nullptr, kMainWndClass, WS_POPUP | WS_VISIBLE, Utf8ToUtf16(kMainWndTitle), 0, 0, width,
+                         height))
+        return nullptr;
+    OnInitDialog();
+    if (!statusBar_.Create(window, 0, 0, width, 1) || !grid_.Create(window, 0, 0, width, 1) ||
+        !dayList_.Create(window, 0, 0, width, 1))
+        return nullptr;
+    dayList_.SetChooseCallback([this](const PimItem& item) { router_.OpenItemDetail(item.oid, item.IsTask()); });
+    const std::vector<MenuBarEntry> entries = {{"Menu", MenuBarIcon::Menu},
+                                               {"Filter", MenuBarIcon::Filter},
+                                               {"Tasks", MenuBarIcon::Tasks},
+                                               {"WeekView", MenuBarIcon::Week},
+                                               {"AgendaView", MenuBarIcon::Agenda}};
+    if (!menuBar_.Create(window, entries, 0, 0, width)) return nullptr;
+    built_ = true;
+    Layout();
+
+    const SYSTEMTIME now = Clock::Current().GetLocalTime();
+    grid_.ShowDate(now.wYear, now.wMonth, now.wDay);
+    if (splitView_) dayList_.ShowDay(now.wYear, now.wMonth, now.wDay);
+    SetForegroundWindow(window);
+    ProcessCommand(commandLine);
+    return window;
+}
+
+void MainWnd::Layout() {
+    if (!built_ || !window) return;
+    RECT client;
+    GetClientRect(window, &client);
+    const int width = client.Width();
+    const int height = client.Height();
+    const int top = ScreenBars::TopBarHeight();
+    const int menu = menuBar_.Height();
+    const int middle = std::max(height - top - menu, 0);
+    const int gridHeight = splitView_ ? middle * kSplitGridPercent / 100 : middle;
+    MoveWindow(statusBar_.GetHwnd(), 0, 0, width, top, true);
+    MoveWindow(grid_.GetHwnd(), 0, top, width, gridHeight, true);
+    if (splitView_) {
+        MoveWindow(dayList_.GetHwnd(), 0, top + gridHeight, width, middle - gridHeight, true);
+        ShowWindow(dayList_.GetHwnd(), SW_SHOW);
+    } else {
+        ShowWindow(dayList_.GetHwnd(), SW_HIDE);
+    }
+    menuBar_.MoveTo(0, height - menu, width, menu);
+    InvalidateRect(window, nullptr, false);
+}
+
+void MainWnd::OnSize(UINT, UINT) { Layout(); }
+
+void MainWnd::OnScreenReset() {
+    MoveWindow(window, 0, 0, GetScreenWidth(), GetScreenHeight(), true);
+    Layout();
+}
+
+DateTime MainWnd::SelectedDate() const {
+    const MonthGridModel& model = grid_.Model();
+    return DateTime(model.Year(), model.Month(), model.SelectedDay());
+}
+
+void MainWnd::ShowDate(const DateTime& date) {
+    grid_.ShowDate(date.GetYear(), date.GetMonth(), date.GetDay());
+    if (splitView_) dayList_.ShowDay(date.GetYear(), date.GetMonth(), date.GetDay());
+}
+
+void MainWnd::SetSplitView(bool on) {
+    splitView_ = on;
+    if (on) {
+        const DateTime date = SelectedDate();
+        if (!dayList_.IsShowing(date.GetYear(), date.GetMonth(), date.GetDay()))
+            dayList_.ShowDay(date.GetYear(), date.GetMonth(), date.GetDay(), true);
+    }
+    Layout();
+    Settings::SetBool("SplitMonthView", on);
+}
+
+void MainWnd::Relabel() { menuBar_.Relabel(); }
+
+void MainWnd::Refresh(bool reload, int year, int month) {
+    statusBar_.Refresh();
+    const MonthGridModel& model = grid_.Model();
+    if (reload) {
+        PimStore::Instance().FillMonth(model.Year(), model.Month(), true, true);
+        grid_.RefreshMarkers();
+        const DateTime date = SelectedDate();
+        dayList_.ShowDay(date.GetYear(), date.GetMonth(), date.GetDay(), true);
+    }
+    if (year < 1 || month < 1) {
+        grid_.Redraw(false);
+        SendNotifyMessage(HWND_BROADCAST, dataChangedBroadcast_, reload ? 1 : 0,
+                          static_cast<LPARAM>((static_cast<unsigned>(year) << 16) | static_cast<unsigned>(month)));
+    } else if (year == model.Year() && month == model.Month()) {
+        grid_.Redraw(false);
+    }
+    dayList_.Refresh();
+}
+
+bool MainWnd::IsSynchronizing() {
+    PimSource* source = PimStore::Instance().Source();
+    return source && source->IsSynchronizing();
+}
+
+void MainWnd::OnStoreNotification(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (IsSynchronizing()) {
+        // A burst of changes during a synchronisation ends in one reload.
+        SetTimer(window, kSyncReloadTimer, kSyncReloadDelay);
+        if (!syncSeen_) {
+            syncSeen_ = true;
+            SetTimer(window, kSyncWatchTimer, kSyncWatchPeriod);
+        }
+        return;
+    }
+    const int folder = static_cast<int>(lParam);
+    if (folder != kFolderCalendar && folder != kFolderTasks && folder != kFolderContacts) return;
+    PimNotification notification;
+    notification.message = message;
+    notification.oid = static_cast<std::int32_t>(wParam);
+    notification.folder = folder;
+    PimStore::Instance().ApplyNotification(notification);
+    statusBar_.Refresh();
+    grid_.RefreshMarkers(true);
+    grid_.Redraw(false);
+    SendNotifyMessage(HWND_BROADCAST, dataChangedBroadcast_, 0, -1);
+    dayList_.Refresh();
+}
+
+void MainWnd::ReloadAfterSync() {
+    PimStore::Instance().ClearCache();
+    Refresh(true, 0, 0);
+}
+
+void MainWnd::OnTimer(UINT_PTR id) {
+    if (id == kSyncReloadTimer) {
+        KillTimer(window, kSyncReloadTimer);
+        ReloadAfterSync();
+        return;
+    }
+    if (id == kSyncWatchTimer) {
+        if (IsSynchronizing()) return;
+        // The synchronisation has ended: everything is read again.
+        KillTimer(window, kSyncWatchTimer);
+        syncSeen_ = false;
+        ReloadAfterSync();
+        return;
+    }
+    DialogWnd::OnTimer(id);
+}
+
+LRESULT MainWnd::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_COPYDATA) {
+        const auto* data = reinterpret_cast<const COPYDATASTRUCT*>(lParam);
+        if (!data || data->cbData == 0 || !data->lpData) return DefWindowProc(hwnd, message, wParam, lParam);
+        const std::u16string text = TextOfCopyData(*data);
+        PostMessage(HWND_BROADCAST, minimizedBroadcast_, 0, 0);
+        if (!text.empty()) ProcessCommand(text);
+        return 1;
+    }
+    if (IsStoreNotification(message)) {
+        OnStoreNotification(message, wParam, lParam);
+        return 0;
+    }
+    if (message == WM_SETTINGCHANGE && wParam == SETTINGCHANGE_RESET) {
+        Shell::HandleSettingChange(hwnd, wParam, lParam, &shellActivateInfo);
+        OnScreenReset();
+        return 0;
+    }
+    return DialogWnd::WindowProc(hwnd, message, wParam, lParam);
+}
+
+void MainWnd::OnClose() {
+    DestroyWindow(window);
+    PostQuitMessage(0);
+}
+
+LRESULT MainWnd::OnNotify(UINT_PTR, NMHDR* header) {
+    if (!header) return 0;
+    const MonthGridModel& model = grid_.Model();
+    switch (header->code) {
+    case NM_DAY_SELECTED:
+    case NM_MONTH_CHANGED:
+        PimStore::Instance().FillMonth(model.Year(), model.Month(), true, true);
+        if (splitView_) dayList_.ShowDay(model.Year(), model.Month(), model.SelectedDay());
+        return 0;
+    case NM_MONTH_BAR_TAP: OpenMonthPicker(); return 0;
+    case NM_YEAR_BAR_TAP: OpenYearPicker(); return 0;
+    case NM_TOP_BAR_TAP: MinimizeFromTopBar(); return 0;
+    default: return 0;
+    }
+}
+
+void MainWnd::MinimizeFromTopBar() {
+    ShowWindow(window, SW_MINIMIZE);
+    if (Settings::GetCloseOnMinimize()) PostQuitMessage(0);
+}
+
+void MainWnd::OnCommand(UINT, UINT, HWND control) {
+    const DateTime date = SelectedDate();
+    switch (menuBar_.IndexOf(control)) {
+    case 0: OpenMainMenu(); break;
+    case 1: router_.OpenFilter(); break;
+    case 2: router_.OpenTasksView(date); break;
+    case 3: router_.ShowWeekView(date); break;
+    case 4: router_.ShowAgendaView(date); break;
+    default: break;
+    }
+}
+
+void MainWnd::OpenMainMenu() {
+    std::vector<ContextMenuItem> items = {{Lang("Today"), kCmdToday},
+                                          {Lang("config.SplitMonthView"), kCmdToggleSplit, splitView_},
+                                          {Lang("Exit"), kCmdExit}};
+    auto* menu = new ContextMenu(this, std::move(items), -1); // owns itself until chosen or closed
+    menu->Open();
+}
+
+void MainWnd::OpenMonthPicker() {
+    std::vector<ContextMenuItem> items;
+    for (int month = 1; month <= 12; ++month)
+        items.push_back({Locale::MonthName(month, false, true), kCmdMonthBase + month, month == grid_.Model().Month()});
+    auto* menu = new ContextMenu(this, std::move(items), -1);
+    menu->SetPreselected(grid_.Model().Month() - 1);
+    menu->Open();
+}
+
+void MainWnd::OpenYearPicker() {
+    std::vector<ContextMenuItem> items;
+    const int shown = grid_.Model().Year();
+    for (int year = shown - kYearPickerSpan; year <= shown + kYearPickerSpan; ++year) {
+        const std::string text = std::to_string(year);
+        items.push_back({std::u16string(text.begin(), text.end()), kCmdYearBase + static_cast<UINT>(year),
+                         year == shown});
+    }
+    auto* menu = new ContextMenu(this, std::move(items), 1);
+    menu->SetPreselected(kYearPickerSpan);
+    menu->Open();
+}
+
+void MainWnd::OnDeferredCommand(UINT id) {
+    const MonthGridModel& model = grid_.Model();
+    if (id == kCmdToday) {
+        ShowDate(DateTime::FromSystemTime(Clock::Current().GetLocalTime()));
+    } else if (id == kCmdToggleSplit) {
+        SetSplitView(!splitView_);
+    } else if (id == kCmdExit) {
+        SendMessage(window, WM_CLOSE, 0, 0);
+    } else if (id > kCmdMonthBase && id <= kCmdMonthBase + 12) {
+        const int month = static_cast<int>(id - kCmdMonthBase);
+        ShowDate(DateTime(model.Year(), month, std::min(model.SelectedDay(), DaysInMonth(model.Year(), month))));
+    } else if (id >= kCmdYearBase + 100 && id <= kCmdYearBase + 9999) {
+        const int year = static_cast<int>(id - kCmdYearBase);
+        ShowDate(DateTime(year, model.Month(), std::min(model.SelectedDay(), DaysInMonth(year, model.Month()))));
+    }
+}
+
+HWND MainWnd::ProcessCommand(const std::u16string& text) {
+    if (commandObserver_) commandObserver_(text);
+    const CommandRequest request = CommandRequest::Parse(text);
+    if (request.kind == CommandRequest::Kind::FirstRun) {
+        Log::Info("firstrun: the calendar and tasks replacements are not part of this build");
+        return window;
+    }
+    if (request.kind == CommandRequest::Kind::Restore) {
+        ShowWindow(window, SW_SHOWNORMAL);
+        SetForegroundWindow(window);
+        const DateTime date = SelectedDate();
+        switch (Settings::GetLastViewMode()) {
+        case 1: return router_.ShowWeekView(date) ? GetActiveWindow() : window;
+        case 2: return router_.ShowAgendaView(date) ? GetActiveWindow() : window;
+        default: router_.HideWeekAndAgenda(); return window;
+        }
+    }
+
+    int mode = request.mode;
+    int view = request.view;
+    if (request.oid != 0 && request.oidGiven) {
+        const int kind = PimStore::Instance().GetItemKind(static_cast<std::int32_t>(request.oid));
+        if (kind == kItemAppointment) {
+            view = CommandRequest::kDetail;
+            mode = CommandRequest::kCalendar;
+        } else if (kind == kItemTask) {
+            view = CommandRequest::kDetail;
+            mode = CommandRequest::kTasks;
+        }
+    }
+    // Commands without a mode are ignored.
+    if (mode == CommandRequest::kNoMode) return nullptr;
+
+    DateTime target = DateTime::FromSystemTime(Clock::Current().GetLocalTime());
+    target = DateTime(target.GetYear(), target.GetMonth(), target.GetDay());
+    if (request.hasDate) {
+        const DateTime given(request.date.year, request.date.month, request.date.day);
+        if (given.IsValid() && request.date.year >= 100) target = given;
+        else Log::Warning("command date %04d%02d%02d is no date; using today", request.date.year,
+                          request.date.month, request.date.day);
+    } else if (request.dayOffset != 0) {
+        // Far offsets are clamped to the calendar's years.
+        const long offset = std::clamp(request.dayOffset, -3000000L, 3000000L);
+        const DateTime moved = target + DateTimeSpan(static_cast<int>(offset), 0, 0, 0);
+        if (moved.IsValid() && moved.GetYear() >= 100 && moved.GetYear() <= 9999) target = moved;
+    }
+
+    ShowDate(target);
+    HWND opened = nullptr;
+    const auto oid = static_cast<std::int32_t>(request.oid);
+    if (mode == CommandRequest::kCalendar) {
+        if (request.noParam) Refresh(true, 0, 0);
+        switch (view) {
+        case CommandRequest::kDetail: opened = router_.OpenItemDetail(oid, false); break;
+        case CommandRequest::kDay: opened = router_.OpenDayView(target); break;
+        case CommandRequest::kAgenda: opened = router_.ShowAgendaView(target); break;
+        case CommandRequest::kMonth: router_.HideWeekAndAgenda(); break;
+        case CommandRequest::kWeek: opened = router_.ShowWeekView(target); break;
+        default: break;
+        }
+        if (request.newItem) opened = router_.NewAppointment(target, opened ? opened : window);
+        return opened ? opened : window;
+    }
+    // Tasks.
+    if (view == CommandRequest::kDetail) opened = router_.OpenItemDetail(oid, true);
+    else if (view == CommandRequest::kDay && router_.DayViewCount() == 0) opened = router_.OpenDayView(target);
+    if (request.newItem) return router_.NewTask(target);
+    if (opened) return opened;
+    if (router_.TasksViewCount() > 0) return nullptr;
+    opened = router_.OpenTasksView(target);
+    return opened ? opened : window;
+}
+
+} // namespace mirodate

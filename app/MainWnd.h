@@ -1,0 +1,102 @@
+#pragma once
+// The program's one top-level window, which is also the month view: the
+// status bar, the month grid, the split list of the selected day's items and
+// the menu bar. It takes the command texts of later starts, keeps the item
+// cache current on the store's change reports (one deferred reload while a
+// synchroniser runs) and tells every other window to reload.
+#include "app/MonthGridWnd.h"
+#include "app/SplitDayList.h"
+#include "app/StatusBar.h"
+#include "app/ViewRouter.h"
+#include "ui/DialogWnd.h"
+#include "ui/MenuBar.h"
+
+#include <functional>
+#include <string>
+
+namespace mirodate {
+
+class MainWnd : public DialogWnd {
+public:
+    // Timer of the deferred reload while a synchroniser runs, and its delay.
+    static constexpr UINT_PTR kSyncReloadTimer = 44;
+    static constexpr UINT kSyncReloadDelay = 2000;
+    // Looks for the end of a synchronisation while one was seen running.
+    static constexpr UINT_PTR kSyncWatchTimer = 45;
+    static constexpr UINT kSyncWatchPeriod = 1000;
+    // Share of the space between the bars that the grid takes in the split view.
+    static constexpr int kSplitGridPercent = 58;
+
+    // Menu commands (deferred through the context menus).
+    static constexpr UINT kCmdToday = 1;
+    static constexpr UINT kCmdToggleSplit = 2;
+    static constexpr UINT kCmdExit = 3;
+    static constexpr UINT kCmdMonthBase = 100;   // + month 1..12
+    static constexpr UINT kCmdYearBase = 10000;  // + year
+    // Years the year picker offers on each side of the shown one.
+    static constexpr int kYearPickerSpan = 5;
+
+    MainWnd();
+    ~MainWnd() override;
+
+    // Loads skin and language, creates the full-screen window with its
+    // children and runs the command text. Null on failure.
+    HWND Create(const std::u16string& commandLine);
+
+    // Acts on a command text; returns the window brought to the front.
+    HWND ProcessCommand(const std::u16string& text);
+    // Called with every command text before it is acted on.
+    void SetCommandObserver(std::function<void(const std::u16string&)> observer) {
+        commandObserver_ = std::move(observer);
+    }
+
+    // Refreshes the status bar; with `reload`, reloads the shown month and
+    // moves the split list to the grid's date. Year or month below 1: every
+    // window is told to reload.
+    void Refresh(bool reload, int year, int month);
+    void SetSplitView(bool on);
+    bool IsSplitView() const { return splitView_; }
+    void Relabel();
+    // The month view on a date (and the split list under it).
+    void ShowDate(const DateTime& date);
+
+    MonthGridWnd& Grid() { return grid_; }
+    SplitDayList& DayList() { return dayList_; }
+    StatusBar& Status() { return statusBar_; }
+    MenuBar& Menu() { return menuBar_; }
+    ViewRouter& Router() { return router_; }
+
+    void OnClose() override;
+    void OnCommand(UINT id, UINT code, HWND control) override;
+    LRESULT OnNotify(UINT_PTR id, NMHDR* header) override;
+    void OnTimer(UINT_PTR id) override;
+    void OnSize(UINT sizeParam, UINT type) override;
+    void OnDeferredCommand(UINT id) override;
+    void OnScreenReset() override;
+    LRESULT WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override;
+
+private:
+    void Layout();
+    void OnStoreNotification(UINT message, WPARAM wParam, LPARAM lParam);
+    void ReloadAfterSync();
+    bool IsSynchronizing();
+    void OpenMainMenu();
+    void OpenMonthPicker();
+    void OpenYearPicker();
+    void MinimizeFromTopBar();
+    DateTime SelectedDate() const;
+
+    StatusBar statusBar_;
+    MonthGridWnd grid_;
+    SplitDayList dayList_;
+    MenuBar menuBar_;
+    ViewRouter router_;
+    bool splitView_;
+    bool built_ = false;
+    bool syncSeen_ = false;
+    UINT minimizedBroadcast_ = 0;
+    UINT dataChangedBroadcast_ = 0;
+    std::function<void(const std::u16string&)> commandObserver_;
+};
+
+} // namespace mirodate
