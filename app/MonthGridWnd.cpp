@@ -116,6 +116,10 @@ LRESULT MonthGridWnd::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM 
         }
         return 0;
     }
+    // A quick second tap (a double click to the window system) is a tap of its own.
+    if (message == WM_LBUTTONDBLCLK)
+        return OnPointerDown(0, static_cast<short>(lParam & 0xFFFF), static_cast<short>((lParam >> 16) & 0xFFFF),
+                             wParam);
     return BaseWnd::WindowProc(hwnd, message, wParam, lParam);
 }
 
