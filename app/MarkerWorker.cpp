@@ -36,8 +36,8 @@ MarkerWorker::~MarkerWorker() {
 int MarkerWorker::RunningJobs() { return g_runningJobs; }
 
 void MarkerWorker::Compute(MarkerJob& job) {
+    // Each store call takes the store's locks itself, in the store's order.
     PimStore& store = PimStore::Instance();
-    std::lock_guard lock(store.StoreLock());
     // Every month the cells touch, filled first so that the day look-ups hit the cache.
     std::set<std::pair<int, int>> months;
     for (const MonthCell& cell : job.cells) months.insert({cell.year, cell.month});
