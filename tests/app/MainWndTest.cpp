@@ -263,7 +263,8 @@ TEST_F(MainWndTest, CommandsMoveTheMonthView) {
     EXPECT_EQ(main_->DayList().Items().size(), 0u);
     // An item's command shows its day.
     const std::int32_t oid = AddAppointment(2024, 7, 4, u"Fireworks");
-    main_->ProcessCommand(u"oid " + std::u16string(std::to_string(oid).begin(), std::to_string(oid).end()));
+    const std::string number = std::to_string(oid);
+    main_->ProcessCommand(u"oid " + std::u16string(number.begin(), number.end()));
     EXPECT_EQ(Model().Month(), 7);
     EXPECT_EQ(Model().SelectedDay(), 4);
     WaitForMarkers();
