@@ -76,8 +76,10 @@ std::unique_ptr<SdlDisplay> SdlDisplay::Open(const std::string& title, int width
         error = std::string("cannot create the window: ") + SDL_GetError();
         return nullptr;
     }
-    display->renderer_ = SDL_CreateRenderer(display->window_, -1, 0);
-    if (!display->renderer_) display->renderer_ = SDL_CreateRenderer(display->window_, -1, SDL_RENDERER_SOFTWARE);
+    // The frame is drawn in memory already; the software renderer only copies
+    // it, without starting a GL driver for that.
+    display->renderer_ = SDL_CreateRenderer(display->window_, -1, SDL_RENDERER_SOFTWARE);
+    if (!display->renderer_) display->renderer_ = SDL_CreateRenderer(display->window_, -1, 0);
     if (!display->renderer_) {
         error = std::string("cannot create a renderer: ") + SDL_GetError();
         return nullptr;

@@ -1166,7 +1166,9 @@ void WindowManager::WaitForWork() {
         idleHook_(next);
         return;
     }
-    if (Clock::Current().IsVirtual()) {
+    // Headless on the virtual clock nothing can happen until time moves, so
+    // it jumps to the next timer. A real screen waits for its user.
+    if (Clock::Current().IsVirtual() && display_.IsHeadless()) {
         if (next) {
             Clock::Current().Advance(*next);
         } else {
