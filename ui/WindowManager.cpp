@@ -6,6 +6,7 @@
 #include "platform/VirtualKeys.h"
 #include "ui/Dc.h"
 #include "ui/Messages.h"
+#include "ui/PushButtonControl.h"
 #include "ui/Scale.h"
 #include "ui/WindowClasses.h"
 
@@ -19,7 +20,6 @@ namespace {
 WindowManager* g_current = nullptr;
 
 constexpr const char* kDialogClass = "#32770";
-constexpr const char* kButtonClass = "BUTTON";
 // The shortest timer period; shorter requests would spin the loop.
 constexpr UINT kMinimumTimerPeriod = 10;
 // Double clicks: the second press within this time and distance.
@@ -27,9 +27,6 @@ constexpr std::uint32_t kDoubleClickTime = 500;
 constexpr int kDoubleClickDistance = 4;
 // With a stop check installed, waits are cut into slices of this length.
 constexpr int kStopPollMs = 100;
-// Button states kept in a button control's user word.
-constexpr LONG_PTR kButtonPressed = 0x1;
-constexpr LONG_PTR kButtonTracking = 0x2;
 
 std::uintptr_t Key(HWND window) { return reinterpret_cast<std::uintptr_t>(window); }
 
@@ -76,7 +73,6 @@ struct WindowManager::Window {
     Bitmap surface;
     std::vector<std::unique_ptr<Dc>> paintDcs;
     bool destroying = false;
-    LONG_PTR controlState = 0;
 };
 
 WindowManager::WindowManager(Display& display)
@@ -89,8 +85,8 @@ WindowManager::WindowManager(Display& display)
     dialog.lpszClassName = kDialogClass;
     RegisterClass(dialog);
     WNDCLASS button;
-    button.lpfnWndProc = &WindowManager::ButtonWindowProc;
-    button.lpszClassName = kButtonClass;
+    button.lpfnWndProc = &PushButtonControl::WindowProc;
+    button.lpszClassName = PushButtonControl::kClassName;
     RegisterClass(button);
     frame_ = Bitmap(display.Width(), display.Height());
 }
@@ -1220,107 +1216,6 @@ bool WindowManager::RunFor(std::uint32_t milliseconds) {
             Clock::Current().Advance(step);
         else
             WaitOnDisplay(static_cast<int>(step));
-    }
-}
-
-// ---- the push button control ---------------------------------------------
-
-LRESULT WindowManager::ButtonWindowProc(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {
-    WindowManager& wm = Current();
-    Window* window = wm.Get(handle);
-    if (!window) return 0;
-    auto redraw = [&] {
-        wm.InvalidateRect(handle, nullptr, false);
-        wm.UpdateWindow(handle);
-    };
-    auto pressedAt = [&](LPARAM point) {
-        RECT client;
-        wm.GetClientRect(handle, &client);
-        return client.Contains(GET_X_LPARAM(point), GET_Y_LPARAM(point));
-    };
-    switch (message) {
-    case WM_PAINT: {
-        PAINTSTRUCT paint;
-        HDC dc = wm.BeginPaint(handle, &paint);
-        RECT client;
-        wm.GetClientRect(handle, &client);
-        UINT state = 0;
-        if (window->controlState & kButtonPressed) state |= ODS_SELECTED;
-        if (wm.focus_ == handle) state |= ODS_FOCUS;
-        if (window->style & WS_DISABLED) state |= ODS_DISABLED;
-        if ((window->style & 0xF) == BS_OWNERDRAW) {
-            DRAWITEMSTRUCT item;
-            item.CtlType = ODT_BUTTON;
-            item.CtlID = static_cast<UINT>(window->id);
-            item.itemAction = ODA_DRAWENTIRE;
-            item.itemState = state;
-            item.hwndItem = handle;
-            item.hDC = dc;
-            item.rcItem = client;
-            wm.SendMessage(window->parent, WM_DRAWITEM, window->id, reinterpret_cast<LPARAM>(&item));
-        } else {
-            wm.SendMessage(window->parent, WM_CTLCOLORBTN, reinterpret_cast<WPARAM>(dc),
-                           reinterpret_cast<LPARAM>(handle));
-            const bool pressed = state & ODS_SELECTED;
-            dc->FillRect(client, pressed ? RGB(160, 160, 160) : RGB(212, 208, 200));
-            dc->FrameRect(client, RGB(64, 64, 64));
-            dc->SetBkMode(TRANSPARENT);
-            dc->SetTextColor((state & ODS_DISABLED) ? RGB(128, 128, 128) : RGB(0, 0, 0));
-            RECT text = client;
-            dc->DrawText(wm.GetWindowText(handle), text, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
-        }
-        wm.EndPaint(handle, &paint);
-        return 0;
-    }
-    case WM_LBUTTONDOWN:
-    case WM_LBUTTONDBLCLK:
-        window->controlState |= kButtonPressed | kButtonTracking;
-        wm.SetCapture(handle);
-        wm.SetFocus(handle);
-        redraw();
-        return 0;
-    case WM_MOUSEMOVE:
-        if (window->controlState & kButtonTracking) {
-            const LONG_PTR before = window->controlState;
-            if (pressedAt(lParam))
-                window->controlState |= kButtonPressed;
-            else
-                window->controlState &= ~kButtonPressed;
-            if (before != window->controlState) redraw();
-        }
-        return 0;
-    case WM_LBUTTONUP: {
-        if (!(window->controlState & kButtonTracking)) return 0;
-        const bool click = pressedAt(lParam);
-        window->controlState &= ~(kButtonPressed | kButtonTracking);
-        wm.ReleaseCapture();
-        redraw();
-        if (click && wm.IsWindow(handle)) {
-            Window* w = wm.Get(handle);
-            wm.SendMessage(w->parent, WM_COMMAND, MAKEWPARAM(static_cast<int>(w->id), BN_CLICKED),
-                           reinterpret_cast<LPARAM>(handle));
-        }
-        return 0;
-    }
-    case WM_CAPTURECHANGED:
-        if (window->controlState & kButtonTracking) {
-            window->controlState &= ~(kButtonPressed | kButtonTracking);
-            redraw();
-        }
-        return 0;
-    case WM_SETFOCUS:
-    case WM_KILLFOCUS:
-    case WM_ENABLE: redraw(); return 0;
-    case BM_SETSTATE:
-        if (wParam)
-            window->controlState |= kButtonPressed;
-        else
-            window->controlState &= ~kButtonPressed;
-        redraw();
-        return 0;
-    case BM_GETSTATE:
-        return ((window->controlState & kButtonPressed) ? BST_PUSHED : 0) | (wm.focus_ == handle ? BST_FOCUS : 0);
-    default: return wm.DefWindowProc(handle, message, wParam, lParam);
     }
 }
 

@@ -195,7 +195,6 @@ private:
     bool OnUiThread() const { return std::this_thread::get_id() == uiThread_; }
 
     static LRESULT DialogWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-    static LRESULT ButtonWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
     Display& display_;
     std::thread::id uiThread_;
