@@ -39,11 +39,6 @@ StatusBar::~StatusBar() = default;
 
 HWND StatusBar::Create(HWND parent, int x, int y, int width, int height) {
     colors_ = StatusBarColors::FromSkin();
-    LOGFONT logFont;
-    DefaultFont(logFont);
-    logFont.lfHeight = -std::max(static_cast<int>(height * kTextShare), 6);
-    logFont.lfWeight = FW_BOLD;
-    font_ = std::make_unique<Font>(logFont);
     if (!BaseWnd::Create(parent, kStatusBarClass, WS_CHILD | WS_VISIBLE, u"", x, y, width, height)) return nullptr;
     Refresh();
     SetTimer(window, kRefreshTimer, kRefreshPeriod);
@@ -87,9 +82,22 @@ void StatusBar::DrawMeter(HDC dc, RECT box, int level, COLORREF color, bool batt
     dc->FillRect(fill, color);
 }
 
+void StatusBar::UpdateFont(int barHeight) {
+    // The bar is created before the page knows its height, and a rotation
+    // changes it: the font follows the bar, made anew only when it changes.
+    if (font_ && fontBarHeight_ == barHeight) return;
+    LOGFONT logFont;
+    DefaultFont(logFont);
+    logFont.lfHeight = -std::max(static_cast<int>(barHeight * kTextShare), 6);
+    logFont.lfWeight = FW_BOLD;
+    font_ = std::make_unique<Font>(logFont);
+    fontBarHeight_ = barHeight;
+}
+
 void StatusBar::OnPaint(HDC dc) {
     RECT client;
     GetClientRect(window, &client);
+    UpdateFont(client.bottom - client.top);
     if (colors_.gradient) dc->GradientFillVertical(client, colors_.background, *colors_.gradient);
     else dc->FillRect(client, colors_.background);
 

@@ -60,7 +60,10 @@ private:
     bool Inside(int x, int y) const;
 
     StatusBarColors colors_;
+    void UpdateFont(int barHeight);
+
     std::unique_ptr<Font> font_;
+    int fontBarHeight_ = 0;
     bool pressedInside_ = false;
 };
 
