@@ -166,94 +166,69 @@ LRESULT BaseWnd::OnKillFocus(HWND next) {
     return DefWindowProc(window, WM_KILLFOCUS, reinterpret_cast<WPARAM>(next), 0);
 }
 
-LRESULT BaseWnd::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+bool BaseWnd::DispatchCommon(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
+    result = 0;
     switch (message) {
-    case WM_CREATE: return OnCreate(wParam, reinterpret_cast<CREATESTRUCT*>(lParam));
     case WM_PAINT: {
         PAINTSTRUCT paint;
         HDC dc = BeginPaint(hwnd, &paint);
         OnPaint(dc);
         EndPaint(hwnd, &paint);
         OnAfterPaint();
-        return 0;
+        return true;
     }
-    case WM_ERASEBKGND: return OnEraseBackground(reinterpret_cast<HDC>(wParam));
-    case WM_CLOSE: OnClose(); return 0;
-    case WM_DESTROY: OnDestroy(); return 0;
-    case WM_LBUTTONDBLCLK: OnDoubleTap(0); return 0;
-    case WM_RBUTTONDBLCLK: OnDoubleTap(1); return 0;
-    case WM_MBUTTONDBLCLK: OnDoubleTap(2); return 0;
-    case WM_LBUTTONUP: return OnPointerUp(0, PointerX(lParam), PointerY(lParam), wParam);
-    case WM_RBUTTONUP: return OnPointerUp(1, PointerX(lParam), PointerY(lParam), wParam);
-    case WM_MBUTTONUP: return OnPointerUp(2, PointerX(lParam), PointerY(lParam), wParam);
-    case WM_LBUTTONDOWN: return OnPointerDown(0, PointerX(lParam), PointerY(lParam), wParam);
-    case WM_RBUTTONDOWN: return OnPointerDown(1, PointerX(lParam), PointerY(lParam), wParam);
-    case WM_MBUTTONDOWN: return OnPointerDown(2, PointerX(lParam), PointerY(lParam), wParam);
-    case WM_MOUSEMOVE: OnPointerMove(PointerX(lParam), PointerY(lParam), wParam); return 0;
+    case WM_ERASEBKGND: result = OnEraseBackground(reinterpret_cast<HDC>(wParam)); return true;
+    case WM_CLOSE: OnClose(); return true;
+    case WM_DESTROY: OnDestroy(); return true;
+    case WM_LBUTTONDBLCLK: OnDoubleTap(0); return true;
+    case WM_RBUTTONDBLCLK: OnDoubleTap(1); return true;
+    case WM_MBUTTONDBLCLK: OnDoubleTap(2); return true;
+    case WM_LBUTTONUP: result = OnPointerUp(0, PointerX(lParam), PointerY(lParam), wParam); return true;
+    case WM_RBUTTONUP: result = OnPointerUp(1, PointerX(lParam), PointerY(lParam), wParam); return true;
+    case WM_MBUTTONUP: result = OnPointerUp(2, PointerX(lParam), PointerY(lParam), wParam); return true;
+    case WM_LBUTTONDOWN: result = OnPointerDown(0, PointerX(lParam), PointerY(lParam), wParam); return true;
+    case WM_RBUTTONDOWN: result = OnPointerDown(1, PointerX(lParam), PointerY(lParam), wParam); return true;
+    case WM_MBUTTONDOWN: result = OnPointerDown(2, PointerX(lParam), PointerY(lParam), wParam); return true;
+    case WM_MOUSEMOVE: OnPointerMove(PointerX(lParam), PointerY(lParam), wParam); return true;
     case WM_MOUSEWHEEL:
         OnMouseWheel(LOWORD(wParam), static_cast<short>(HIWORD(wParam)), PointerX(lParam), PointerY(lParam));
-        return 0;
-    case WM_CAPTURECHANGED: OnCaptureChanged(reinterpret_cast<HWND>(lParam)); return 0;
-    case WM_KEYUP: OnKeyUp(static_cast<UINT>(wParam), static_cast<UINT>(lParam)); return 0;
-    case WM_KEYDOWN: OnKeyDown(static_cast<UINT>(wParam), static_cast<UINT>(lParam)); return 0;
-    case WM_HOTKEY: OnHotKey(static_cast<int>(wParam), static_cast<UINT>(lParam)); return 0;
-    case WM_CHAR: OnChar(static_cast<char16_t>(wParam & 0xFFFF), static_cast<UINT>(lParam)); return 0;
-    case WM_SHOWWINDOW: OnShowWindow(static_cast<BOOL>(wParam)); return 0;
-    case WM_COMMAND: OnCommand(LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam)); return 0;
-    case WM_SYSCOMMAND: OnSysCommand(static_cast<UINT>(wParam), PointerX(lParam), PointerY(lParam)); return 0;
-    case WM_NOTIFY: return OnNotify(wParam, reinterpret_cast<NMHDR*>(lParam));
-    case WM_TIMER: OnTimer(wParam); return 0;
-    case WM_SIZE: OnSize(static_cast<UINT>(lParam), static_cast<UINT>(wParam)); return 0;
-    case WM_WINDOWPOSCHANGED: return OnWindowPosChanged(reinterpret_cast<WINDOWPOS*>(lParam));
+        return true;
+    case WM_KEYUP: OnKeyUp(static_cast<UINT>(wParam), static_cast<UINT>(lParam)); return true;
+    case WM_KEYDOWN: OnKeyDown(static_cast<UINT>(wParam), static_cast<UINT>(lParam)); return true;
+    case WM_HOTKEY: OnHotKey(static_cast<int>(wParam), static_cast<UINT>(lParam)); return true;
+    case WM_CHAR: OnChar(static_cast<char16_t>(wParam & 0xFFFF), static_cast<UINT>(lParam)); return true;
+    case WM_SHOWWINDOW: OnShowWindow(static_cast<BOOL>(wParam)); return true;
+    case WM_COMMAND: OnCommand(LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam)); return true;
+    case WM_SYSCOMMAND: OnSysCommand(static_cast<UINT>(wParam), PointerX(lParam), PointerY(lParam)); return true;
+    case WM_NOTIFY: result = OnNotify(wParam, reinterpret_cast<NMHDR*>(lParam)); return true;
+    case WM_TIMER: OnTimer(wParam); return true;
+    case WM_SIZE: OnSize(static_cast<UINT>(lParam), static_cast<UINT>(wParam)); return true;
+    case WM_WINDOWPOSCHANGED: result = OnWindowPosChanged(reinterpret_cast<WINDOWPOS*>(lParam)); return true;
     case WM_ACTIVATE:
-        return OnActivate(LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam));
+        result = OnActivate(LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam));
+        return true;
+    default: return false;
+    }
+}
+
+LRESULT BaseWnd::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    LRESULT result = 0;
+    if (DispatchCommon(hwnd, message, wParam, lParam, result)) return result;
+    switch (message) {
+    case WM_CREATE: return OnCreate(wParam, reinterpret_cast<CREATESTRUCT*>(lParam));
+    case WM_CAPTURECHANGED: OnCaptureChanged(reinterpret_cast<HWND>(lParam)); return 0;
     default: return DefWindowProc(hwnd, message, wParam, lParam);
     }
 }
 
 INT_PTR BaseWnd::DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    LRESULT result = 0;
+    if (DispatchCommon(hwnd, message, wParam, lParam, result)) return result;
     switch (message) {
-    case WM_PAINT: {
-        PAINTSTRUCT paint;
-        HDC dc = BeginPaint(hwnd, &paint);
-        OnPaint(dc);
-        EndPaint(hwnd, &paint);
-        OnAfterPaint();
-        return 0;
-    }
     case WM_DRAWITEM: return OnDrawItem(static_cast<UINT>(wParam), reinterpret_cast<DRAWITEMSTRUCT*>(lParam));
-    case WM_ERASEBKGND: return OnEraseBackground(reinterpret_cast<HDC>(wParam));
     case WM_CTLCOLORBTN:
         return OnControlColorButton(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
-    case WM_CLOSE: OnClose(); return 0;
-    case WM_DESTROY: OnDestroy(); return 0;
-    case WM_LBUTTONDBLCLK: OnDoubleTap(0); return 0;
-    case WM_RBUTTONDBLCLK: OnDoubleTap(1); return 0;
-    case WM_MBUTTONDBLCLK: OnDoubleTap(2); return 0;
-    case WM_LBUTTONUP: return OnPointerUp(0, PointerX(lParam), PointerY(lParam), wParam);
-    case WM_RBUTTONUP: return OnPointerUp(1, PointerX(lParam), PointerY(lParam), wParam);
-    case WM_MBUTTONUP: return OnPointerUp(2, PointerX(lParam), PointerY(lParam), wParam);
-    case WM_LBUTTONDOWN: return OnPointerDown(0, PointerX(lParam), PointerY(lParam), wParam);
-    case WM_RBUTTONDOWN: return OnPointerDown(1, PointerX(lParam), PointerY(lParam), wParam);
-    case WM_MBUTTONDOWN: return OnPointerDown(2, PointerX(lParam), PointerY(lParam), wParam);
-    case WM_MOUSEMOVE: OnPointerMove(PointerX(lParam), PointerY(lParam), wParam); return 0;
-    case WM_MOUSEWHEEL:
-        OnMouseWheel(LOWORD(wParam), static_cast<short>(HIWORD(wParam)), PointerX(lParam), PointerY(lParam));
-        return 0;
-    case WM_KEYUP: OnKeyUp(static_cast<UINT>(wParam), static_cast<UINT>(lParam)); return 0;
-    case WM_KEYDOWN: OnKeyDown(static_cast<UINT>(wParam), static_cast<UINT>(lParam)); return 0;
-    case WM_HOTKEY: OnHotKey(static_cast<int>(wParam), static_cast<UINT>(lParam)); return 0;
-    case WM_CHAR: OnChar(static_cast<char16_t>(wParam & 0xFFFF), static_cast<UINT>(lParam)); return 0;
     case WM_INITDIALOG: return OnInitDialog();
-    case WM_SHOWWINDOW: OnShowWindow(static_cast<BOOL>(wParam)); return 0;
-    case WM_COMMAND: OnCommand(LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam)); return 0;
-    case WM_SYSCOMMAND: OnSysCommand(static_cast<UINT>(wParam), PointerX(lParam), PointerY(lParam)); return 0;
-    case WM_NOTIFY: return OnNotify(wParam, reinterpret_cast<NMHDR*>(lParam));
-    case WM_TIMER: OnTimer(wParam); return 0;
-    case WM_SIZE: OnSize(static_cast<UINT>(lParam), static_cast<UINT>(wParam)); return 0;
-    case WM_WINDOWPOSCHANGED: return OnWindowPosChanged(reinterpret_cast<WINDOWPOS*>(lParam));
-    case WM_ACTIVATE:
-        return OnActivate(LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HWND>(lParam));
     case WM_SETFOCUS: return OnSetFocus(reinterpret_cast<HWND>(wParam));
     case WM_KILLFOCUS: return OnKillFocus(reinterpret_cast<HWND>(wParam));
     default: return 0;

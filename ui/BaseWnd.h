@@ -54,6 +54,9 @@ public:
     virtual LRESULT OnKillFocus(HWND next);
     virtual LRESULT WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
     virtual INT_PTR DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+    // The messages both dispatches map to the same operation; false for the
+    // rest, which each dispatch handles (or defaults) in its own way.
+    bool DispatchCommon(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
     // Moves and repaints; does not remember the placement.
     virtual void MoveTo(const RECT& rect);
     // Moves and repaints, and remembers the placement.
