@@ -63,28 +63,13 @@ Application::Application(ProgramOptions options) : options_(std::move(options)) 
 Application::~Application() = default;
 
 std::string Application::CommandPayload(const std::u16string& text) {
-    std::string bytes;
-    bytes.reserve((text.size() + 1) * 2);
-    for (char16_t unit : text) {
-        bytes.push_back(static_cast<char>(unit & 0xFF));
-        bytes.push_back(static_cast<char>(unit >> 8));
-    }
-    bytes.append(2, '\0');
-    return bytes;
+    return EncodeUtf16Le(text) + std::string(2, '\0');
 }
 
 std::u16string Application::CommandFromPayload(const std::string& bytes) {
-    std::u16string text;
-    for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
-        char16_t unit = static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) |
-                                              (static_cast<unsigned char>(bytes[i + 1]) << 8));
-        if (unit == 0) break;
-        text.push_back(unit);
-    }
-    // An odd trailing byte pairs with the zero fill.
-    if (bytes.size() % 2 == 1 && text.size() * 2 == bytes.size() - 1 && bytes.back() != 0)
-        text.push_back(static_cast<char16_t>(static_cast<unsigned char>(bytes.back())));
-    return text;
+    // cbData bytes in a zero-filled buffer: an odd last byte pairs with a zero.
+    std::u16string text = DecodeUtf16Le(bytes + std::string(bytes.size() % 2, '\0'));
+    return text.substr(0, text.find(u'\0'));
 }
 
 Application::HandOverResult Application::HandOver(const std::string& socketPath,

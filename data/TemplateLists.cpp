@@ -2,6 +2,7 @@
 
 #include "platform/Log.h"
 #include "platform/Paths.h"
+#include "platform/TextUtil.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -30,25 +31,11 @@ using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
 
 // The text after the mark, up to the first zero character.
 std::u16string DecodeAfterMark(const std::string& bytes) {
-    std::u16string text;
-    text.reserve(bytes.size() / 2);
-    for (size_t i = kMarkSize; i + 1 < bytes.size(); i += 2) {
-        char16_t unit = static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) |
-                                              (static_cast<unsigned char>(bytes[i + 1]) << 8));
-        if (unit == 0) break;
-        text.push_back(unit);
-    }
-    return text;
+    std::u16string text = DecodeUtf16Le(std::string_view(bytes).substr(kMarkSize));
+    return text.substr(0, text.find(u'\0'));
 }
 
-std::string EncodeWithMark(const std::u16string& text) {
-    std::string bytes("\xFF\xFE", kMarkSize);
-    for (char16_t unit : text) {
-        bytes.push_back(static_cast<char>(unit & 0xFF));
-        bytes.push_back(static_cast<char>(unit >> 8));
-    }
-    return bytes;
-}
+std::string EncodeWithMark(const std::u16string& text) { return std::string("\xFF\xFE", kMarkSize) + EncodeUtf16Le(text); }
 
 bool ReadListFile(const std::string& path, std::string& bytes) {
     std::ifstream in(path, std::ios::binary | std::ios::ate);

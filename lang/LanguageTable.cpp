@@ -14,15 +14,7 @@ LanguageTable& LanguageTable::Instance() {
     return table;
 }
 
-void LanguageTable::SetBytes(std::string_view bytes) {
-    text_.clear();
-    text_.resize(bytes.size() / 2);
-    for (size_t i = 0; i < text_.size(); ++i) {
-        auto low = static_cast<unsigned char>(bytes[2 * i]);
-        auto high = static_cast<unsigned char>(bytes[2 * i + 1]);
-        text_[i] = static_cast<char16_t>(low | (high << 8));
-    }
-}
+void LanguageTable::SetBytes(std::string_view bytes) { text_ = DecodeUtf16Le(bytes); }
 
 bool LanguageTable::Load(const std::string& path) {
     text_.clear();

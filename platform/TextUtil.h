@@ -10,6 +10,12 @@ namespace mirodate {
 std::u16string Utf8ToUtf16(std::string_view utf8);
 std::string Utf16ToUtf8(std::u16string_view utf16);
 
+// UTF-16 little-endian bytes, the form of our language files, list files and
+// the command text handed between instances. Decoding pairs the bytes from
+// the start; an odd last byte is dropped.
+std::string EncodeUtf16Le(std::u16string_view text);
+std::u16string DecodeUtf16Le(std::string_view bytes);
+
 // Lower-cases with the root locale's simple case mapping (length preserving).
 std::u16string ToLower(std::u16string_view text);
 std::string ToLowerAscii(std::string_view text);

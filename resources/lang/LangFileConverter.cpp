@@ -71,12 +71,8 @@ int main(int argc, char** argv) {
         return 1;
     }
 
-    std::string bytes(reinterpret_cast<const char*>(kUtf16LeBom), sizeof kUtf16LeBom);
-    bytes.reserve(2 + wide.size() * 2);
-    for (char16_t unit : wide) {
-        bytes.push_back(static_cast<char>(unit & 0xFF));
-        bytes.push_back(static_cast<char>(unit >> 8));
-    }
+    const std::string bytes =
+        std::string(reinterpret_cast<const char*>(kUtf16LeBom), sizeof kUtf16LeBom) + mirodate::EncodeUtf16Le(wide);
 
     // Write beside the target and rename, so that a failed run never leaves a
     // half-written file that looks up to date.
