@@ -180,6 +180,15 @@ int Application::Start() {
     uiOptions.height = options_.height;
     uiOptions.headless = options_.headless;
     uiOptions.virtualClock = options_.virtualClock;
+    if (options_.nowGiven) {
+        uiOptions.startTime.wYear = static_cast<WORD>(options_.nowYear);
+        uiOptions.startTime.wMonth = static_cast<WORD>(options_.nowMonth);
+        uiOptions.startTime.wDay = static_cast<WORD>(options_.nowDay);
+        uiOptions.startTime.wHour = static_cast<WORD>(options_.nowHour);
+        uiOptions.startTime.wMinute = static_cast<WORD>(options_.nowMinute);
+        uiOptions.startTime.wDayOfWeek = static_cast<WORD>(
+            DateTime(options_.nowYear, options_.nowMonth, options_.nowDay).GetDayOfWeek());
+    }
     uiOptions.scriptPath = options_.scriptPath;
     uiOptions.screenshotPath = options_.screenshotPath;
     uiOptions.createMainWindow = [this]() -> std::unique_ptr<BaseWnd> {

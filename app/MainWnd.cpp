@@ -18,6 +18,9 @@
 #include "ui/Shell.h"
 #include "ui/WinApi.h"
 #include "ui/WindowClasses.h"
+#include "views/ItemCommands.h"
+#include "views/PlatformHandoff.h"
+#include "views/ViewPage.h"
 
 #include <cstring>
 
@@ -43,7 +46,7 @@ std::u16string TextOfCopyData(const COPYDATASTRUCT& data) {
 } // namespace
 
 MainWnd::MainWnd()
-    : router_([this](const DateTime& date) { ShowDate(date); }), splitView_(Settings::GetSplitMonthView()) {}
+    : router_(*this, [this](const DateTime& date) { ShowDate(date); }), splitView_(Settings::GetSplitMonthView()) {}
 
 MainWnd::~MainWnd() = default;
 
@@ -65,7 +68,9 @@ HWND MainWnd::Create(const std::u16string& commandLine) {
     if (!statusBar_.Create(window, 0, 0, width, 1) || !grid_.Create(window, 0, 0, width, 1) ||
         !dayList_.Create(window, 0, 0, width, 1))
         return nullptr;
-    dayList_.SetChooseCallback([this](const PimItem& item) { router_.OpenItemDetail(item.oid, item.IsTask()); });
+    dayList_.SetCallbacks(
+        [this](const PimItem& item, double day, bool inCheckZone) { OnDayListTap(item, day, inCheckZone); },
+        [this](const PimItem& item, double day) { OnDayListHold(item, day); });
     const std::vector<MenuBarEntry> entries = {{"Menu", MenuBarIcon::Menu},
                                                {"Filter", MenuBarIcon::Filter},
                                                {"Tasks", MenuBarIcon::Tasks},
@@ -133,7 +138,10 @@ void MainWnd::SetSplitView(bool on) {
     Settings::SetBool("SplitMonthView", on);
 }
 
-void MainWnd::Relabel() { menuBar_.Relabel(); }
+void MainWnd::Relabel() {
+    menuBar_.Relabel();
+    router_.Relabel();
+}
 
 void MainWnd::Refresh(bool reload, int year, int month) {
     statusBar_.Refresh();
@@ -227,6 +235,7 @@ LRESULT MainWnd::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPara
 }
 
 void MainWnd::OnClose() {
+    router_.CloseAll();
     DestroyWindow(window);
     PostQuitMessage(0);
 }
@@ -256,10 +265,12 @@ void MainWnd::OnCommand(UINT, UINT, HWND control) {
     const DateTime date = SelectedDate();
     switch (menuBar_.IndexOf(control)) {
     case 0: OpenMainMenu(); break;
-    case 1: router_.OpenFilter(); break;
+    case 1:
+        if (router_.OpenFilter(window)) Refresh(true, 0, 0);
+        break;
     case 2: router_.OpenTasksView(date); break;
     case 3: router_.ShowWeekView(date); break;
-    case 4: router_.ShowAgendaView(date); break;
+    case 4: router_.ShowAgendaView(DateTime::Today()); break;
     default: break;
     }
 }
@@ -294,8 +305,63 @@ void MainWnd::OpenYearPicker() {
     menu->Open();
 }
 
+void MainWnd::OnDayListTap(const PimItem& item, double dayDate, bool inCheckZone) {
+    const DWORD now = GetTickCount();
+    if (tapSeen_ && now - lastTap_ < ViewPage::kTapGuard) return;
+    tapSeen_ = true;
+    lastTap_ = now;
+    selectedItem_ = item;
+    selectedDay_ = dayDate;
+    tappedInCheckZone_ = inCheckZone;
+    // Acted on once the list has let go of the pointer.
+    PostMessage(window, WM_DEFERRED_COMMAND, kCmdOpenTappedItem, 0);
+}
+
+void MainWnd::OnDayListHold(const PimItem& item, double dayDate) {
+    const DWORD now = GetTickCount();
+    if (tapSeen_ && now - lastTap_ < ViewPage::kTapGuard) return;
+    tapSeen_ = true;
+    lastTap_ = now;
+    if (item.oid <= 0 || item.kind == PimItem::kBirthday || item.kind == PimItem::kAnniversary) return;
+    selectedItem_ = item;
+    selectedDay_ = dayDate;
+    auto* menu = new ContextMenu(this, ItemCommands::ItemMenu()); // owns itself until chosen or closed
+    menu->Open();
+}
+
+void MainWnd::OpenTappedItem() {
+    if (!selectedItem_) return;
+    const PimItem item = *selectedItem_;
+    if (item.IsTask() && tappedInCheckZone_) {
+        if (ItemCommands::ToggleComplete(window, item) == ItemCommands::Outcome::Changed) AfterItemChange();
+    } else if (item.kind == PimItem::kBirthday || item.kind == PimItem::kAnniversary) {
+        PlatformHandoff::OpenContact(window, item);
+    } else if (item.oid != -1 && item.oid != -2) {
+        router_.OpenItemDetail(item.oid, item.IsTask(), DateTime(selectedDay_));
+    }
+}
+
+void MainWnd::AfterItemChange() {
+    statusBar_.Refresh();
+    grid_.RefreshMarkers(true);
+    grid_.Redraw(false);
+    dayList_.Refresh();
+    SendNotifyMessage(HWND_BROADCAST, dataChangedBroadcast_, 0, -1);
+}
+
 void MainWnd::OnDeferredCommand(UINT id) {
     const MonthGridModel& model = grid_.Model();
+    if (id == kCmdOpenTappedItem) {
+        OpenTappedItem();
+        return;
+    }
+    if (id <= kCmdMonthBase || (id > kCmdMonthBase + 12 && id < kCmdYearBase)) {
+        // The day list's pop-ups and the "New" menu: the commands every view runs.
+        const PimItem* item = selectedItem_ ? &*selectedItem_ : nullptr;
+        const DateTime day = selectedDay_ > 0 ? DateTime(selectedDay_) : SelectedDate();
+        if (ItemCommands::Run(window, id, item, day) == ItemCommands::Outcome::Changed) AfterItemChange();
+        return;
+    }
     if (id == kCmdToday) {
         ShowDate(DateTime::FromSystemTime(Clock::Current().GetLocalTime()));
     } else if (id == kCmdToggleSplit) {
@@ -364,7 +430,7 @@ HWND MainWnd::ProcessCommand(const std::u16string& text) {
     if (mode == CommandRequest::kCalendar) {
         if (request.noParam) Refresh(true, 0, 0);
         switch (view) {
-        case CommandRequest::kDetail: opened = router_.OpenItemDetail(oid, false); break;
+        case CommandRequest::kDetail: opened = router_.OpenItemDetail(oid, false, DateTime()); break;
         case CommandRequest::kDay: opened = router_.OpenDayView(target); break;
         case CommandRequest::kAgenda: opened = router_.ShowAgendaView(target); break;
         case CommandRequest::kMonth: router_.HideWeekAndAgenda(); break;
@@ -375,9 +441,9 @@ HWND MainWnd::ProcessCommand(const std::u16string& text) {
         return opened ? opened : window;
     }
     // Tasks.
-    if (view == CommandRequest::kDetail) opened = router_.OpenItemDetail(oid, true);
+    if (view == CommandRequest::kDetail) opened = router_.OpenItemDetail(oid, true, DateTime());
     else if (view == CommandRequest::kDay && router_.DayViewCount() == 0) opened = router_.OpenDayView(target);
-    if (request.newItem) return router_.NewTask(target);
+    if (request.newItem) return router_.NewTask(target, window);
     if (opened) return opened;
     if (router_.TasksViewCount() > 0) return nullptr;
     opened = router_.OpenTasksView(target);

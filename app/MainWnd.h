@@ -12,6 +12,7 @@
 #include "ui/MenuBar.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace mirodate {
@@ -28,9 +29,11 @@ public:
     static constexpr int kSplitGridPercent = 58;
 
     // Menu commands (deferred through the context menus).
-    static constexpr UINT kCmdToday = 1;
-    static constexpr UINT kCmdToggleSplit = 2;
-    static constexpr UINT kCmdExit = 3;
+    // (Numbers clear of the item commands the day list's pop-ups send.)
+    static constexpr UINT kCmdToday = 0x7E01;
+    static constexpr UINT kCmdToggleSplit = 0x7E02;
+    static constexpr UINT kCmdExit = 0x7E03;
+    static constexpr UINT kCmdOpenTappedItem = 0x7E04;
     static constexpr UINT kCmdMonthBase = 100;   // + month 1..12
     static constexpr UINT kCmdYearBase = 10000;  // + year
     // Years the year picker offers on each side of the shown one.
@@ -84,6 +87,11 @@ private:
     void OpenMonthPicker();
     void OpenYearPicker();
     void MinimizeFromTopBar();
+    void OnDayListTap(const PimItem& item, double dayDate, bool inCheckZone);
+    void OnDayListHold(const PimItem& item, double dayDate);
+    void OpenTappedItem();
+    // After the user changed an item here: markers, list and every view.
+    void AfterItemChange();
     DateTime SelectedDate() const;
 
     StatusBar statusBar_;
@@ -94,6 +102,12 @@ private:
     bool splitView_;
     bool built_ = false;
     bool syncSeen_ = false;
+    // The day list's last tapped or held item, and its guard.
+    std::optional<PimItem> selectedItem_;
+    double selectedDay_ = 0.0;
+    bool tappedInCheckZone_ = false;
+    DWORD lastTap_ = 0;
+    bool tapSeen_ = false;
     UINT minimizedBroadcast_ = 0;
     UINT dataChangedBroadcast_ = 0;
     std::function<void(const std::u16string&)> commandObserver_;

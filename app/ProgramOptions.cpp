@@ -1,5 +1,6 @@
 #include "app/ProgramOptions.h"
 
+#include "data/DateTime.h"
 #include "platform/TextUtil.h"
 
 #include <cstdio>
@@ -43,6 +44,19 @@ bool ProgramOptions::Parse(const std::vector<std::string>& args, ProgramOptions&
             options.headless = true;
         } else if (arg == "--virtual-clock") {
             options.virtualClock = true;
+        } else if (arg == "--now") {
+            if (!needValue(1)) return false;
+            int y = 0, mo = 0, d = 0, h = 0, mi = 0;
+            char tail = 0;
+            const std::string& value = args[++i];
+            const bool read = std::sscanf(value.c_str(), "%4d-%2d-%2dT%2d:%2d%c", &y, &mo, &d, &h, &mi, &tail) == 5;
+            if (!read || y < 1900 || y > 9999 || mo < 1 || mo > 12 || d < 1 || d > DaysInMonth(y, mo) || h < 0 ||
+                h > 23 || mi < 0 || mi > 59) {
+                error = "bad --now '" + value + "': expected YYYY-MM-DDTHH:MM";
+                return false;
+            }
+            options.nowGiven = true;
+            options.nowYear = y, options.nowMonth = mo, options.nowDay = d, options.nowHour = h, options.nowMinute = mi;
         } else if (arg == "--script") {
             if (!needValue(1)) return false;
             options.scriptPath = args[++i];
@@ -66,13 +80,18 @@ bool ProgramOptions::Parse(const std::vector<std::string>& args, ProgramOptions&
             return false;
         }
     }
+    if (options.nowGiven && !options.headless) {
+        error = "--now needs --headless (a real window keeps the real time)";
+        return false;
+    }
     options.commandLine = Utf8ToUtf16(commandLine);
     return true;
 }
 
 std::string ProgramOptions::Usage() {
-    return "usage: mirodate [--store DIR] [--size WxH] [--headless] [--virtual-clock] [--script FILE]\n"
-           "                [--screenshot PNG] [--demo] [--list FROM TO] [--verbose] [--socket PATH]\n"
+    return "usage: mirodate [--store DIR] [--size WxH] [--headless] [--virtual-clock]\n"
+           "                [--now YYYY-MM-DDTHH:MM] [--script FILE] [--screenshot PNG] [--demo]\n"
+           "                [--list FROM TO] [--verbose] [--socket PATH]\n"
            "                [command text, e.g. calendar -vd -d20091231]\n";
 }
 

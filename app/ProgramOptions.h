@@ -12,6 +12,8 @@ struct ProgramOptions {
     int height = 640;
     bool headless = false;      // --headless
     bool virtualClock = false;  // --virtual-clock
+    bool nowGiven = false;      // --now YYYY-MM-DDTHH:MM (headless only): the clock starts there
+    int nowYear = 0, nowMonth = 0, nowDay = 0, nowHour = 0, nowMinute = 0;
     std::string scriptPath;     // --script FILE
     std::string screenshotPath; // --screenshot PNG
     bool demo = false;          // --demo

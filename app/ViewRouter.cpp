@@ -1,9 +1,39 @@
 #include "app/ViewRouter.h"
 
 #include "data/PimStore.h"
+#include "forms/CategoryFilterDialog.h"
+#include "lang/LanguageTable.h"
 #include "platform/Log.h"
+#include "platform/Settings.h"
+#include "ui/MessagePage.h"
+#include "ui/RegisteredMessages.h"
+#include "ui/WinApi.h"
+#include "views/AgendaView.h"
+#include "views/DayView.h"
 
 namespace mirodate {
+
+ViewRouter::ViewRouter(DialogWnd& mainWindow, ShowInMonth showInMonth)
+    : main_(mainWindow), showInMonth_(std::move(showInMonth)) {
+    ViewNavigator::SetCurrent(this);
+}
+
+ViewRouter::~ViewRouter() {
+    CloseAll();
+    if (ViewNavigator::Current() == this) ViewNavigator::SetCurrent(nullptr);
+}
+
+void ViewRouter::CloseAll() {
+    day_.reset();
+    agenda_.reset();
+}
+
+void ViewRouter::Relabel() {
+    if (agenda_) agenda_->Relabel();
+    if (day_) day_->Relabel();
+}
+
+HWND ViewRouter::MainWindow() { return main_.GetHwnd(); }
 
 HWND ViewRouter::InMonth(const char* view, const DateTime& date) {
     Log::Info("%s view: shown in the month view on %04d-%02d-%02d", view, date.GetYear(), date.GetMonth(),
@@ -12,14 +42,61 @@ HWND ViewRouter::InMonth(const char* view, const DateTime& date) {
     return nullptr;
 }
 
-HWND ViewRouter::OpenDayView(const DateTime& date) { return InMonth("Day", date); }
+void ViewRouter::OnPageClosed(ViewPage& page) {
+    if (&page == day_.get()) {
+        // Deleted from the loop, where no caller of the page is on the stack.
+        main_.PostDeferredCommand(kCmdPageClosed, day_.release());
+    }
+    if (&page == agenda_.get()) Settings::SetNumber("LastViewMode", 0);
+    if (HWND main = main_.GetHwnd(); main && IsWindowVisible(main)) SetForegroundWindow(main);
+}
+
+HWND ViewRouter::OpenDayView(const DateTime& date) {
+    if (day_) {
+        day_->SetDate(date);
+        ShowWindow(day_->GetHwnd(), SW_SHOW);
+        SetForegroundWindow(day_->GetHwnd());
+        return day_->GetHwnd();
+    }
+    day_ = std::make_unique<DayView>(date);
+    day_->SetCloseHandler([this](ViewPage& page) { OnPageClosed(page); });
+    if (!day_->Open(main_.GetHwnd())) {
+        day_.reset();
+        return nullptr;
+    }
+    return day_->GetHwnd();
+}
+
 HWND ViewRouter::ShowWeekView(const DateTime& date) { return InMonth("Week", date); }
-HWND ViewRouter::ShowAgendaView(const DateTime& date) { return InMonth("Agenda", date); }
-void ViewRouter::HideWeekAndAgenda() {}
+
+HWND ViewRouter::ShowAgendaView(const DateTime& date) {
+    if (!agenda_) {
+        agenda_ = std::make_unique<AgendaView>();
+        agenda_->SetCloseHandler([this](ViewPage& page) { OnPageClosed(page); });
+        agenda_->SetStartDate(date);
+        if (!agenda_->Open(main_.GetHwnd())) {
+            agenda_.reset();
+            return nullptr;
+        }
+    } else {
+        agenda_->SetStartDate(date);
+        ShowWindow(agenda_->GetHwnd(), SW_SHOW);
+    }
+    SetForegroundWindow(agenda_->GetHwnd());
+    Settings::SetNumber("LastViewMode", 2);
+    return agenda_->GetHwnd();
+}
+
+void ViewRouter::HideWeekAndAgenda() {
+    if (agenda_ && IsWindowVisible(agenda_->GetHwnd())) ShowWindow(agenda_->GetHwnd(), SW_HIDE);
+    Settings::SetNumber("LastViewMode", 0);
+}
+
 HWND ViewRouter::OpenTasksView(const DateTime& date) { return InMonth("Tasks", date); }
 
-HWND ViewRouter::OpenItemDetail(std::int32_t oid, bool task) {
+HWND ViewRouter::OpenItemDetail(std::int32_t oid, bool task, const DateTime& occurrence) {
     // Until the detail view exists, the month view goes to the item's day.
+    if (occurrence.IsValid()) return InMonth("Item detail", occurrence);
     PimRecord record;
     if (PimSource* source = PimStore::Instance().Source(); source && source->GetItemFromOid(oid, record)) {
         const double when = task ? (record.dueDate != kNoDate ? record.dueDate : record.startDate) : record.start;
@@ -30,7 +107,25 @@ HWND ViewRouter::OpenItemDetail(std::int32_t oid, bool task) {
 }
 
 HWND ViewRouter::NewAppointment(const DateTime& date, HWND) { return InMonth("New appointment", date); }
-HWND ViewRouter::NewTask(const DateTime& date) { return InMonth("New task", date); }
-void ViewRouter::OpenFilter() { Log::Info("filter dialog: not part of this build"); }
+HWND ViewRouter::NewTask(const DateTime& date, HWND) { return InMonth("New task", date); }
+
+HWND ViewRouter::EditItem(const PimItem& item, bool, bool, HWND) {
+    Log::Info("item %d: no editor yet", static_cast<int>(item.oid));
+    return nullptr;
+}
+
+bool ViewRouter::OpenFilter(HWND owner) {
+    CategoryFilterDialog dialog;
+    if (dialog.DoModal(owner ? owner : main_.GetHwnd()) != IDOK) return false;
+    // Every open view reloads.
+    SendNotifyMessage(HWND_BROADCAST, RegisterWindowMessage(kPoomDataChangedName), 1, -1);
+    return true;
+}
+
+void ViewRouter::OpenSearch(const DateTime& date) { InMonth("Search", date); }
+void ViewRouter::OpenConfig(HWND) { Log::Info("settings page: not part of this build"); }
+void ViewRouter::OpenAbout(HWND owner) {
+    MessagePage::Tell(owner ? owner : main_.GetHwnd(), u"Mirodate 0.1");
+}
 
 } // namespace mirodate

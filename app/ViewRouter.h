@@ -1,45 +1,72 @@
 #pragma once
-// The one way into each view the main window opens: day, week, agenda,
-// tasks, item detail and the editors. Views that this build does not have
-// yet show the month view on the requested date instead, so that the command
-// handler and the menu bar already take the user to the right day.
+// The one way into each page the main window and the views open: day,
+// week, agenda, tasks, item detail, the editors and dialogs. It owns the
+// view pages: the agenda is made once and kept, a day view lives until it is
+// closed. Pages this build does not have yet show the month view on the
+// requested date instead, so that commands still take the user to the day.
 #include "data/DateTime.h"
 #include "ui/WinTypes.h"
+#include "views/ViewNavigator.h"
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 
 namespace mirodate {
 
-class ViewRouter {
+class AgendaView;
+class DayView;
+class DialogWnd;
+class ViewPage;
+
+class ViewRouter : public ViewNavigator {
 public:
     // Moves the month view to a date (the main window's).
     using ShowInMonth = std::function<void(const DateTime& date)>;
 
-    explicit ViewRouter(ShowInMonth showInMonth) : showInMonth_(std::move(showInMonth)) {}
+    // The deferred command that deletes a closed page (the main window ignores it).
+    static constexpr UINT kCmdPageClosed = 0x7DFF;
 
-    // Each returns the window brought to the front, or null when none.
-    HWND OpenDayView(const DateTime& date);
-    HWND ShowWeekView(const DateTime& date);
-    HWND ShowAgendaView(const DateTime& date);
-    void HideWeekAndAgenda();
-    HWND OpenTasksView(const DateTime& date);
-    HWND OpenItemDetail(std::int32_t oid, bool task);
-    HWND NewAppointment(const DateTime& date, HWND owner);
-    HWND NewTask(const DateTime& date);
-    void OpenFilter();
+    ViewRouter(DialogWnd& mainWindow, ShowInMonth showInMonth);
+    ~ViewRouter() override;
 
-    // Open Day and Tasks views (none exist yet).
-    int DayViewCount() const { return 0; }
+    HWND OpenDayView(const DateTime& date) override;
+    HWND ShowWeekView(const DateTime& date) override;
+    HWND ShowAgendaView(const DateTime& date) override;
+    void HideWeekAndAgenda() override;
+    HWND OpenTasksView(const DateTime& date) override;
+    HWND OpenItemDetail(std::int32_t oid, bool task, const DateTime& occurrence) override;
+    HWND NewAppointment(const DateTime& date, HWND owner) override;
+    HWND NewTask(const DateTime& date, HWND owner) override;
+    HWND EditItem(const PimItem& item, bool occurrenceOnly, bool duplicate, HWND owner) override;
+    bool OpenFilter(HWND owner) override;
+    void OpenSearch(const DateTime& date) override;
+    void OpenConfig(HWND owner) override;
+    void OpenAbout(HWND owner) override;
+    HWND MainWindow() override;
+
+    // Open day and tasks views.
+    int DayViewCount() const { return day_ ? 1 : 0; }
     int TasksViewCount() const { return 0; }
     // Kept week and agenda views, when created.
     bool HasWeekView() const { return false; }
-    bool HasAgendaView() const { return false; }
+    bool HasAgendaView() const { return agenda_ != nullptr; }
+    AgendaView* Agenda() { return agenda_.get(); }
+    DayView* Day() { return day_.get(); }
+    // Closes every page (the main window is going away).
+    void CloseAll();
+    // New language texts on every open page.
+    void Relabel();
 
 private:
     HWND InMonth(const char* view, const DateTime& date);
+    // A page closed itself: kept pages stay, others are deleted from the loop.
+    void OnPageClosed(ViewPage& page);
 
+    DialogWnd& main_;
     ShowInMonth showInMonth_;
+    std::unique_ptr<AgendaView> agenda_;
+    std::unique_ptr<DayView> day_;
 };
 
 } // namespace mirodate

@@ -27,6 +27,10 @@ public:
     static std::u16string FormatShortDate(const SYSTEMTIME& date);
     // The time in the locale's short time format, without seconds.
     static std::u16string FormatShortTime(const SYSTEMTIME& time);
+    // The date written by a picture: d, dd (day), ddd, dddd (weekday name),
+    // M, MM (month number), MMM, MMMM (month name), yy, yyyy (year), text in
+    // single quotes as written ('' is a quote); other characters as they are.
+    static std::u16string FormatDatePicture(const SYSTEMTIME& date, const std::u16string& picture);
 };
 
 } // namespace mirodate

@@ -32,6 +32,14 @@ TextLayout::TextLayout(const std::u16string& text, const Font& font, int width, 
     layout_ = pango_layout_new(LayoutContext());
     pango_layout_set_font_description(layout_, font.Description());
     pango_layout_set_text(layout_, utf8.data(), static_cast<int>(utf8.size()));
+    const LOGFONT& logFont = font.GetLogFont();
+    if (logFont.lfUnderline || logFont.lfStrikeOut) {
+        PangoAttrList* attrs = pango_attr_list_new();
+        if (logFont.lfUnderline) pango_attr_list_insert(attrs, pango_attr_underline_new(PANGO_UNDERLINE_SINGLE));
+        if (logFont.lfStrikeOut) pango_attr_list_insert(attrs, pango_attr_strikethrough_new(TRUE));
+        pango_layout_set_attributes(layout_, attrs);
+        pango_attr_list_unref(attrs);
+    }
     if (width > 0) {
         pango_layout_set_width(layout_, width * PANGO_SCALE);
         if (wrap)

@@ -27,7 +27,13 @@ bool UiRunner::Prepare(std::string& error, int& exitStatus) {
         exitStatus = 2;
         return false;
     }
-    if (options_.virtualClock) Clock::Install(std::make_unique<VirtualClock>(RealClock().GetLocalTime()));
+    if (options_.startTime.wYear != 0) {
+        // A fixed today: the clock starts at the given local time and moves
+        // on in virtual time only.
+        Clock::Install(std::make_unique<VirtualClock>(options_.startTime));
+    } else if (options_.virtualClock) {
+        Clock::Install(std::make_unique<VirtualClock>(RealClock().GetLocalTime()));
+    }
     // A script drives input itself, so it always runs on the headless display.
     if (options_.headless || !options_.scriptPath.empty()) {
         display_ = std::make_unique<HeadlessDisplay>(options_.width, options_.height);

@@ -4,6 +4,7 @@
 // shows the main window and runs the message loop until the program quits,
 // the script ends, or the start-up screenshot is written.
 #include "platform/Display.h"
+#include "platform/Types.h"
 #include "ui/HeadlessScript.h"
 
 #include <functional>
@@ -22,6 +23,8 @@ struct UiRunnerOptions {
     int height = 640;
     bool headless = false;
     bool virtualClock = false;
+    // Where the clock starts (headless only); wYear 0 means the real time.
+    SYSTEMTIME startTime{};
     std::string scriptPath;
     std::string screenshotPath;
     // Makes the first top-level window (its window already created); null
