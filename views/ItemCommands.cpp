@@ -30,10 +30,16 @@ std::vector<ContextMenuItem> ItemCommands::NewMenu() {
     return {{Lang("NewAppointment"), kNewAppointment}, {Lang("NewTask"), kNewTask}};
 }
 
-bool ItemCommands::ReportSave(HWND owner, int result) {
+bool ItemCommands::ReportSave(HWND owner, int result, std::int32_t oid) {
     switch (static_cast<SaveResult>(result)) {
     case SaveResult::Saved: return true;
-    case SaveResult::ChangedOnDisk: MessagePage::Tell(owner, Lang("ItemChangedOnDisk")); return false;
+    case SaveResult::ChangedOnDisk: {
+        // The store read the file again: gone, or changed by someone else.
+        PimSource* source = PimStore::Instance().Source();
+        const bool gone = source && oid > 0 && source->GetItemKind(oid) == 0;
+        MessagePage::Tell(owner, Lang(gone ? "ItemNotFound" : "ItemChangedOnDisk"));
+        return false;
+    }
     case SaveResult::NotFound: MessagePage::Tell(owner, Lang("ItemNotFound")); return false;
     case SaveResult::Failed: MessagePage::Tell(owner, Lang("ItemNotSaved")); return false;
     }
@@ -69,7 +75,7 @@ ItemCommands::Outcome ItemCommands::Delete(HWND owner, const PimItem& item) {
         return Outcome::Changed;
     case 2: {
         // The occurrence becomes an exception of the series file.
-        ReportSave(owner, static_cast<int>(source->SaveOccurrence(item.oid, item.startValue, nullptr)));
+        ReportSave(owner, static_cast<int>(source->SaveOccurrence(item.oid, item.startValue, nullptr)), item.oid);
         Refresh(item.oid, false, false);
         return Outcome::Changed;
     }
@@ -87,7 +93,7 @@ ItemCommands::Outcome ItemCommands::ToggleComplete(HWND owner, const PimItem& ta
         return Outcome::Changed;
     }
     record.complete = !record.complete;
-    ReportSave(owner, static_cast<int>(source->Save(record, kFolderTasks)));
+    ReportSave(owner, static_cast<int>(source->Save(record, kFolderTasks)), task.oid);
     Refresh(task.oid, true, false);
     return Outcome::Changed;
 }
@@ -110,7 +116,7 @@ ItemCommands::Outcome ItemCommands::Duplicate(HWND owner, const PimItem& item) {
     }
     record.oid = -1;
     record.uid.clear();
-    if (!ReportSave(owner, static_cast<int>(source->Save(record, task ? kFolderTasks : kFolderCalendar))))
+    if (!ReportSave(owner, static_cast<int>(source->Save(record, task ? kFolderTasks : kFolderCalendar)), -1))
         return Outcome::Done;
     Refresh(record.oid, task, false);
     PimItem copy = item;

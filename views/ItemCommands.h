@@ -60,7 +60,7 @@ public:
 
 private:
     // Tells the user why a write did not happen; false when it did not.
-    static bool ReportSave(HWND owner, int result);
+    static bool ReportSave(HWND owner, int result, std::int32_t oid);
     // Brings the month cache up to date with an item the program just wrote.
     static void Refresh(std::int32_t oid, bool task, bool deleted);
 };

@@ -183,6 +183,14 @@ void ViewPage::OpenContextMenu(std::vector<ContextMenuItem> items) {
 
 void ViewPage::OnListSwipe(bool) {}
 
+void ViewPage::SelectRowItem(int index) {
+    auto* row = dynamic_cast<ViewRow*>(list_.Item(index));
+    if (!row) return;
+    selectedItem_.reset();
+    if (row->Item()) selectedItem_ = *row->Item();
+    selectedDate_ = row->DayDate() > 0 ? DateTime(row->DayDate()) : CurrentDate();
+}
+
 void ViewPage::SelectRow(int index) {
     const int count = list_.ItemCount();
     if (count == 0) return;
@@ -295,9 +303,7 @@ void ViewPage::OnKeyDown(UINT key, UINT) {
     case VK_DOWN: SelectRow(selected_ + 1); break;
     case VK_RETURN:
         if (auto* row = dynamic_cast<ViewRow*>(list_.Item(selected_))) {
-            selectedItem_.reset();
-            if (row->Item()) selectedItem_ = *row->Item();
-            selectedDate_ = row->DayDate() > 0 ? DateTime(row->DayDate()) : CurrentDate();
+            SelectRowItem(selected_);
             pendingRowType_ = row->RowType();
             pendingInCheckZone_ = false;
             OpenTappedRow();

@@ -68,6 +68,8 @@ public:
     // The item of the last tap, hold or pop-up.
     const std::optional<PimItem>& SelectedItem() const { return selectedItem_; }
     void Relabel();
+    // Makes row `index` the selected one: the item and day the commands act on.
+    void SelectRowItem(int index);
 
     // RowListener, ViewListListener.
     void OnRowTap(ViewRow& row, int x, int y) override;
