@@ -59,6 +59,19 @@ public:
     virtual std::vector<std::u16string> GetCategoryNames() = 0;
     // Files that could not be read (never rewritten).
     virtual int GetSkippedCount() = 0;
+
+    // The file that holds an item, for handing it to other programs; empty
+    // when the source keeps no files or does not know the item.
+    virtual std::string ItemFilePath(std::int32_t oid) {
+        (void)oid;
+        return {};
+    }
+    // The item as a standalone calendar (or card) text that another program
+    // can import on its own, with the time zones it uses; false when unknown.
+    virtual bool ExportItem(std::int32_t oid, std::string& text) {
+        (void)oid, (void)text;
+        return false;
+    }
 };
 
 } // namespace mirodate

@@ -1,5 +1,7 @@
 #include "store/VdirSource.h"
 
+#include "store/IcsExport.h"
+
 #include "platform/Log.h"
 #include "platform/Paths.h"
 #include "store/IcsItem.h"
@@ -602,6 +604,17 @@ std::vector<std::u16string> VdirSource::GetCategoryNames() {
 int VdirSource::GetSkippedCount() {
     std::lock_guard lock(mutex_);
     return static_cast<int>(std::count_if(files_.begin(), files_.end(), [](const auto& pair) { return !pair.second->readable; }));
+}
+
+bool VdirSource::ExportItem(std::int32_t oid, std::string& text) {
+    const std::string path = FilePath(oid);
+    std::string content;
+    if (path.empty() || !ReadWholeFile(path, content)) return false;
+    if (GetItemKind(oid) == kItemContact) {
+        text = std::move(content);
+        return true;
+    }
+    return IcsExport::Standalone(content, text);
 }
 
 } // namespace mirodate

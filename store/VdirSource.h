@@ -52,6 +52,8 @@ public:
     bool IsSynchronizing() override;
     std::vector<std::u16string> GetCategoryNames() override;
     int GetSkippedCount() override;
+    std::string ItemFilePath(std::int32_t oid) override { return FilePath(oid); }
+    bool ExportItem(std::int32_t oid, std::string& text) override;
 
     const std::string& Root() const { return root_; }
     std::string FilePath(std::int32_t oid);
