@@ -46,7 +46,8 @@ std::u16string TextOfCopyData(const COPYDATASTRUCT& data) {
 } // namespace
 
 MainWnd::MainWnd()
-    : router_(*this, [this](const DateTime& date) { ShowDate(date); }), splitView_(Settings::GetSplitMonthView()) {}
+    : router_(*this, [this](const DateTime& date) { ShowDate(date); }, [this] { Refresh(true, 0, 0); }),
+      splitView_(Settings::GetSplitMonthView()) {}
 
 MainWnd::~MainWnd() = default;
 
@@ -265,9 +266,7 @@ void MainWnd::OnCommand(UINT, UINT, HWND control) {
     const DateTime date = SelectedDate();
     switch (menuBar_.IndexOf(control)) {
     case 0: OpenMainMenu(); break;
-    case 1:
-        if (router_.OpenFilter(window)) Refresh(true, 0, 0);
-        break;
+    case 1: router_.OpenFilter(window); break;
     case 2: router_.OpenTasksView(date); break;
     case 3: router_.ShowWeekView(date); break;
     case 4: router_.ShowAgendaView(DateTime::Today()); break;

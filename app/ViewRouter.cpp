@@ -13,8 +13,8 @@
 
 namespace mirodate {
 
-ViewRouter::ViewRouter(DialogWnd& mainWindow, ShowInMonth showInMonth)
-    : main_(mainWindow), showInMonth_(std::move(showInMonth)) {
+ViewRouter::ViewRouter(DialogWnd& mainWindow, ShowInMonth showInMonth, std::function<void()> onFilterChanged)
+    : main_(mainWindow), showInMonth_(std::move(showInMonth)), onFilterChanged_(std::move(onFilterChanged)) {
     ViewNavigator::SetCurrent(this);
 }
 
@@ -117,8 +117,9 @@ HWND ViewRouter::EditItem(const PimItem& item, bool, bool, HWND) {
 bool ViewRouter::OpenFilter(HWND owner) {
     CategoryFilterDialog dialog;
     if (dialog.DoModal(owner ? owner : main_.GetHwnd()) != IDOK) return false;
-    // Every open view reloads.
-    SendNotifyMessage(HWND_BROADCAST, RegisterWindowMessage(kPoomDataChangedName), 1, -1);
+    // The month and every open view reload.
+    if (onFilterChanged_) onFilterChanged_();
+    else SendNotifyMessage(HWND_BROADCAST, RegisterWindowMessage(kPoomDataChangedName), 1, -1);
     return true;
 }
 

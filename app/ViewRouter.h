@@ -27,7 +27,7 @@ public:
     // The deferred command that deletes a closed page (the main window ignores it).
     static constexpr UINT kCmdPageClosed = 0x7DFF;
 
-    ViewRouter(DialogWnd& mainWindow, ShowInMonth showInMonth);
+    ViewRouter(DialogWnd& mainWindow, ShowInMonth showInMonth, std::function<void()> onFilterChanged = {});
     ~ViewRouter() override;
 
     HWND OpenDayView(const DateTime& date) override;
@@ -65,6 +65,7 @@ private:
 
     DialogWnd& main_;
     ShowInMonth showInMonth_;
+    std::function<void()> onFilterChanged_; // the main window reloads and tells every view
     std::unique_ptr<AgendaView> agenda_;
     std::unique_ptr<DayView> day_;
 };

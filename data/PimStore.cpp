@@ -117,6 +117,8 @@ void PimStore::Close() {
     cache_.Clear();
     contacts_.clear();
     contactsLoaded_ = false;
+    // The next store starts unfiltered until its owner sets the filters.
+    filter_ = ItemFilter();
 }
 
 void PimStore::SetFilters(const std::u16string& excludeFilter, const std::u16string& categoryFilter,

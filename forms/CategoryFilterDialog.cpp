@@ -4,6 +4,7 @@
 #include "data/FilterList.h"
 #include "data/PimStore.h"
 #include "lang/LanguageTable.h"
+#include "platform/Settings.h"
 #include "platform/VirtualKeys.h"
 #include "skin/SkinStyles.h"
 #include "ui/Dc.h"
@@ -184,6 +185,10 @@ void CategoryFilterDialog::ToggleRow(int index) {
 }
 
 void CategoryFilterDialog::Apply() {
+    // The switches are settings of their own; the store keeps the category texts.
+    Settings::SetBool("HideCompleteTasks", config_.hideCompleteTasks);
+    Settings::SetBool("ShowContactsBirthdays", config_.showBirthdays);
+    Settings::SetBool("ShowContactsAnniversaries", config_.showAnniversaries);
     PimStore::Instance().SetFilters(JoinNames(entries_, State::Hidden), JoinNames(entries_, State::Shown),
                                     config_.hideCompleteTasks, config_.showBirthdays, config_.showAnniversaries);
     EndDialog(window, IDOK);

@@ -17,8 +17,18 @@ constexpr int kCheckWidth = 16; // room for the check mark at the right
 constexpr int kDragStart = 8;   // a press that moves further scrolls instead of choosing
 } // namespace
 
+namespace {
+// Share of the row height the row text's pixel size takes.
+constexpr int kRowTextPercent = 40;
+} // namespace
+
 HWND ListCtrlWnd::Create(HWND parent, int x, int y, int width, int height, int rowHeight) {
     rowHeight_ = std::max(1, rowHeight);
+    // The text takes about 40 % of the row, as a finger-sized row wants.
+    LOGFONT logFont;
+    DefaultFont(logFont);
+    logFont.lfHeight = -std::clamp(rowHeight_ * kRowTextPercent / 100 + FontSizeDelta(), 6, rowHeight_);
+    rowFont_ = std::make_unique<Font>(logFont);
     return BaseWnd::Create(parent, kListCtrlClass, WS_CHILD | WS_VISIBLE, u"", x, y, width, height);
 }
 
@@ -122,7 +132,7 @@ void ListCtrlWnd::OnPaint(HDC dc) {
         if (row == 0) {
             dc->SelectFont(headerFont_);
         } else {
-            dc->SelectFont(nullptr);
+            dc->SelectFont(rowFont_.get());
             const ListRow& item = rows_[index];
             if (item.icon >= 0 && iconStrip_ && iconSize_ > 0 &&
                 (item.icon + 1) * iconSize_ <= iconStrip_->Width()) {

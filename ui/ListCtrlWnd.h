@@ -9,6 +9,7 @@
 #include "ui/BaseWnd.h"
 #include "ui/Bitmap.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -76,6 +77,7 @@ private:
     std::vector<ListRow> rows_;
     std::u16string header_;
     const Font* headerFont_ = nullptr;
+    std::unique_ptr<Font> rowFont_; // sized from the row height and the user's size delta
     ListColors colors_;
     const Bitmap* iconStrip_ = nullptr;
     int iconSize_ = 0;

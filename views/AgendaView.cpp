@@ -33,11 +33,13 @@ std::u16string AgendaView::Title() const { return Lang("AgendaView"); }
 
 void AgendaView::SetStartDate(const DateTime& date) {
     start_ = date.IsValid() ? date.StartOfDay() : DateTime::Today();
+    followsToday_ = start_ == DateTime::Today();
     if (window) Reload();
 }
 
 void AgendaView::Reload() {
     if (!window) return;
+    if (followsToday_) start_ = DateTime::Today();
     BeginFill(list_);
     tomorrowPosition_ = 0;
     const bool everyDay = Settings::GetAgendaMode() != 0;
