@@ -27,6 +27,12 @@ ItemRow::ItemRow(const RowLook& look, const PimItem& item, double dayDate)
     : ViewRow(look), item_(item), dayDate_(dayDate) {
     color_ = ItemTexts::RowColor(item_, look.text, look.colorize);
     struck_ = ItemTexts::IsStruckThrough(item_, look.strikePast, look.now);
+}
+
+void ItemRow::EnsureLayout() const {
+    if (laidOut_) return;
+    laidOut_ = true;
+    const RowLook& look = look_;
     detailText_ = item_.IsTask() ? ItemTexts::DueText(item_, look.today) : ItemTexts::TimeRange(item_);
     if (!item_.location.empty()) {
         if (!detailText_.empty()) detailText_ += u"  \u00b7  ";
@@ -40,7 +46,18 @@ ItemRow::ItemRow(const RowLook& look, const PimItem& item, double dayDate)
     detail_ = TextLayout(detailText_, look.DetailFont(), textWidth, false);
     // Timed appointments get the bar; all-day ones and contact dates do not.
     if (!item_.IsTask() && item_.kind == PimItem::kAppointment && !item_.isAllDay)
-        dayBar_.Build(item_, dayDate_, look.width, look.background, item_.colors.empty() ? look.timeScale : item_.colors.front());
+        dayBar_.Build(item_, dayDate_, look.width, look.background,
+                      item_.colors.empty() ? look.timeScale : item_.colors.front());
+}
+
+bool ItemRow::HasDayBar() const {
+    EnsureLayout();
+    return !dayBar_.IsEmpty();
+}
+
+const std::u16string& ItemRow::DetailText() const {
+    EnsureLayout();
+    return detailText_;
 }
 
 bool ItemRow::AcceptsLongTap(HWND) {
@@ -63,6 +80,7 @@ void ItemRow::DrawCheckBox(Dc& dc, const RECT& zone, COLORREF ink) const {
 }
 
 void ItemRow::Draw(Dc& dc, const RECT& rect) {
+    EnsureLayout();
     const bool selected = highlighted_;
     dc.FillRect(rect, selected ? look_.selection : look_.background);
     const COLORREF ink = selected ? look_.textSelected : color_;

@@ -23,24 +23,27 @@ public:
 
     // Whether a row-local x lies in a task's check-mark zone.
     bool InCheckZone(int x) const;
-    bool HasDayBar() const { return !dayBar_.IsEmpty(); }
-    const DayBar& Bar() const { return dayBar_; }
+    bool HasDayBar() const;
     COLORREF Color() const { return color_; }
     bool IsStruckThrough() const { return struck_; }
     // The second line as shown (time range or due text, and the location).
-    const std::u16string& DetailText() const { return detailText_; }
+    const std::u16string& DetailText() const;
 
 private:
     void DrawCheckBox(Dc& dc, const RECT& zone, COLORREF ink) const;
+    // Texts, layouts and the day bar are made when the row is first shown:
+    // a long agenda fills fast and only pays for the rows the user sees.
+    void EnsureLayout() const;
 
     PimItem item_;
     double dayDate_;
     COLORREF color_;
     bool struck_;
-    std::u16string detailText_;
-    TextLayout subject_;
-    TextLayout detail_;
-    DayBar dayBar_;
+    mutable bool laidOut_ = false;
+    mutable std::u16string detailText_;
+    mutable TextLayout subject_;
+    mutable TextLayout detail_;
+    mutable DayBar dayBar_;
 };
 
 } // namespace mirodate
