@@ -36,8 +36,10 @@ public:
         text_ = style.colorText;
         background_ = index % 2 ? style.colorBg2 : style.colorBg;
         selection_ = style.colorSelectionMark;
-        value_ = TextLayout(value, font, width / 3, false);
-        label_ = TextLayout(label, font, std::max(1, width - width / 3 - Scale(kSwatch + 4 * kMargin)), false);
+        // The value keeps its natural width (at most a third); the label takes the rest.
+        value_ = TextLayout(value, font, 0, false);
+        if (value_.Width() > width / 3) value_ = TextLayout(value, font, width / 3, false);
+        label_ = TextLayout(label, font, std::max(1, width - value_.Width() - Scale(kSwatch + 5 * kMargin)), false);
     }
     void Draw(Dc& dc, const RECT& rect) override {
         dc.FillRect(rect, highlighted_ ? selection_ : background_);

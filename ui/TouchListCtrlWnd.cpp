@@ -83,6 +83,11 @@ void TouchListCtrlWnd::SetHeaderText(const std::u16string& text) {
     }
 }
 
+void TouchListCtrlWnd::SetHeaderFont(const Font* font) {
+    customHeaderFont_ = font;
+    if (window) InvalidateRect(window, nullptr, false);
+}
+
 void TouchListCtrlWnd::SetColors(const TouchListColors& colors) {
     colors_ = colors;
     if (window) InvalidateRect(window, nullptr, false);
@@ -179,7 +184,7 @@ void TouchListCtrlWnd::DrawHeader(Dc& dc, const RECT& rect) {
         lf.lfWeight = FW_BOLD;
         headerFont_ = std::make_unique<Font>(lf);
     }
-    dc.SelectFont(headerFont_.get());
+    dc.SelectFont(customHeaderFont_ ? customHeaderFont_ : headerFont_.get());
     dc.SetBkMode(TRANSPARENT);
     dc.SetTextColor(colors_.headerText);
     RECT text = rect;

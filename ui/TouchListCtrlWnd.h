@@ -61,6 +61,8 @@ public:
     void SetHeaderHeight(int height);
     int HeaderHeight() const { return headerHeight_; }
     void SetHeaderText(const std::u16string& text);
+    // The header text's font (must outlive the list); null is the list's own bold one.
+    void SetHeaderFont(const Font* font);
     void SetColors(const TouchListColors& colors);
     const TouchListColors& Colors() const { return colors_; }
     // As the body of a pop-up the list keeps the pointer; losing it, or a press
@@ -97,6 +99,7 @@ private:
     TouchListColors colors_;
     std::u16string headerText_;
     std::unique_ptr<Font> headerFont_;
+    const Font* customHeaderFont_ = nullptr;
     int headerHeight_ = 0;
     bool headerTaps_ = false;
     bool withBorder_ = false;

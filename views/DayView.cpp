@@ -47,6 +47,7 @@ void DayView::LayoutLists(const RECT& area) {
     for (ViewList* list : {&list_, &incoming_}) {
         MoveWindow(list->GetHwnd(), area.left, area.top, area.Width(), area.Height(), true);
         list->SetHeaderHeight(look_.HeaderHeight());
+        list->SetHeaderFont(&look_.SubjectFont());
     }
     ShowWindow(incoming_.GetHwnd(), SW_HIDE);
 }
