@@ -9,6 +9,7 @@ namespace {
 constexpr char32_t kReplacement = 0xFFFD;
 constexpr char32_t kObjectReplacement = 0xFFFC; // stands for a picture in the text
 constexpr char32_t kEllipsis = 0x2026;
+constexpr char32_t kZeroWidthSpace = 0x200B;
 // The longest entity we know ("&nbsp;", "&#x10FFFF;") fits in this many characters.
 constexpr std::size_t kMaxEntityLength = 10;
 // Tag names longer than this are no tags we know.
@@ -192,7 +193,15 @@ void MarkupParser::Text(char32_t ch) {
     if ((ch < 0x20 && ch != u'\t') || (ch >= 0x7F && ch <= 0x9F)) return;
     if (ch == kObjectReplacement) ch = kReplacement; // reserved for pictures
     FlushParagraph();
-    Emit(ch, CurrentStyle());
+    const MarkupStyle style = CurrentStyle();
+    if (lineLength_ >= kMaxLineLength) {
+        Emit(u'\n', style);
+    } else if (ch == u' ' || ch == u'\t' || ch == kZeroWidthSpace) {
+        wordLength_ = 0;
+    } else if (++wordLength_ > kLongWord && (wordLength_ - kLongWord) % kLongWordStep == 1) {
+        Emit(kZeroWidthSpace, style);
+    }
+    Emit(ch, style);
 }
 
 void MarkupParser::ReadEntity() {
@@ -394,6 +403,12 @@ void MarkupParser::Emit(char32_t ch, const MarkupStyle& style) {
     else
         doc_.runs.push_back(MarkupRun{begin, end, style});
     if (link_ >= 0) doc_.links[static_cast<std::size_t>(link_)].end = end;
+    if (ch == u'\n') {
+        lineLength_ = 0;
+        wordLength_ = 0;
+    } else {
+        ++lineLength_;
+    }
 }
 
 } // namespace mirodate

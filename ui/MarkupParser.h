@@ -20,13 +20,22 @@ class MarkupParser {
 public:
     // Visible text beyond this many UTF-8 bytes is not shown; far more than a
     // note holds, and it keeps the layout of hostile input quick.
-    static constexpr std::size_t kMaxTextBytes = 128 * 1024;
+    static constexpr std::size_t kMaxTextBytes = 64 * 1024;
     // Pictures beyond this many in one text are left out.
     static constexpr std::size_t kMaxImages = 256;
     // Sizes and margins of pictures are cut to this many pixels.
     static constexpr int kMaxImageSide = 4096;
     // Colours of nested font tags remembered; deeper ones keep the last colour.
     static constexpr std::size_t kMaxFontDepth = 64;
+    // Layout aids. Wrapping inside a word costs the layout engine time that
+    // grows with the square of the word's length, so a word longer than
+    // kLongWord characters gets an invisible break opportunity (a zero-width
+    // space) every kLongWordStep characters; and a line of more than
+    // kMaxLineLength characters is broken, as the engine's coordinates would
+    // overflow on it.
+    static constexpr int kLongWord = 48;
+    static constexpr int kLongWordStep = 8;
+    static constexpr int kMaxLineLength = 8192;
 
     static MarkupDocument Parse(std::u16string_view markup);
 
@@ -65,6 +74,8 @@ private:
     int link_ = -1;
     std::size_t linkColorDepth_ = 0;
     bool paragraphPending_ = false;
+    int wordLength_ = 0; // characters since the last blank or line end
+    int lineLength_ = 0; // characters since the last line end
 };
 
 } // namespace mirodate
