@@ -16,7 +16,8 @@ bool LinkDispatcher::Ask(const char* key, const std::u16string& argument) const 
 }
 
 void LinkDispatcher::Inform(const std::u16string& text, const std::u16string& caption) const {
-    if (inform) inform(text, caption);
+    if (inform)
+        inform(text, caption);
 }
 
 bool LinkDispatcher::Activate(const std::u16string& target) const {
@@ -26,29 +27,39 @@ bool LinkDispatcher::Activate(const std::u16string& target) const {
     bool started = false;
     switch (link.kind) {
     case LinkKind::Web:
-        if (!Ask("QuestionVisitUrl", link.argument)) return false;
+        if (!Ask("QuestionVisitUrl", link.argument))
+            return false;
         started = services.OpenUrl(argument);
         break;
     case LinkKind::Mail:
-        if (!Ask("QuestionSendMail", link.argument)) return false;
+        if (!Ask("QuestionSendMail", link.argument))
+            return false;
         started = services.SendMail(argument);
         break;
     case LinkKind::Call:
-        if (!Ask("QuestionCallNumber", link.argument)) return false;
+        if (!Ask("QuestionCallNumber", link.argument))
+            return false;
         started = services.CallNumber(argument);
         break;
     case LinkKind::File:
-        if (!Ask("QuestionOpenFile", link.argument)) return false;
+        if (!Ask("QuestionOpenFile", link.argument))
+            return false;
         started = services.OpenPath(argument);
         break;
-    case LinkKind::Alert: Inform(LinkTarget::AlertMessage(link.argument), Lang("LinkAlertCaption")); return false;
-    case LinkKind::Action:
-        if (action) action(link.argument);
+    case LinkKind::Alert:
+        Inform(LinkTarget::AlertMessage(link.argument), Lang("LinkAlertCaption"));
         return false;
-    case LinkKind::Unknown: Inform(Lang("UnknownProtocol"), Lang("LinkAlertCaption")); return false;
+    case LinkKind::Action:
+        if (action)
+            action(link.argument);
+        return false;
+    case LinkKind::Unknown:
+        Inform(Lang("UnknownProtocol"), Lang("LinkAlertCaption"));
+        return false;
     }
     // As on the handheld, a failed start is not put to the user; the log has it.
-    if (!started) Log::Info("link not handed off: %s", argument.c_str());
+    if (!started)
+        Log::Info("link not handed off: %s", argument.c_str());
     return started;
 }
 

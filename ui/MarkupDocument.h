@@ -31,8 +31,8 @@ struct MarkupStyle {
 
     bool Has(Flag flag) const { return (flags & flag) != 0; }
     bool operator==(const MarkupStyle& other) const {
-        return flags == other.flags && hasColor == other.hasColor && colorInsideLink == other.colorInsideLink &&
-               color == other.color && link == other.link;
+        return flags == other.flags && hasColor == other.hasColor &&
+               colorInsideLink == other.colorInsideLink && color == other.color && link == other.link;
     }
     bool operator!=(const MarkupStyle& other) const { return !(*this == other); }
 };

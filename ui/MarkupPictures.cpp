@@ -20,7 +20,8 @@ constexpr std::uint32_t kKeyPixel = 0xFF008080;
 
 Bitmap StripIcon(const SkinPicture& strip, MenuBarIcon icon) {
     const RECT source = MenuBarIcons::IconRect(strip, icon);
-    if (source.Width() <= 0 || source.Height() <= 0) return Bitmap();
+    if (source.Width() <= 0 || source.Height() <= 0)
+        return Bitmap();
     SkinPicture picture;
     picture.width = source.Width();
     picture.height = source.Height();
@@ -35,21 +36,28 @@ Bitmap StripIcon(const SkinPicture& strip, MenuBarIcon icon) {
 } // namespace
 
 Bitmap MarkupPictures::Find(const std::u16string& id) {
-    if (id.empty()) return Bitmap();
-    if (SkinPictureRef picture = PictureCache::Instance().Find(id)) return SkinBitmap::FromPicture(picture.get());
+    if (id.empty())
+        return Bitmap();
+    if (SkinPictureRef picture = PictureCache::Instance().Find(id))
+        return SkinBitmap::FromPicture(picture.get());
     const std::u16string lower = ToLower(id);
     for (std::size_t i = 0; i < kIconNames.size(); ++i) {
-        if (lower != kIconNames[i]) continue;
+        if (lower != kIconNames[i])
+            continue;
         SkinPictureRef strip = SkinStyles::Current().menuBar.icons;
-        if (!strip) strip = MenuBarIcons::Builtin(IsHighResolution());
+        if (!strip)
+            strip = MenuBarIcons::Builtin(IsHighResolution());
         return strip ? StripIcon(*strip, static_cast<MenuBarIcon>(i)) : Bitmap();
     }
     bool digits = true;
-    for (char16_t ch : id) digits = digits && ch >= u'0' && ch <= u'9';
+    for (char16_t ch : id)
+        digits = digits && ch >= u'0' && ch <= u'9';
     if (digits && id.size() <= 9) {
         const UINT number = static_cast<UINT>(ParseUnsignedLong(id));
-        if (const Bitmap* icon = Resources::GetIcon(number)) return icon->Copy();
-        if (const Bitmap* bitmap = Resources::GetBitmap(number)) return bitmap->Copy();
+        if (const Bitmap* icon = Resources::GetIcon(number))
+            return icon->Copy();
+        if (const Bitmap* bitmap = Resources::GetBitmap(number))
+            return bitmap->Copy();
     }
     return Bitmap();
 }

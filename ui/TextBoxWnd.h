@@ -1,6 +1,7 @@
 #pragma once
 // The read-only rich text box: mark-up (see MarkupParser) laid out with word
-// wrap to the box's width, links in the link colour and underlined, pictures
+// wrap to the box's width (the first screenful at once, the rest on a timer
+// or as a scroll reaches it), links in the link colour and underlined, pictures
 // from the skin. Text taller than the box scrolls by finger like the touch
 // lists (drag, fling, elastic ends). A tap on a link runs the link action
 // through the box's LinkDispatcher, whose questions and messages the owner
@@ -58,7 +59,7 @@ public:
     // A tap that hit no link, in client coordinates.
     std::function<void(int x, int y)> onTapOutsideLink;
 
-    const MarkupDocument& Document() const { return document_; }
+    const MarkupDocument& Document() const { return layout_.Document(); }
     const RichTextLayout& Layout() const { return layout_; }
     TouchScroller& Scroller() { return *scroller_; }
     // Where link `index` of the document is drawn now (its first piece), in
@@ -89,6 +90,10 @@ private:
     friend class ContentItem;
 
     void Relayout();
+    // Gives the scroller the text's height as far as it is known.
+    void UpdateContentHeight();
+    // Measures what the viewport shows; the rest is measured on the timer.
+    void MeasureVisible();
     void DrawContent(Dc& dc, const RECT& rect);
     void DrawThumb(Dc& dc);
     void PressAt(int x, int y);
@@ -99,7 +104,6 @@ private:
     ContentItem* content_ = nullptr; // owned by the scroller
     std::unique_ptr<Font> font_;
     std::u16string text_;
-    MarkupDocument document_;
     RichTextLayout layout_;
     RichTextLayout::PictureSource pictures_;
     TextBoxColors colors_;

@@ -1,9 +1,9 @@
 // Link targets told apart by prefix, and the link action that asks first and
 // then hands off to the desktop (recorded, not started).
+#include "ui/LinkTarget.h"
 #include "lang/LanguageTable.h"
 #include "platform/RecordingPlatformServices.h"
 #include "ui/LinkDispatcher.h"
-#include "ui/LinkTarget.h"
 
 #include <gtest/gtest.h>
 
@@ -44,9 +44,10 @@ TEST(LinkTargetTest, PrefixesAreTestedLowerCasedAndOnlyAtTheStart) {
 class LinkDispatcherTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        LanguageTable::Instance().SetText(u"LANGUAGE=English\nQuestionVisitUrl=Open in the browser\nQuestionSendMail=Write to\n"
-                                          u"QuestionCallNumber=Call\nQuestionOpenFile=Open file\n"
-                                          u"UnknownProtocol=Unknown protocol!\nLinkAlertCaption=Message\n");
+        LanguageTable::Instance().SetText(
+            u"LANGUAGE=English\nQuestionVisitUrl=Open in the browser\nQuestionSendMail=Write to\n"
+            u"QuestionCallNumber=Call\nQuestionOpenFile=Open file\n"
+            u"UnknownProtocol=Unknown protocol!\nLinkAlertCaption=Message\n");
         dispatcher_.confirm = [this](const std::u16string& text) {
             questions_.push_back(text);
             return answer_;
@@ -67,7 +68,8 @@ protected:
 TEST_F(LinkDispatcherTest, HandOffsHappenOnlyAfterYes) {
     const std::u16string targets[] = {u"www.Example.org", u"https://x.org/p?q=1", u"mailto:Anna@x.org",
                                       u"TEL:+49 30 1234", u"file:////tmp/a b.txt"};
-    for (const std::u16string& target : targets) EXPECT_FALSE(dispatcher_.Activate(target));
+    for (const std::u16string& target : targets)
+        EXPECT_FALSE(dispatcher_.Activate(target));
     EXPECT_TRUE(recorder_.Calls().empty());
     ASSERT_EQ(questions_.size(), 5u);
     EXPECT_EQ(questions_[0], u"Open in the browser:\nwww.Example.org");
@@ -76,7 +78,8 @@ TEST_F(LinkDispatcherTest, HandOffsHappenOnlyAfterYes) {
     EXPECT_EQ(questions_[4], u"Open file:\n/tmp/a b.txt");
 
     answer_ = true;
-    for (const std::u16string& target : targets) EXPECT_TRUE(dispatcher_.Activate(target));
+    for (const std::u16string& target : targets)
+        EXPECT_TRUE(dispatcher_.Activate(target));
     const std::vector<std::vector<std::string>> expected{{"xdg-open", "http://www.Example.org"},
                                                          {"xdg-open", "https://x.org/p?q=1"},
                                                          {"xdg-email", "Anna@x.org"},
@@ -96,7 +99,7 @@ TEST_F(LinkDispatcherTest, AlertActionAndUnknownAskNothingAndStartNothing) {
     EXPECT_TRUE(recorder_.Calls().empty());
     EXPECT_EQ(actions_, std::vector<std::u16string>{u"open 17"});
     EXPECT_EQ(messages_, (std::vector<std::u16string>{u"Message: hi", u"Message: Unknown protocol!",
-                                                       u"Message: Unknown protocol!"}));
+                                                      u"Message: Unknown protocol!"}));
 }
 
 TEST_F(LinkDispatcherTest, WithoutAnOwnerQuestionNothingStarts) {

@@ -1,8 +1,8 @@
 // The text box's mark-up reader on its own: styles, links and pictures with
 // their exact attribute spellings, paragraphs and breaks, entities, and what
 // hostile mark-up from notes and other programs turns into.
-#include "platform/TextUtil.h"
 #include "ui/MarkupParser.h"
+#include "platform/TextUtil.h"
 
 #include <chrono>
 #include <gtest/gtest.h>
@@ -11,17 +11,22 @@
 namespace mirodate::test {
 namespace {
 
-MarkupDocument Parse(const std::u16string& markup) { return MarkupParser::Parse(markup); }
+MarkupDocument Parse(const std::u16string& markup) {
+    return MarkupParser::Parse(markup);
+}
 
 // The style of the byte at `offset`.
 MarkupStyle StyleAt(const MarkupDocument& doc, std::size_t offset) {
     for (const MarkupRun& run : doc.runs)
-        if (offset >= run.begin && offset < run.end) return run.style;
+        if (offset >= run.begin && offset < run.end)
+            return run.style;
     ADD_FAILURE() << "no run at " << offset;
     return MarkupStyle();
 }
 
-std::size_t Find(const MarkupDocument& doc, const char* text) { return doc.text.find(text); }
+std::size_t Find(const MarkupDocument& doc, const char* text) {
+    return doc.text.find(text);
+}
 
 TEST(MarkupParserTest, StylesNestAndEndWithTheirTags) {
     const MarkupDocument doc =
@@ -89,14 +94,15 @@ TEST(MarkupParserTest, LinkAttributesAreMatchedAsSpelled) {
     EXPECT_EQ(StyleAt(doc, Find(doc, "site")).link, 0);
     EXPECT_EQ(StyleAt(doc, Find(doc, " and")).link, -1);
     // A colour set inside a link is the link's own; one around it is not.
-    const MarkupDocument coloured =
-        Parse(u"<font color=red><a href='www.a.de'>out</a></font><a href='www.b.de'><font color=red>in</font></a>");
+    const MarkupDocument coloured = Parse(
+        u"<font color=red><a href='www.a.de'>out</a></font><a href='www.b.de'><font color=red>in</font></a>");
     EXPECT_FALSE(StyleAt(coloured, 0).colorInsideLink);
     EXPECT_TRUE(StyleAt(coloured, Find(coloured, "in")).colorInsideLink);
 }
 
 TEST(MarkupParserTest, LinksDoNotNestAndEmptyOnesVanish) {
-    const MarkupDocument doc = Parse(u"<a href='www.a.de'>a<a href='www.b.de'>b</a>c</a><a href='x'></a><a>d</a>");
+    const MarkupDocument doc =
+        Parse(u"<a href='www.a.de'>a<a href='www.b.de'>b</a>c</a><a href='x'></a><a>d</a>");
     ASSERT_EQ(doc.links.size(), 2u);
     EXPECT_EQ(doc.links[0].end - doc.links[0].begin, 1u);
     EXPECT_EQ(doc.links[1].target, u"www.b.de");
@@ -149,10 +155,11 @@ TEST(MarkupParserTest, BrokenAndUnknownTagsKeepTheTextAfterThem) {
 
 TEST(MarkupParserTest, EntitiesControlCharactersAndBrokenUtf16) {
     EXPECT_EQ(Parse(u"&lt;b&gt; &amp; &quot;&#65;&#x42;&nbsp;AT&T &bogus; &#xD800;").text,
-              "<b> & \"AB\xC2\xA0" "AT&T &bogus; \xEF\xBF\xBD");
+              "<b> & \"AB\xC2\xA0"
+              "AT&T &bogus; \xEF\xBF\xBD");
     EXPECT_EQ(Parse(std::u16string(u"a\x01\x1b\x7f\u0085\tb\0c", 10)).text, "a\tbc");
-    const std::u16string lone{u'x', char16_t(0xD83D), u'y', char16_t(0xDE00), u'z', char16_t(0xD83D),
-                              char16_t(0xDE00)};
+    const std::u16string lone{
+        u'x', char16_t(0xD83D), u'y', char16_t(0xDE00), u'z', char16_t(0xD83D), char16_t(0xDE00)};
     EXPECT_EQ(Parse(lone).text, "x\xEF\xBF\xBDy\xEF\xBF\xBDz\xF0\x9F\x98\x80");
     // The picture placeholder cannot be smuggled in as text.
     EXPECT_TRUE(Parse(u"\uFFFC").images.empty());
@@ -162,9 +169,11 @@ TEST(MarkupParserTest, EntitiesControlCharactersAndBrokenUtf16) {
 TEST(MarkupParserTest, HostileInputStaysBoundedAndLinear) {
     const auto start = std::chrono::steady_clock::now();
     std::u16string deep;
-    for (int i = 0; i < 10000; ++i) deep += u"<b><i><font color=red><a href='www.x.de'><sup>";
+    for (int i = 0; i < 10000; ++i)
+        deep += u"<b><i><font color=red><a href='www.x.de'><sup>";
     deep += u"core";
-    for (int i = 0; i < 10000; ++i) deep += u"</sup></a></font></i></b>";
+    for (int i = 0; i < 10000; ++i)
+        deep += u"</sup></a></font></i></b>";
     deep += u"tail";
     const MarkupDocument nested = Parse(deep);
     EXPECT_EQ(nested.text, "coretail");
@@ -179,7 +188,8 @@ TEST(MarkupParserTest, HostileInputStaysBoundedAndLinear) {
 
     // Many pictures and many tags: the pictures are capped, the work stays linear.
     std::u16string pictures;
-    for (int i = 0; i < 20000; ++i) pictures += u"<img id='x' w='9'>";
+    for (int i = 0; i < 20000; ++i)
+        pictures += u"<img id='x' w='9'>";
     EXPECT_EQ(Parse(pictures).images.size(), MarkupParser::kMaxImages);
     std::u16string unclosed(30000, u'<');
     unclosed += u"b";
@@ -187,7 +197,8 @@ TEST(MarkupParserTest, HostileInputStaysBoundedAndLinear) {
     EXPECT_EQ(lt.text.substr(lt.text.size() - 2), "<b");
     EXPECT_TRUE(lt.runs.size() == 1 && lt.links.empty());
     std::u16string openTags;
-    for (int i = 0; i < 100000; ++i) openTags += u"<a href='";
+    for (int i = 0; i < 100000; ++i)
+        openTags += u"<a href='";
     EXPECT_EQ(Parse(openTags).links.size(), 0u);
     // Generous bound: the point is "not quadratic", which would take minutes.
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
@@ -197,7 +208,8 @@ TEST(MarkupParserTest, LongWordsAndLinesGetBreakOpportunities) {
     const std::string zwsp = "\xE2\x80\x8B";
     // Words up to the limit stay as they are, a longer one is given
     // invisible break points.
-    EXPECT_EQ(Parse(std::u16string(MarkupParser::kLongWord, u'a')).text, std::string(MarkupParser::kLongWord, 'a'));
+    EXPECT_EQ(Parse(std::u16string(MarkupParser::kLongWord, u'a')).text,
+              std::string(MarkupParser::kLongWord, 'a'));
     const std::string longWord = Parse(std::u16string(MarkupParser::kLongWord + 20, u'a') + u" b").text;
     const std::string head(MarkupParser::kLongWord, 'a');
     const std::string step(MarkupParser::kLongWordStep, 'a');
