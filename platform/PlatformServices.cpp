@@ -34,9 +34,14 @@ bool PlatformServices::SendMail(const std::string& address) {
 }
 
 bool PlatformServices::CallNumber(const std::string& number) {
-    if (number.empty())
+    // Blanks only group the digits for the eye; a tel: address has none.
+    std::string compact;
+    for (char ch : number)
+        if (ch != ' ' && ch != '\t')
+            compact += ch;
+    if (compact.empty())
         return false;
-    return RunHelper("xdg-open", "tel:" + number);
+    return RunHelper("xdg-open", "tel:" + compact);
 }
 
 bool PlatformServices::OpenPath(const std::string& path) {

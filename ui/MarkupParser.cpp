@@ -388,7 +388,9 @@ void MarkupParser::OpenLink(std::u16string_view attributes) {
             id = value;
         }
     });
-    link.target = std::u16string(hasHref && !href.empty() ? href : onclick);
+    // An in-page anchor ("#") leaves the tap to the onclick text.
+    const bool useHref = hasHref && !href.empty() && !(href[0] == u'#' && !onclick.empty());
+    link.target = std::u16string(useHref ? href : onclick);
     if (link.target.empty())
         return; // an anchor, not a link
     link.id = std::u16string(id);

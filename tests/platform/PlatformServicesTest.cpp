@@ -33,11 +33,12 @@ TEST(PlatformServicesTest, HandOffsBecomeXdgCommandLines) {
                                                          {"xdg-open", "http://WWW.Example.org"},
                                                          {"xdg-open", "https://x.org/?q=1&r=2"},
                                                          {"xdg-email", "anna@x.org"},
-                                                         {"xdg-open", "tel:+49 (30) 1234"},
+                                                         {"xdg-open", "tel:+49(30)1234"},
                                                          {"xdg-open", "/home/me/My Notes.txt"},
                                                          {"gio", "open", "x"}};
     EXPECT_EQ(recorder.Programs(), expected);
-    EXPECT_EQ(recorder.Calls()[4], "xdg-open tel:+49 (30) 1234");
+    EXPECT_EQ(recorder.Calls()[4], "xdg-open tel:+49(30)1234");
+    EXPECT_FALSE(services.CallNumber("  "));
 }
 
 TEST(PlatformServicesTest, EmptyArgumentsAndOptionLookalikesStartNothing) {

@@ -83,7 +83,7 @@ TEST_F(LinkDispatcherTest, HandOffsHappenOnlyAfterYes) {
     const std::vector<std::vector<std::string>> expected{{"xdg-open", "http://www.Example.org"},
                                                          {"xdg-open", "https://x.org/p?q=1"},
                                                          {"xdg-email", "Anna@x.org"},
-                                                         {"xdg-open", "tel:+49 30 1234"},
+                                                         {"xdg-open", "tel:+49301234"},
                                                          {"xdg-open", "/tmp/a b.txt"}};
     EXPECT_EQ(recorder_.Programs(), expected);
     EXPECT_TRUE(messages_.empty());

@@ -91,6 +91,8 @@ TEST(MarkupParserTest, LinkAttributesAreMatchedAsSpelled) {
     EXPECT_EQ(doc.links[2].target, u"alert('hi')");
     EXPECT_EQ(doc.links[3].target, u"tel:123");
     EXPECT_EQ(doc.text, "site and mail alert plain call");
+    EXPECT_EQ(Parse(u"<a href='#' onclick='alert('x')'>a</a>").links[0].target, u"alert('x')");
+    EXPECT_EQ(Parse(u"<a href='#top'>a</a>").links[0].target, u"#top");
     EXPECT_EQ(StyleAt(doc, Find(doc, "site")).link, 0);
     EXPECT_EQ(StyleAt(doc, Find(doc, " and")).link, -1);
     // A colour set inside a link is the link's own; one around it is not.
