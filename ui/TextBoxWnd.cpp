@@ -110,10 +110,15 @@ void TextBoxWnd::SetText(const std::u16string& markup) {
     layout_.SetDocument(MarkupParser::Parse(text_));
     layoutWidth_ = -1;
     pressedLink_ = -1;
-    Relayout();
-    if (scroller_)
+    if (!scroller_)
+        return; // Create lays it out
+    // A new text starts at its top.
+    scroller_->StopMotion();
+    const bool scrolled = scroller_->Position() != 0;
+    Relayout(true);
+    if (scrolled)
         scroller_->SetPosition(0);
-    if (window)
+    else
         InvalidateRect(window, nullptr, false);
 }
 
@@ -144,14 +149,14 @@ void TextBoxWnd::SetPictureSource(RichTextLayout::PictureSource source) {
 
 // The measuring pass, for the current width: what the viewport shows now,
 // the rest on the timer. The drawing pass is DrawContent.
-void TextBoxWnd::Relayout() {
+void TextBoxWnd::Relayout(bool fromTop) {
     if (!window || !scroller_ || !font_)
         return;
     RECT client;
     GetClientRect(window, &client);
     const int width = std::max(1, client.Width() - 2 * Padding());
     if (width != layoutWidth_) {
-        const int visibleBottom = std::max(0, scroller_->Position()) + client.Height();
+        const int visibleBottom = (fromTop ? 0 : std::max(0, scroller_->Position())) + client.Height();
         layout_.Build(*font_, width, colors_.link, pictures_, visibleBottom);
         layoutWidth_ = width;
         if (!layout_.IsComplete())

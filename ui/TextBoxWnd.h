@@ -89,7 +89,9 @@ private:
     class ContentItem;
     friend class ContentItem;
 
-    void Relayout();
+    // Lays the text out again if the width changed, measuring what is in
+    // view (or the first screen, `fromTop`).
+    void Relayout(bool fromTop = false);
     // Gives the scroller the text's height as far as it is known.
     void UpdateContentHeight();
     // Measures what the viewport shows; the rest is measured on the timer.

@@ -234,6 +234,20 @@ TEST_F(TextBoxTest, AFlingScrollsAndBouncesBackAtTheEnd) {
     EXPECT_EQ(box.Scroller().Position(), 0);
 }
 
+TEST_F(TextBoxTest, ANewTextStartsAtItsTop) {
+    std::u16string markup;
+    for (int i = 0; i < 100; ++i)
+        markup += u"line " + ToU16(i) + u"<br>";
+    TextBoxWnd& box = MakeBox(markup, 0, 0, 480, 300);
+    box.Scroller().SetPosition(1000);
+    windows_->RunUntilIdle();
+    box.SetText(u"<b>short</b>");
+    windows_->RunUntilIdle();
+    EXPECT_EQ(box.Scroller().Position(), 0);
+    EXPECT_EQ(box.Scroller().MaxPosition(), 0);
+    EXPECT_LT(InkBounds(RECT{0, 0, 480, 300}).top, 20);
+}
+
 TEST_F(TextBoxTest, HorizontalSwipesGoToTheOwner) {
     TextBoxWnd& box = MakeBox(u"Monday", 0, 0, 480, 300);
     std::vector<bool> swipes;
