@@ -18,7 +18,7 @@ public:
     virtual bool OpenUrl(const std::string& url);
     // xdg-email ADDRESS
     virtual bool SendMail(const std::string& address);
-    // xdg-open tel:NUMBER
+    // xdg-open tel:NUMBER, the number without its blanks
     virtual bool CallNumber(const std::string& number);
     // xdg-open PATH
     virtual bool OpenPath(const std::string& path);

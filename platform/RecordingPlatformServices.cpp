@@ -8,13 +8,15 @@ RecordingPlatformServices::RecordingPlatformServices() : previous_(&PlatformServ
 
 RecordingPlatformServices::~RecordingPlatformServices() {
     // Gives back whatever was installed before, unless someone replaced us meanwhile.
-    if (&PlatformServices::Instance() == this) PlatformServices::SetInstance(previous_);
+    if (&PlatformServices::Instance() == this)
+        PlatformServices::SetInstance(previous_);
 }
 
 bool RecordingPlatformServices::RunProgram(const std::vector<std::string>& argv) {
     std::string line;
     for (const std::string& arg : argv) {
-        if (!line.empty()) line += ' ';
+        if (!line.empty())
+            line += ' ';
         line += arg;
     }
     calls_.push_back(std::move(line));

@@ -19,7 +19,8 @@ class SpawnAttributes {
 public:
     SpawnAttributes() { ok_ = posix_spawnattr_init(&attr_) == 0; }
     ~SpawnAttributes() {
-        if (ok_) posix_spawnattr_destroy(&attr_);
+        if (ok_)
+            posix_spawnattr_destroy(&attr_);
     }
     SpawnAttributes(const SpawnAttributes&) = delete;
     SpawnAttributes& operator=(const SpawnAttributes&) = delete;
@@ -33,14 +34,17 @@ private:
 } // namespace
 
 bool SpawnedPlatformServices::RunProgram(const std::vector<std::string>& argv) {
-    if (argv.empty() || argv[0].empty()) return false;
+    if (argv.empty() || argv[0].empty())
+        return false;
     std::vector<char*> args;
     args.reserve(argv.size() + 1);
-    for (const std::string& arg : argv) args.push_back(const_cast<char*>(arg.c_str()));
+    for (const std::string& arg : argv)
+        args.push_back(const_cast<char*>(arg.c_str()));
     args.push_back(nullptr);
 
     SpawnAttributes attributes;
-    if (!attributes.Ok()) return false;
+    if (!attributes.Ok())
+        return false;
     // The child starts with no signals blocked and default handlers, whatever
     // our threads have set up.
     sigset_t none, all;
@@ -48,7 +52,8 @@ bool SpawnedPlatformServices::RunProgram(const std::vector<std::string>& argv) {
     sigfillset(&all);
     posix_spawnattr_setsigmask(attributes.Get(), &none);
     posix_spawnattr_setsigdefault(attributes.Get(), &all);
-    posix_spawnattr_setflags(attributes.Get(), POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    posix_spawnattr_setflags(attributes.Get(),
+                             POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
 
     pid_t pid = 0;
     const int error = posix_spawnp(&pid, args[0], nullptr, attributes.Get(), args.data(), environ);
