@@ -106,18 +106,27 @@ std::u16string ToLower(std::u16string_view text) {
 }
 
 std::u16string FoldCase(std::u16string_view text) {
-    if (text.empty()) return {};
-    if (text.size() > static_cast<size_t>(INT32_MAX / 4)) return std::u16string(text);
-    // Folding grows a text by at most three units per unit ("ΐ" becomes three).
-    std::u16string out(text.size() * 3, u'\0');
-    UErrorCode status = U_ZERO_ERROR;
-    const int32_t length =
-        u_strFoldCase(reinterpret_cast<UChar*>(out.data()), static_cast<int32_t>(out.size()),
-                      reinterpret_cast<const UChar*>(text.data()), static_cast<int32_t>(text.size()),
-                      U_FOLD_CASE_DEFAULT, &status);
-    if (U_FAILURE(status)) return ToLower(text);
-    out.resize(static_cast<size_t>(length));
+    std::u16string out;
+    FoldCaseInto(text, out);
     return out;
+}
+
+void FoldCaseInto(std::u16string_view text, std::u16string& out) {
+    if (text.empty() || text.size() > static_cast<size_t>(INT32_MAX / 4)) {
+        out.assign(text);
+        return;
+    }
+    // Folding grows a text by at most three units per unit ("ΐ" becomes three).
+    out.resize(text.size() * 3);
+    UErrorCode status = U_ZERO_ERROR;
+    const int32_t length = u_strFoldCase(reinterpret_cast<UChar*>(out.data()), static_cast<int32_t>(out.size()),
+                                         reinterpret_cast<const UChar*>(text.data()),
+                                         static_cast<int32_t>(text.size()), U_FOLD_CASE_DEFAULT, &status);
+    if (U_FAILURE(status)) {
+        out = ToLower(text);
+        return;
+    }
+    out.resize(static_cast<size_t>(length));
 }
 
 bool IsWordCharacter(char32_t codePoint) {

@@ -22,6 +22,8 @@ std::string ToLowerAscii(std::string_view text);
 // Full Unicode case folding (ICU's default): "STRASSE", "straße" and
 // "Straße" all become "strasse". The length may change.
 std::u16string FoldCase(std::u16string_view text);
+// The same into `out`, reusing its storage (for loops over many texts).
+void FoldCaseInto(std::u16string_view text, std::u16string& out);
 
 inline bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 inline bool IsLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
