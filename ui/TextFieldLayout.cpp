@@ -62,6 +62,7 @@ void TextFieldLayout::SetText(const std::u16string& text, const Font& font, int 
 
     pango_layout_set_font_description(layout_, font.Description());
     pango_layout_set_attributes(layout_, nullptr);
+    marks_ = Marks{};
     if (wrapWidth > 0) {
         pango_layout_set_width(layout_, wrapWidth * PANGO_SCALE);
         pango_layout_set_wrap(layout_, PANGO_WRAP_WORD_CHAR);
@@ -133,6 +134,20 @@ int TextFieldLayout::LineEnd(int index) const {
 
 void TextFieldLayout::SetMarks(int selectionStart, int selectionEnd, COLORREF selectionText,
                                COLORREF selectionBack, int compositionStart, int compositionEnd) {
+    Marks marks;
+    if (selectionEnd > selectionStart) {
+        marks.selectionStart = selectionStart;
+        marks.selectionEnd = selectionEnd;
+        marks.selectionText = selectionText;
+        marks.selectionBack = selectionBack;
+    }
+    if (compositionEnd > compositionStart) {
+        marks.compositionStart = compositionStart;
+        marks.compositionEnd = compositionEnd;
+    }
+    if (marks == marks_)
+        return;
+    marks_ = marks;
     PangoAttrList* attributes = pango_attr_list_new();
     if (selectionEnd > selectionStart) {
         const guint start = static_cast<guint>(ByteOf(selectionStart)),
@@ -165,8 +180,24 @@ void TextFieldLayout::Draw(Dc& dc, int x, int y, COLORREF color) const {
     cairo_save(cr);
     cairo_set_source_rgb(cr, GetRValue(color) / 255.0, GetGValue(color) / 255.0, GetBValue(color) / 255.0);
     cairo_set_antialias(cr, CAIRO_ANTIALIAS_DEFAULT);
-    cairo_move_to(cr, x - offsetX_, y);
-    pango_cairo_show_layout(cr, layout_);
+    // Only the lines inside the clip are drawn: a long note in a small field
+    // costs no more to paint than what shows.
+    double clipLeft = 0, clipTop = 0, clipRight = 0, clipBottom = 0;
+    cairo_clip_extents(cr, &clipLeft, &clipTop, &clipRight, &clipBottom);
+    PangoLayoutIter* iter = pango_layout_get_iter(layout_);
+    do {
+        int top = 0, bottom = 0;
+        pango_layout_iter_get_line_yrange(iter, &top, &bottom);
+        if (y + Pixels(bottom) < clipTop)
+            continue;
+        if (y + Pixels(top) > clipBottom)
+            break;
+        PangoRectangle logical;
+        pango_layout_iter_get_line_extents(iter, nullptr, &logical);
+        cairo_move_to(cr, x - offsetX_ + Pixels(logical.x), y + Pixels(pango_layout_iter_get_baseline(iter)));
+        pango_cairo_show_layout_line(cr, pango_layout_iter_get_line_readonly(iter));
+    } while (pango_layout_iter_next_line(iter));
+    pango_layout_iter_free(iter);
     cairo_restore(cr);
 }
 

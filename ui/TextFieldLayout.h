@@ -57,6 +57,12 @@ private:
     int lineHeight_ = 1;
     int offsetX_ = 0;
     int length_ = 0;
+    // The marks set last: setting the same again would lay the text out anew.
+    struct Marks {
+        int selectionStart = 0, selectionEnd = 0, compositionStart = 0, compositionEnd = 0;
+        COLORREF selectionText = 0, selectionBack = 0;
+        bool operator==(const Marks&) const = default;
+    } marks_;
 };
 
 } // namespace mirodate
