@@ -223,9 +223,18 @@ TEST_F(TextFieldTest, DragDoubleTapAndKeysSelect) {
     EXPECT_EQ(field_.SelectionStart(), 0);
     EXPECT_EQ(field_.SelectionEnd(), 14);
     EXPECT_EQ(field_.GetText(), u"xxxx yyyy zzzz"); // ctrl+a typed nothing
+    // The selection shows: its background fills the text's cells.
+    auto selectionPixels = [&] {
+        int count = 0;
+        for (int x = kLeft; x < kLeft + kWidth; ++x)
+            count += FramePixel(x, y) == RGB(0x33, 0x66, 0xCC);
+        return count;
+    };
+    EXPECT_GT(selectionPixels(), (right - textLeft) / 2);
     // Typing replaces the selection.
     Play("text new\n");
     EXPECT_EQ(field_.GetText(), u"new");
+    EXPECT_EQ(selectionPixels(), 0);
 }
 
 TEST_F(TextFieldTest, ClipboardCarriesTextBetweenFields) {
