@@ -87,9 +87,12 @@ int TextFieldLayout::ByteOf(int index) const {
 }
 
 int TextFieldLayout::IndexOfByte(int byte) const {
-    // The first position at or after the byte; positions inside a pair were
-    // given the pair's end, so the pair's start comes first.
-    auto it = std::lower_bound(byteOf_.begin(), byteOf_.end(), byte);
+    // The last position at the byte: the low half of a pair shares the
+    // offset of the character after it, and the position after the pair is
+    // the one meant. Pango only hands out offsets of character starts.
+    auto it = std::upper_bound(byteOf_.begin(), byteOf_.end(), byte);
+    if (it != byteOf_.begin())
+        --it;
     return static_cast<int>(std::min<std::ptrdiff_t>(it - byteOf_.begin(), length_));
 }
 

@@ -237,6 +237,27 @@ TEST_F(TextFieldTest, DragDoubleTapAndKeysSelect) {
     EXPECT_EQ(selectionPixels(), 0);
 }
 
+TEST_F(TextFieldTest, TheCaretStepsOverSurrogatePairsAndTapsLandBesideThem) {
+    field_.SetText(u"a😀b");
+    Focus(field_);
+    Play("key home\nkey right\nkey right\n");
+    EXPECT_EQ(field_.Caret(), 3); // after the pair, never inside it
+    Play("key back\n");
+    EXPECT_EQ(field_.GetText(), u"ab");
+    field_.SetText(u"😀😀😀😀");
+    windows_->RunUntilIdle();
+    // A tap past the end puts the caret after the last pair.
+    Tap(kLeft + kWidth - 10, kTop + kHeight / 2);
+    EXPECT_EQ(field_.Caret(), 8);
+    windows_->RunFor(600);
+    // Taps anywhere over the text land between pairs.
+    for (int x = kLeft + 6; x < TextRight(); x += 7) {
+        Tap(x, kTop + kHeight / 2);
+        windows_->RunFor(600);
+        EXPECT_EQ(field_.Caret() % 2, 0) << "tap at " << x;
+    }
+}
+
 TEST_F(TextFieldTest, ClipboardCarriesTextBetweenFields) {
     TextFieldWnd other;
     other.Create(page_.GetHwnd(), 8, 20, 300, 400, 50, false);
