@@ -501,7 +501,16 @@ LRESULT TextFieldWnd::OnKillFocus(HWND) {
 // ---- pointer ---------------------------------------------------------------
 
 LRESULT TextFieldWnd::OnPointerDown(int button, int x, int y, WPARAM) {
-    if (button != 0 || !IsWindowEnabled(window))
+    if (!IsWindowEnabled(window))
+        return 0;
+    if (button == 1) {
+        // A mouse's right button asks for the pop-up at once, as a long press does.
+        if (GetFocus() != window)
+            SetFocus(window);
+        OpenMenu();
+        return 0;
+    }
+    if (button != 0)
         return 0;
     if (GetFocus() != window)
         SetFocus(window);

@@ -340,6 +340,25 @@ TEST_F(TextFieldTest, LongPressOpensThePopUpAndTheChosenCommandActsOnTheField) {
     EXPECT_EQ(page_.Count(EN_CHANGE), changes + 1);
 }
 
+TEST_F(TextFieldTest, TheRightMouseButtonOpensThePopUpAtOnce) {
+    field_.SetText(u"text");
+    DisplayEvent press;
+    press.type = DisplayEvent::Type::PointerDown;
+    press.button = 1;
+    press.x = kLeft + 20;
+    press.y = kTop + 20;
+    display_->Inject(press);
+    press.type = DisplayEvent::Type::PointerUp;
+    display_->Inject(press);
+    windows_->RunFor(200);
+    const HWND menu = FindWindow(nullptr, kContextMenuTitle);
+    ASSERT_TRUE(menu);
+    EXPECT_TRUE(IsWindowVisible(menu));
+    SendMessage(menu, WM_CLOSE_POPUP, 0, 0);
+    windows_->RunUntilIdle();
+    EXPECT_FALSE(FindWindow(nullptr, kContextMenuTitle));
+}
+
 TEST_F(TextFieldTest, InsertCommandsGoToTheParentOnlyWhenEnabled) {
     SendMessage(field_.GetHwnd(), WM_COMMAND, TextFieldWnd::kCommandInsertDate, 0);
     EXPECT_TRUE(page_.inserts.empty()); // greyed entries never act
