@@ -14,6 +14,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <string>
 #include <unistd.h>
@@ -25,6 +26,14 @@ using Clock_ = std::chrono::steady_clock;
 namespace {
 double Since(Clock_::time_point start) {
     return std::chrono::duration<double, std::milli>(Clock_::now() - start).count();
+}
+
+// CPU time of this thread: on a machine shared with other work it says what
+// the search costs better than the wall clock does.
+double ThreadCpuMs() {
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) * 1000.0 + static_cast<double>(now.tv_nsec) / 1e6;
 }
 
 double Median(std::vector<double> values) {
@@ -72,17 +81,19 @@ int main() {
                     {u"zqxj", "Search(\"zqxj\"), found nowhere", false},
                     {u"e", "Search(\"e\"), one letter", false}};
     for (const auto& search : searches) {
-        std::vector<double> times;
+        std::vector<double> times, cpu;
         std::size_t found = 0;
         for (int round = 0; round < 7; ++round) {
             std::vector<PimItem> appointments, tasks;
             const auto start = Clock_::now();
+            const double cpuStart = ThreadCpuMs();
             store.Search(search.text, PimStore::SearchOptions{}, appointments, tasks);
+            cpu.push_back(ThreadCpuMs() - cpuStart);
             times.push_back(Since(start));
             found = appointments.size() + tasks.size();
         }
-        std::printf("%-40s %8.2f ms (median of 7, %zu matches%s)\n", search.label, Median(times), found,
-                    search.target ? "; target < 30 ms" : "");
+        std::printf("%-40s %8.2f ms wall, %8.2f ms CPU (medians of 7, %zu matches%s)\n", search.label,
+                    Median(times), Median(cpu), found, search.target ? "; target < 30 ms" : "");
     }
 
     // Every task of the folder, as the tasks view holds them, in each order.
