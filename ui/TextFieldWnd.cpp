@@ -60,8 +60,16 @@ TextFieldWnd::TextFieldWnd() {
 }
 
 TextFieldWnd::~TextFieldWnd() {
+    // Past this point the window's messages reach only the base class.
     if (window && WindowManager::HasCurrent() && IsWindow(window) && GetFocus() == window)
         Wm().GetDisplay().StopTextInput();
+}
+
+void TextFieldWnd::OnDestroy() {
+    // A field destroyed with its page takes the keyboard with it.
+    if (GetFocus() == window)
+        Wm().GetDisplay().StopTextInput();
+    BaseWnd::OnDestroy();
 }
 
 HWND TextFieldWnd::Create(HWND parent, int id, int x, int y, int width, int height, bool multiLine) {
@@ -76,7 +84,6 @@ HWND TextFieldWnd::Create(HWND parent, int id, int x, int y, int width, int heig
         scroller_ = std::make_unique<TouchScroller>(window, *this, 1);
         scroller_->Add(std::make_unique<TextContent>(layout_));
     }
-    layoutWidth_ = -1;
     Relayout();
     return window;
 }
@@ -85,6 +92,7 @@ HWND TextFieldWnd::Create(HWND parent, int id, int x, int y, int width, int heig
 
 void TextFieldWnd::SetText(const std::u16string& text) {
     composition_.clear();
+    compositionCursor_ = 0;
     buffer_.SetText(text);
     Relayout();
     EnsureCaretVisible();
@@ -99,7 +107,6 @@ void TextFieldWnd::SetLimit(std::size_t units) {
 
 void TextFieldWnd::SetFont(const LOGFONT& logFont) {
     font_ = std::make_unique<Font>(logFont);
-    layoutWidth_ = -1;
     Relayout();
     if (window)
         InvalidateRect(window, nullptr, false);
@@ -137,7 +144,6 @@ void TextFieldWnd::Relayout() {
         shown.insert(static_cast<size_t>(buffer_.Caret()), composition_);
         layout_.SetText(shown, *font_, wrap);
     }
-    layoutWidth_ = wrap;
     if (scroller_) {
         scroller_->SetViewport(area);
         scroller_->Layout();

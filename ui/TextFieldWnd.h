@@ -100,6 +100,7 @@ public:
     void OnCommand(UINT id, UINT code, HWND control) override;
     void OnTimer(UINT_PTR id) override;
     void OnSize(UINT sizeParam, UINT type) override;
+    void OnDestroy() override;
     LRESULT OnSetFocus(HWND previous) override;
     LRESULT OnKillFocus(HWND next) override;
     LRESULT WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override;
@@ -144,7 +145,6 @@ private:
     bool noInsert_ = false;
     bool insertEnabled_ = false;
     int scrollX_ = 0;
-    int layoutWidth_ = -1;
 
     Press press_ = Press::None;
     int pressX_ = 0;

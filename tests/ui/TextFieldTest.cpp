@@ -141,8 +141,12 @@ TEST_F(TextFieldTest, ScriptTextAndKeyLinesTypeAndEditAtTheCaret) {
     Play("key x\nkey shift+y\n");
     EXPECT_EQ(field_.GetText(), u">Helloörld<xY");
 
-    // Focus elsewhere ends text input.
+    // Focus elsewhere ends text input, and so does a focused field going away.
     SetFocus(page_.GetHwnd());
+    EXPECT_FALSE(display_->IsTextInputActive());
+    Focus(field_);
+    EXPECT_TRUE(display_->IsTextInputActive());
+    DestroyWindow(page_.GetHwnd());
     EXPECT_FALSE(display_->IsTextInputActive());
 }
 
