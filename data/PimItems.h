@@ -24,6 +24,10 @@ public:
     // false for any other.
     virtual bool Sort(const std::u16string& property, bool descending) = 0;
     virtual void SetIncludeRecurrences(bool include) = 0;
+    // Find and FindNext then leave out items whose subject, location, notes
+    // and categories do not contain `text`, compared case folded and
+    // literally; an empty text lifts the filter.
+    virtual void SetTextFilter(const std::u16string& text) = 0;
     virtual FindResult Find(const std::u16string& restriction, PimRecord& item) = 0;
     virtual FindResult FindNext(PimRecord& item) = 0;
     // Every item of the folder, series as one item, in the current sort.

@@ -1,5 +1,7 @@
 #include "data/PimStore.h"
 
+#include "data/TextMatcher.h"
+
 #include "data/Categories.h"
 #include "platform/Clock.h"
 #include "platform/Log.h"
@@ -58,15 +60,6 @@ PimItem ToTask(const PimRecord& record) {
     item.isRecurring = record.isRecurring;
     if (item.isRecurring) item.recurrence = record.recurrence;
     return item;
-}
-
-bool ContainsFolded(const std::u16string& haystack, const std::u16string& foldedNeedle) {
-    return !haystack.empty() && ToLower(haystack).find(foldedNeedle) != std::u16string::npos;
-}
-
-bool TextMatches(const PimItem& item, const std::u16string& foldedText) {
-    return ContainsFolded(item.subject, foldedText) || ContainsFolded(item.location, foldedText) ||
-           ContainsFolded(item.body, foldedText) || ContainsFolded(item.categories, foldedText);
 }
 
 // Position after the last appointment starting no later than `start`;
@@ -139,13 +132,14 @@ FilterConfig PimStore::GetFilters() const {
 }
 
 bool PimStore::RunQuery(int folderId, const std::u16string& restriction, const std::u16string& sort,
-                        std::vector<PimItem>& items) {
+                        std::vector<PimItem>& items, const std::u16string& text) {
     if (!source_) return false;
     auto folder = source_->GetDefaultFolder(folderId);
     if (!folder) return false;
     auto collection = folder->GetItems();
     if (!collection || !collection->Sort(sort, false)) return false;
     collection->SetIncludeRecurrences(true);
+    collection->SetTextFilter(text);
     PimRecord record;
     FindResult result = collection->Find(restriction, record);
     if (result == FindResult::BadRestriction) {
@@ -499,30 +493,32 @@ void PimStore::ApplyNotification(const PimNotification& notification) {
 
 void PimStore::Search(const std::u16string& text, const SearchOptions& options,
                       std::vector<PimItem>& appointments, std::vector<PimItem>& tasks) {
-    const std::u16string folded = ToLower(text);
-    if (folded.empty()) return;
+    TextMatcher matcher(text);
+    if (matcher.IsEmpty()) return;
     std::lock_guard lock(storeMutex_);
     const DateTime today = DateTime::Today();
     const DateTime last = today + DateTimeSpan(kSearchDays);
+    // The store leaves out what does not contain the text before it makes
+    // items of the rest: most of a year's occurrences never become items.
     if (options.appointments) {
         std::vector<PimItem> found;
         RunQuery(kFolderCalendar, Format("[Start]>= <%ld AND [Start]<= <%ld", today.DayNumber(), last.DayNumber()),
-                 u"[Start]", found);
+                 u"[Start]", found, text);
         for (auto& item : found)
-            if (TextMatches(item, folded) && filter_.Keep(item)) appointments.push_back(std::move(item));
+            if (filter_.Keep(item)) appointments.push_back(std::move(item));
     }
     if (options.birthdays || options.anniversaries) {
         std::vector<PimItem> dates;
         QueryContactDates(today.GetYear(), today.GetMonth(), today.GetDay(), last.GetYear(), last.GetMonth(),
                           last.GetDay(), options.birthdays, options.anniversaries, dates);
         for (auto& item : dates)
-            if (ContainsFolded(item.subject, folded)) appointments.push_back(std::move(item));
+            if (matcher.Contains(item.subject)) appointments.push_back(std::move(item));
     }
     if (options.tasks) {
         std::vector<PimItem> found;
-        RunQuery(kFolderTasks, u"", u"[DueDate]", found);
+        RunQuery(kFolderTasks, u"", u"[DueDate]", found, text);
         for (auto& item : found)
-            if (TextMatches(item, folded) && filter_.Keep(item)) tasks.push_back(std::move(item));
+            if (filter_.Keep(item)) tasks.push_back(std::move(item));
     }
 }
 

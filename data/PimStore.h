@@ -89,9 +89,11 @@ public:
     // Applies a change report to the cache (remove, or remove and reload).
     void ApplyNotification(const PimNotification& notification);
 
-    // Appointments from today to a year ahead and tasks whose text contains
-    // `text` (case-insensitive), with birthdays and anniversaries of that
-    // year whose name does.
+    // Appointments starting from today to a year ahead and tasks whose
+    // subject, location, notes or categories contain `text`, with the
+    // birthdays and anniversaries of that year whose title ("Name (age)")
+    // does. The text is taken literally and compared case folded, so
+    // "STRASSE" finds "Straße".
     void Search(const std::u16string& text, const SearchOptions& options, std::vector<PimItem>& appointments,
                 std::vector<PimItem>& tasks);
 
@@ -110,8 +112,9 @@ private:
         bool anniversaryHasYear = true;
     };
 
+    // With `text`, only items whose texts contain it (case folded).
     bool RunQuery(int folderId, const std::u16string& restriction, const std::u16string& sort,
-                  std::vector<PimItem>& items);
+                  std::vector<PimItem>& items, const std::u16string& text = {});
     void EnsureContacts();
     void AddContactItems(const ContactDates& contact, std::int32_t oid, double first, double last, int kind,
                          std::vector<PimItem>& items) const;

@@ -20,6 +20,17 @@ std::uint32_t HeadlessDisplay::PixelAt(int x, int y) const {
     return frame_[static_cast<size_t>(y) * static_cast<size_t>(width_) + static_cast<size_t>(x)] & 0xFFFFFF;
 }
 
+void HeadlessDisplay::StartTextInput(int x, int y, int, int) {
+    textInputActive_ = true;
+    textInputX_ = x;
+    textInputY_ = y;
+}
+
+bool HeadlessDisplay::SetClipboardText(const std::string& utf8) {
+    clipboard_ = utf8;
+    return true;
+}
+
 bool HeadlessDisplay::PollEvent(DisplayEvent& event) {
     std::lock_guard lock(mutex_);
     if (events_.empty()) return false;

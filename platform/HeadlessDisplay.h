@@ -23,6 +23,13 @@ public:
     void SetFullScreen(bool fullScreen) override { fullScreen_ = fullScreen; }
     bool IsFullScreen() const override { return fullScreen_; }
     bool IsHeadless() const override { return true; }
+    void StartTextInput(int x, int y, int width, int height) override;
+    void StopTextInput() override { textInputActive_ = false; }
+    bool IsTextInputActive() const override { return textInputActive_; }
+    // An in-process clipboard: what one window copies, another pastes.
+    bool HasClipboardText() const override { return !clipboard_.empty(); }
+    std::string GetClipboardText() const override { return clipboard_; }
+    bool SetClipboardText(const std::string& utf8) override;
 
     // Queues an input event as if the user made it. A Resize event changes the
     // display size when it is taken, like a rotated screen.
@@ -33,11 +40,18 @@ public:
     const std::vector<std::uint32_t>& Frame() const { return frame_; }
     std::uint32_t PixelAt(int x, int y) const;
     int PresentCount() const { return presentCount_; }
+    // Where the last StartTextInput asked the text to go.
+    int TextInputX() const { return textInputX_; }
+    int TextInputY() const { return textInputY_; }
 
 private:
     int width_;
     int height_;
     bool fullScreen_ = false;
+    bool textInputActive_ = false;
+    int textInputX_ = 0;
+    int textInputY_ = 0;
+    std::string clipboard_;
     std::vector<std::uint32_t> frame_;
     int presentCount_ = 0;
 

@@ -65,6 +65,8 @@ std::unique_ptr<SdlDisplay> SdlDisplay::Open(const std::string& title, int width
     // A finger on a touch screen also produces a mouse event; we read fingers
     // and real mice separately, so the synthetic copies are not wanted.
     SDL_SetHint(SDL_HINT_TOUCH_MOUSE_EVENTS, "0");
+    // Compositions of any length come whole rather than cut at 32 bytes.
+    SDL_SetHint(SDL_HINT_IME_SUPPORT_EXTENDED_TEXT, "1");
     if (SDL_InitSubSystem(SDL_INIT_VIDEO | SDL_INIT_EVENTS) != 0) {
         error = std::string("cannot open a window: ") + SDL_GetError();
         return nullptr;
@@ -87,7 +89,9 @@ std::unique_ptr<SdlDisplay> SdlDisplay::Open(const std::string& title, int width
     SDL_GetWindowSize(display->window_, &display->width_, &display->height_);
     display->wakeEventType_ = SDL_RegisterEvents(1);
     display->pending_ = std::make_unique<SDL_Event>();
-    SDL_StartTextInput();
+    // SDL starts with text input on; it is turned on while a text field has
+    // the focus, so that a phone shows its keyboard only then.
+    SDL_StopTextInput();
     return display;
 }
 
@@ -165,6 +169,20 @@ bool SdlDisplay::Translate(const SDL_Event& sdl, DisplayEvent& event) {
         event.type = T::Text;
         event.text = sdl.text.text;
         return true;
+    case SDL_TEXTEDITING:
+        event.type = T::Composition;
+        event.text = sdl.edit.text;
+        event.compositionCursor = sdl.edit.start;
+        return true;
+    case SDL_TEXTEDITING_EXT:
+        // A composition too long for the fixed event; SDL hands over a copy.
+        event.type = T::Composition;
+        if (sdl.editExt.text) {
+            event.text = sdl.editExt.text;
+            SDL_free(sdl.editExt.text);
+        }
+        event.compositionCursor = sdl.editExt.start;
+        return true;
     case SDL_WINDOWEVENT:
         if (sdl.window.event != SDL_WINDOWEVENT_SIZE_CHANGED) return false;
         if (sdl.window.data1 == width_ && sdl.window.data2 == height_) return false;
@@ -204,6 +222,30 @@ void SdlDisplay::Wake() {
     event.type = wakeEventType_;
     SDL_PushEvent(&event);
 }
+
+void SdlDisplay::StartTextInput(int x, int y, int width, int height) {
+    SDL_Rect rect{x, y, width, height};
+    SDL_SetTextInputRect(&rect);
+    if (!SDL_IsTextInputActive()) SDL_StartTextInput();
+}
+
+void SdlDisplay::StopTextInput() {
+    if (SDL_IsTextInputActive()) SDL_StopTextInput();
+}
+
+bool SdlDisplay::IsTextInputActive() const { return SDL_IsTextInputActive() == SDL_TRUE; }
+
+bool SdlDisplay::HasClipboardText() const { return SDL_HasClipboardText() == SDL_TRUE; }
+
+std::string SdlDisplay::GetClipboardText() const {
+    char* text = SDL_GetClipboardText();
+    if (!text) return {};
+    std::string copy(text);
+    SDL_free(text);
+    return copy;
+}
+
+bool SdlDisplay::SetClipboardText(const std::string& utf8) { return SDL_SetClipboardText(utf8.c_str()) == 0; }
 
 void SdlDisplay::SetFullScreen(bool fullScreen) {
     if (fullScreen == fullScreen_) return;

@@ -32,6 +32,12 @@ public:
     void SetFullScreen(bool fullScreen) override;
     bool IsFullScreen() const override { return fullScreen_; }
     bool IsHeadless() const override { return false; }
+    void StartTextInput(int x, int y, int width, int height) override;
+    void StopTextInput() override;
+    bool IsTextInputActive() const override;
+    bool HasClipboardText() const override;
+    std::string GetClipboardText() const override;
+    bool SetClipboardText(const std::string& utf8) override;
 
 private:
     SdlDisplay() = default;

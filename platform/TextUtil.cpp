@@ -4,6 +4,7 @@
 #include <unicode/ustring.h>
 
 #include <climits>
+#include <cstdint>
 
 namespace mirodate {
 
@@ -102,6 +103,35 @@ std::u16string ToLower(std::u16string_view text) {
         if (ch < 0xD800 || ch > 0xDFFF) ch = static_cast<char16_t>(u_tolower(ch));
     }
     return out;
+}
+
+std::u16string FoldCase(std::u16string_view text) {
+    std::u16string out;
+    FoldCaseInto(text, out);
+    return out;
+}
+
+void FoldCaseInto(std::u16string_view text, std::u16string& out) {
+    if (text.empty() || text.size() > static_cast<size_t>(INT32_MAX / 4)) {
+        out.assign(text);
+        return;
+    }
+    // Folding grows a text by at most three units per unit ("ΐ" becomes three).
+    out.resize(text.size() * 3);
+    UErrorCode status = U_ZERO_ERROR;
+    const int32_t length = u_strFoldCase(reinterpret_cast<UChar*>(out.data()), static_cast<int32_t>(out.size()),
+                                         reinterpret_cast<const UChar*>(text.data()),
+                                         static_cast<int32_t>(text.size()), U_FOLD_CASE_DEFAULT, &status);
+    if (U_FAILURE(status)) {
+        out = ToLower(text);
+        return;
+    }
+    out.resize(static_cast<size_t>(length));
+}
+
+bool IsWordCharacter(char32_t codePoint) {
+    return u_isalnum(static_cast<UChar32>(codePoint)) || u_charType(static_cast<UChar32>(codePoint)) == U_CONNECTOR_PUNCTUATION ||
+           u_charType(static_cast<UChar32>(codePoint)) == U_NON_SPACING_MARK;
 }
 
 std::string ToLowerAscii(std::string_view text) {

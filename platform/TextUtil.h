@@ -19,6 +19,16 @@ std::u16string DecodeUtf16Le(std::string_view bytes);
 // Lower-cases with the root locale's simple case mapping (length preserving).
 std::u16string ToLower(std::u16string_view text);
 std::string ToLowerAscii(std::string_view text);
+// Full Unicode case folding (ICU's default): "STRASSE", "straße" and
+// "Straße" all become "strasse". The length may change.
+std::u16string FoldCase(std::u16string_view text);
+// The same into `out`, reusing its storage (for loops over many texts).
+void FoldCaseInto(std::u16string_view text, std::u16string& out);
+
+inline bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+inline bool IsLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+// Letters, digits and connecting marks: what a double tap selects as a word.
+bool IsWordCharacter(char32_t codePoint);
 
 // Decimal conversions in the manner of wcstol/wcstoul: leading white space and
 // a sign are accepted, conversion stops at the first non-digit, no digits give

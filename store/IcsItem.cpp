@@ -324,4 +324,15 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
                      [](const PimRecord& a, const PimRecord& b) { return a.start < b.start; });
 }
 
+std::vector<PimRecord> IcsItem::GetOverrideRecords() const {
+    std::vector<PimRecord> records;
+    records.reserve(overrides_.size());
+    std::string ignored;
+    for (icalcomponent* component : overrides_) {
+        PimRecord record;
+        if (ReadComponent(component, record, ignored)) records.push_back(std::move(record));
+    }
+    return records;
+}
+
 } // namespace mirodate

@@ -39,6 +39,10 @@ public:
     // start, moved and cancelled occurrences applied. A plain item gives
     // itself when it starts in the window.
     void Expand(double from, double before, std::vector<PimRecord>& occurrences) const;
+    // The occurrences that carry texts of their own (moved or retitled), as
+    // written, so that a text search can pass over a series none of whose
+    // texts match without expanding it.
+    std::vector<PimRecord> GetOverrideRecords() const;
 
 private:
     bool ReadComponent(icalcomponent* component, PimRecord& record, std::string& problem) const;

@@ -8,6 +8,14 @@
 
 namespace mirodate {
 
+namespace {
+bool AnyMatches(TextMatcher& matcher, const IcsItem& series) {
+    for (const PimRecord& record : series.GetOverrideRecords())
+        if (matcher.Matches(record)) return true;
+    return false;
+}
+} // namespace
+
 VdirItems::VdirItems(VdirSource& source, VdirSource::Snapshot items) : source_(source), items_(std::move(items)) {}
 
 bool VdirItems::Sort(const std::u16string& property, bool descending) {
@@ -44,6 +52,13 @@ void VdirItems::SortRecords(std::vector<PimRecord>& records) const {
     });
 }
 
+void VdirItems::SetTextFilter(const std::u16string& text) {
+    if (text.empty())
+        textFilter_.reset();
+    else
+        textFilter_.emplace(text);
+}
+
 FindResult VdirItems::Find(const std::u16string& text, PimRecord& item) {
     found_.clear();
     next_ = 0;
@@ -54,7 +69,8 @@ FindResult VdirItems::Find(const std::u16string& text, PimRecord& item) {
     std::vector<PimRecord> occurrences;
     for (const auto& stored : items_) {
         if (!includeRecurrences_ || !stored->series) {
-            if (restriction.Matches(stored->record)) found_.push_back(stored->record);
+            if (restriction.Matches(stored->record) && (!textFilter_ || textFilter_->Matches(stored->record)))
+                found_.push_back(stored->record);
             continue;
         }
         // Only occurrences that can match are made: the restriction bounds
@@ -63,20 +79,25 @@ FindResult VdirItems::Find(const std::u16string& text, PimRecord& item) {
         const double before = window.startBefore;
         if (!std::isfinite(from) || !std::isfinite(before)) {
             // Without bounds a series stays one item.
-            if (restriction.Matches(stored->record)) found_.push_back(stored->record);
+            if (restriction.Matches(stored->record) && (!textFilter_ || textFilter_->Matches(stored->record)))
+                found_.push_back(stored->record);
             continue;
         }
         if (stored->record.start >= before) continue;
         if (stored->seriesEnd != kNoDate && stored->seriesEnd < from) continue;
         auto parsed = source_.GetParsed(stored);
         if (!parsed) continue;
+        if (textFilter_ && !textFilter_->Matches(stored->record) && !AnyMatches(*textFilter_, *parsed))
+            continue; // no occurrence can carry the text: nothing to expand
         occurrences.clear();
         parsed->Expand(from, before, occurrences);
         for (auto& occurrence : occurrences) {
             occurrence.oid = stored->record.oid;
             occurrence.uid = stored->uid;
             occurrence.recurrence = stored->record.recurrence;
-            if (restriction.Matches(occurrence)) found_.push_back(std::move(occurrence));
+            // An occurrence moved or retitled on its own keeps its own texts.
+            if (restriction.Matches(occurrence) && (!textFilter_ || textFilter_->Matches(occurrence)))
+                found_.push_back(std::move(occurrence));
         }
     }
     SortRecords(found_);

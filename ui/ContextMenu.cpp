@@ -87,7 +87,8 @@ BOOL ContextMenu::OnInitDialog() {
 void ContextMenu::OnDialogReady() {
     std::vector<ListRow> rows;
     rows.reserve(items.size());
-    for (const ContextMenuItem& item : items) rows.push_back(ListRow{item.text, item.icon, item.checked});
+    for (const ContextMenuItem& item : items)
+        rows.push_back(ListRow{item.text, item.icon, item.checked, item.enabled});
     list.SetRows(std::move(rows));
     if (preselected != -1) {
         list.SetFirstVisibleRow(preselected - list.VisibleRows() / 2 + 1);
@@ -157,7 +158,7 @@ LRESULT ContextMenu::OnNotify(UINT_PTR, NMHDR* header) {
 
 void ContextMenu::Choose() {
     const int index = list.Selected();
-    if (index < 0 || index >= static_cast<int>(items.size())) return;
+    if (index < 0 || index >= static_cast<int>(items.size()) || !items[index].enabled) return;
     lastChoiceTime = GetTickCount();
     chosenCommand = items[index].command;
     chosen_ = true;
@@ -165,8 +166,12 @@ void ContextMenu::Choose() {
     KillTimer(window, kSlideTimer);
     list.SetMenuOpen(false);
     ShowWindow(window, SW_HIDE);
+    DeliverChoice(chosenCommand);
+}
+
+void ContextMenu::DeliverChoice(UINT command) {
     if (owner)
-        owner->PostDeferredCommand(chosenCommand, this);
+        owner->PostDeferredCommand(command, this);
     else
         PostMessage(window, WM_CLOSE, 0, 0); // nobody to hand the command to
 }

@@ -26,6 +26,7 @@ struct ContextMenuItem {
     bool checked = false;
     int icon = -1; // index in the menu-bar icon strip; -1 = none
     LONG_PTR extra = 0;
+    bool enabled = true; // listed greyed and not choosable when false
 };
 
 class ContextMenu : public DialogWnd {
@@ -56,6 +57,10 @@ public:
     INT_PTR DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override;
     // Called once the menu has reached its place and holds the pointer.
     virtual void OnMenuOpened();
+    // Hands the chosen command on: to the owner page as a deferred command
+    // that also deletes the menu, or, without an owner, nowhere (the menu
+    // closes and deletes itself).
+    virtual void DeliverChoice(UINT command);
 
     // Menus opened and not yet chosen from.
     static int OpenCount();

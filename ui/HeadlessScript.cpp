@@ -3,6 +3,7 @@
 #include "platform/TextUtil.h"
 #include "platform/VirtualKeys.h"
 
+#include <algorithm>
 #include <cctype>
 #include <climits>
 #include <fstream>
@@ -133,29 +134,58 @@ bool HeadlessScript::Parse(const std::string& text, std::vector<ScriptAction>& a
             input(Pointer(T::PointerUp, x2, y2));
         } else if (command == "key") {
             if (args != 1) return fail("expected: key NAME");
-            const std::string name = ToLowerAscii(tokens[1]);
+            // Modifiers in front, joined by '+': ctrl+a, shift+left, ctrl+shift+end.
+            std::vector<std::uint32_t> modifiers;
+            std::string name = tokens[1];
+            for (size_t plus; (plus = name.find('+')) != std::string::npos && plus + 1 < name.size();) {
+                const std::string modifier = ToLowerAscii(name.substr(0, plus));
+                if (modifier == "ctrl" || modifier == "control")
+                    modifiers.push_back(VK_CONTROL);
+                else if (modifier == "shift")
+                    modifiers.push_back(VK_SHIFT);
+                else
+                    return fail("unknown modifier \"" + modifier + "\"");
+                name = name.substr(plus + 1);
+            }
+            const std::string lower = ToLowerAscii(name);
             std::uint32_t key = 0;
             std::string typed;
             for (const KeyName& k : kKeys)
-                if (name == k.name) key = k.key;
-            if (!key && tokens[1].size() == 1 && std::isalnum(static_cast<unsigned char>(tokens[1][0]))) {
-                key = static_cast<std::uint32_t>(std::toupper(static_cast<unsigned char>(tokens[1][0])));
-                typed = tokens[1];
+                if (lower == k.name) key = k.key;
+            if (!key && name.size() == 1 && std::isalnum(static_cast<unsigned char>(name[0]))) {
+                key = static_cast<std::uint32_t>(std::toupper(static_cast<unsigned char>(name[0])));
+                // A held Ctrl makes a shortcut, not a typed character.
+                if (std::find(modifiers.begin(), modifiers.end(), VK_CONTROL) == modifiers.end()) {
+                    typed = name;
+                    const bool shifted = std::find(modifiers.begin(), modifiers.end(), VK_SHIFT) != modifiers.end();
+                    if (shifted) typed[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(typed[0])));
+                }
             }
             if (!key) return fail("unknown key \"" + tokens[1] + "\"");
-            DisplayEvent down;
-            down.type = DisplayEvent::Type::KeyDown;
-            down.key = key;
-            input(down);
+            auto press = [&](std::uint32_t code, DisplayEvent::Type type) {
+                DisplayEvent event;
+                event.type = type;
+                event.key = code;
+                input(event);
+            };
+            for (std::uint32_t modifier : modifiers) press(modifier, DisplayEvent::Type::KeyDown);
+            press(key, DisplayEvent::Type::KeyDown);
             if (!typed.empty()) {
                 DisplayEvent text;
                 text.type = DisplayEvent::Type::Text;
                 text.text = typed;
                 input(text);
             }
-            DisplayEvent up = down;
-            up.type = DisplayEvent::Type::KeyUp;
-            input(up);
+            press(key, DisplayEvent::Type::KeyUp);
+            for (auto it = modifiers.rbegin(); it != modifiers.rend(); ++it) press(*it, DisplayEvent::Type::KeyUp);
+        } else if (command == "compose") {
+            DisplayEvent event;
+            event.type = DisplayEvent::Type::Composition;
+            event.text = args ? RestOfLine(line, tokens[0]) : std::string();
+            const std::u16string units = Utf8ToUtf16(event.text);
+            for (size_t i = 0; i < units.size(); ++i)
+                if (!(units[i] >= 0xDC00 && units[i] <= 0xDFFF)) ++event.compositionCursor;
+            input(event);
         } else if (command == "text") {
             const std::string rest = RestOfLine(line, tokens[0]);
             if (rest.empty()) return fail("expected: text STRING");

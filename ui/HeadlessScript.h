@@ -1,7 +1,10 @@
 #pragma once
 // Timed input for a headless run, one command a line:
 //   wait MS | down X Y | move X Y | up X Y | tap X Y | drag X1 Y1 X2 Y2 MS |
-//   key NAME | text STRING | screenshot PATH | quit
+//   key NAME | key ctrl+NAME | key shift+NAME | text STRING |
+//   compose [STRING] | screenshot PATH | quit
+// `compose` shows STRING as an input method's composition in progress (its
+// caret at the end); without STRING the composition ends.
 // Blank lines and lines starting with '#' are ignored. The parsed script is a
 // list of primitive actions that ScriptPlayer feeds to the window system
 // whenever it is idle.

@@ -127,7 +127,8 @@ void ListCtrlWnd::OnPaint(HDC dc) {
             dc->FillRect(rect, colors_.selectionMark);
         else
             DrawGradient(*dc, rect, colors_.backgroundGradient, colors_.background, 0);
-        const COLORREF color = selected ? colors_.textSelected : colors_.text;
+        COLORREF color = selected ? colors_.textSelected : colors_.text;
+        if (index >= 0 && !rows_[index].enabled) color = colors_.textDisabled;
         int textLeft = Scale(kTextInset);
         if (row == 0) {
             dc->SelectFont(headerFont_);
@@ -195,7 +196,7 @@ LRESULT ListCtrlWnd::OnPointerUp(int button, int x, int y, WPARAM) {
     GetClientRect(window, &client);
     if (dragged_ || !client.Contains(x, y)) return 0;
     const int index = RowAt(y);
-    if (index < 0) return 0;
+    if (index < 0 || !rows_[index].enabled) return 0;
     SetSelected(index);
     NMHDR header;
     header.hwndFrom = window;

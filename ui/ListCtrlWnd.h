@@ -2,7 +2,7 @@
 // The plain selectable list the context menu shows: rows of one fixed
 // height, a bold header line as the first row, item texts with an optional
 // icon and check mark, one selected row that keys and taps move. A tap on a
-// row selects it and notifies the parent (NM_LIST_ROW_CHOSEN, the header
+// row that is not greyed selects it and notifies the parent (NM_LIST_ROW_CHOSEN, the header
 // carrying the list's window). While its menu is open the list holds the
 // pointer: a press outside it, or losing the pointer, sends WM_CLOSE_POPUP
 // to the parent.
@@ -24,6 +24,7 @@ struct ListRow {
     std::u16string text;
     int icon = -1; // index into the icon strip; -1 = none
     bool checked = false;
+    bool enabled = true; // a greyed row cannot be chosen
 };
 
 struct ListColors {
@@ -33,6 +34,7 @@ struct ListColors {
     COLORREF text = RGB(0, 0, 0);
     COLORREF textSelected = RGB(255, 255, 255);
     COLORREF selectionMark = RGB(0, 0, 255);
+    COLORREF textDisabled = RGB(0x90, 0x90, 0x90);
 };
 
 class ListCtrlWnd : public BaseWnd {

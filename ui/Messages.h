@@ -31,6 +31,7 @@ constexpr UINT WM_NCDESTROY = 0x0082;
 constexpr UINT WM_KEYDOWN = 0x0100;
 constexpr UINT WM_KEYUP = 0x0101;
 constexpr UINT WM_CHAR = 0x0102;
+constexpr UINT WM_IME_COMPOSITION = 0x010F; // the input method's composition changed
 constexpr UINT WM_INITDIALOG = 0x0110;
 constexpr UINT WM_COMMAND = 0x0111;
 constexpr UINT WM_SYSCOMMAND = 0x0112;
@@ -48,6 +49,10 @@ constexpr UINT WM_MBUTTONUP = 0x0208;
 constexpr UINT WM_MBUTTONDBLCLK = 0x0209;
 constexpr UINT WM_MOUSEWHEEL = 0x020A;
 constexpr UINT WM_CAPTURECHANGED = 0x0215;
+constexpr UINT WM_CUT = 0x0300;
+constexpr UINT WM_COPY = 0x0301;
+constexpr UINT WM_PASTE = 0x0302;
+constexpr UINT WM_CLEAR = 0x0303;
 constexpr UINT WM_HOTKEY = 0x0312;
 constexpr UINT WM_USER = 0x0400;
 constexpr UINT WM_APP = 0x8000;
@@ -66,6 +71,10 @@ constexpr UINT WM_DEFERRED_COMMAND = 0x8163;    // wParam command id, lParam obj
 constexpr UINT NM_LONG_PRESS = 0x8190;          // notify code: long press
 // Registered (named) messages take numbers from here upwards.
 constexpr UINT kFirstRegisteredMessage = 0xC000;
+
+// WM_CHAR flags bit: the character came from text input (typed or committed
+// by an input method), not from a key that stands for one (Enter, Backspace).
+constexpr LPARAM kCharFromTextInput = 0x10000000;
 
 // WM_SETTINGCHANGE wParam when the screen changed size or orientation.
 constexpr WPARAM SETTINGCHANGE_RESET = 0x3002;

@@ -899,6 +899,7 @@ void WindowManager::TranslateDisplayEvent(const DisplayEvent& event) {
     }
     case T::KeyDown:
     case T::KeyUp: {
+        if (event.key < keysDown_.size()) keysDown_[event.key] = event.type == T::KeyDown;
         HWND target = focus_ ? focus_ : active_;
         if (!target) break;
         MSG msg;
@@ -918,10 +919,29 @@ void WindowManager::TranslateDisplayEvent(const DisplayEvent& event) {
             msg.hwnd = target;
             msg.message = WM_CHAR;
             msg.wParam = unit;
-            msg.lParam = 1;
+            msg.lParam = 1 | kCharFromTextInput;
             msg.time = GetTickCount();
             input_.push_back(msg);
         }
+        break;
+    }
+    case T::Composition: {
+        composition_ = Utf8ToUtf16(event.text);
+        // The input method counts code points; ours are code units.
+        int units = 0;
+        for (int points = 0; units < static_cast<int>(composition_.size()) && points < event.compositionCursor;
+             ++points)
+            units += IsHighSurrogate(composition_[static_cast<size_t>(units)]) ? 2 : 1;
+        compositionCursor_ = std::min(units, static_cast<int>(composition_.size()));
+        HWND target = focus_ ? focus_ : active_;
+        if (!target) break;
+        MSG msg;
+        msg.hwnd = target;
+        msg.message = WM_IME_COMPOSITION;
+        msg.wParam = 0;
+        msg.lParam = 0;
+        msg.time = GetTickCount();
+        input_.push_back(msg);
         break;
     }
     case T::Resize: OnScreenResize(event.width, event.height); break;

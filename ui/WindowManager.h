@@ -13,6 +13,7 @@
 #include "ui/Bitmap.h"
 #include "ui/WinTypes.h"
 
+#include <array>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -104,6 +105,13 @@ public:
     LRESULT DispatchMessage(const MSG* msg);
     LRESULT DefWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT DefDlgProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+    // Keys held down now (virtual-key codes), as the key events reported them.
+    bool IsKeyDown(UINT key) const { return key < keysDown_.size() && keysDown_[key]; }
+    // The input method's composition in progress (empty: none) and its caret
+    // in code units; WM_IME_COMPOSITION tells the focus window it changed.
+    const std::u16string& GetComposition() const { return composition_; }
+    int GetCompositionCursor() const { return compositionCursor_; }
 
     // Timers.
     UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC proc = nullptr);
@@ -212,6 +220,9 @@ private:
     int quitCode_ = 0;
 
     std::deque<MSG> input_;
+    std::array<bool, 256> keysDown_{};
+    std::u16string composition_;
+    int compositionCursor_ = 0;
     WPARAM buttonKeys_ = 0; // MK_ bits of the buttons held
     HWND lastDownWindow_ = nullptr;
     std::uint32_t lastDownTime_ = 0;

@@ -1,5 +1,6 @@
 // The real SDL display under a private Xvfb, driven by xdotool: a click lands
-// on the right window at the right client coordinates, and the program's
+// on the right window at the right client coordinates, typed keys reach a
+// focused text field and its copy reaches the clipboard, and the program's
 // window appears and ends on SIGTERM. Skipped when Xvfb or xdotool is missing.
 #include <cerrno>
 #include <csignal>
@@ -183,6 +184,21 @@ TEST_F(RealDisplayTest, ClickReachesOnPointerDownInClientCoordinates) {
     RunToEnd({"xdotool", "mousemove", "--window", window, "130", "250", "click", "1"}, Env());
     EXPECT_EQ(probe.ReadLine(), "down 0 30 50");
     EXPECT_EQ(probe.ReadLine(), "up 0 30 50");
+    EXPECT_EQ(probe.Wait(), 0);
+}
+
+TEST_F(RealDisplayTest, TypingReachesAFocusedTextFieldAndCopyReachesTheClipboard) {
+    Child probe({MIRODATE_TEXTFIELD_PROBE}, Env());
+    ASSERT_TRUE(probe.Started());
+    ASSERT_EQ(probe.ReadLine(), "ready 0"); // no text input before a field has the focus
+    const std::string window = FindWindow("Mirodate Text Probe");
+    ASSERT_FALSE(window.empty());
+    RunToEnd({"xdotool", "mousemove", "--window", window, "60", "125", "click", "1"}, Env());
+    RunToEnd({"xdotool", "type", "--window", window, "--delay", "20", "hello world"}, Env());
+    RunToEnd({"xdotool", "key", "--window", window, "BackSpace", "Return"}, Env());
+    EXPECT_EQ(probe.ReadLine(), "text hello worl");
+    EXPECT_EQ(probe.ReadLine(), "input 1");
+    EXPECT_EQ(probe.ReadLine(), "clipboard hello worl");
     EXPECT_EQ(probe.Wait(), 0);
 }
 
