@@ -2,8 +2,10 @@
 
 #include "platform/Log.h"
 #include "platform/Paths.h"
+#include "platform/TextUtil.h"
 #include "store/IcsItem.h"
 #include "store/IcsWriter.h"
+#include "store/ItemFileLimits.h"
 #include "store/StoreIndex.h"
 #include "store/SyncState.h"
 #include "store/VcardReader.h"
@@ -75,7 +77,8 @@ std::string VdirSource::Key(int directory, const std::string& fileName) {
 }
 
 bool VdirSource::ReadWholeFile(const std::string& path, std::string& text) const {
-    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    // Non-blocking, so that a FIFO put in place of a file cannot stop us.
+    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0) return false;
     struct stat st{};
     if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || st.st_size > kMaxFileBytes) {
@@ -100,8 +103,11 @@ StoredItem VdirSource::ReadFile(int directory, const std::string& fileName, bool
     item.fileName = fileName;
     const std::string path = DirectoryPath(directory) + "/" + fileName;
     exists = false;
-    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) return item;
+    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) {
+        if (errno == ELOOP) Log::Warning("store: skipped %s: a loop of symbolic links", PrintableText(path).c_str());
+        return item;
+    }
     struct stat st{};
     if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
         close(fd);
@@ -110,9 +116,9 @@ StoredItem VdirSource::ReadFile(int directory, const std::string& fileName, bool
     exists = true;
     item.size = st.st_size;
     item.mtimeNs = MtimeNs(st);
-    if (st.st_size > kMaxFileBytes) {
+    if (const std::string tooBig = ItemFileLimits::CheckSize(st.st_size); !tooBig.empty()) {
         close(fd);
-        Log::Warning("store: skipped %s: larger than %lld bytes", path.c_str(), static_cast<long long>(kMaxFileBytes));
+        Log::Warning("store: skipped %s: %s", PrintableText(path).c_str(), tooBig.c_str());
         return item;
     }
     std::string text(static_cast<std::size_t>(st.st_size), '\0');
@@ -125,9 +131,11 @@ StoredItem VdirSource::ReadFile(int directory, const std::string& fileName, bool
     close(fd);
     text.resize(done);
 
-    std::string problem;
+    std::string problem = ItemFileLimits::CheckText(text);
     const std::string stem = fileName.substr(0, fileName.rfind('.'));
-    if (EndsWith(fileName, ".vcf")) {
+    if (!problem.empty()) {
+        // Too big for its kind: no parser sees it.
+    } else if (EndsWith(fileName, ".vcf")) {
         if (VcardReader::Read(text, item.record, problem)) {
             item.readable = true;
             item.folder = kFolderContacts;
@@ -142,12 +150,12 @@ StoredItem VdirSource::ReadFile(int directory, const std::string& fileName, bool
             item.seriesEnd = parsed->GetSeriesEnd();
             item.longest = parsed->GetLongestDuration();
             if (parsed->HasUnrelatedComponents())
-                Log::Warning("store: %s holds unrelated items; only the first is read", path.c_str());
+                Log::Warning("store: %s holds unrelated items; only the first is read", PrintableText(path).c_str());
             if (item.series) item.parsed = std::move(parsed);
         }
     }
     if (!item.readable) {
-        Log::Warning("store: skipped %s: %s", path.c_str(), problem.c_str());
+        Log::Warning("store: skipped %s: %s", PrintableText(path).c_str(), problem.c_str());
         return item;
     }
     item.uid = item.record.uid.empty() ? stem : item.record.uid;
@@ -183,7 +191,12 @@ bool VdirSource::Logon() {
             const std::string name = entry->d_name;
             if (!IsItemFile(name)) continue;
             struct stat fileStat{};
-            if (fstatat(dirFd, name.c_str(), &fileStat, 0) != 0 || !S_ISREG(fileStat.st_mode)) continue;
+            if (fstatat(dirFd, name.c_str(), &fileStat, 0) != 0) {
+                if (errno == ELOOP)
+                    Log::Warning("store: skipped %s: a loop of symbolic links", PrintableText(path + "/" + name).c_str());
+                continue;
+            }
+            if (!S_ISREG(fileStat.st_mode)) continue;
             const std::string key = Key(directory, name);
             auto known = index.find(key);
             Entry item;
@@ -191,6 +204,9 @@ bool VdirSource::Logon() {
                 known->second.mtimeNs == MtimeNs(fileStat)) {
                 item = std::make_shared<StoredItem>(std::move(known->second));
                 ++reused;
+                if (!item->readable)
+                    Log::Warning("store: skipped %s: it could not be read before and has not changed since",
+                                 PrintableText(path + "/" + name).c_str());
             } else {
                 bool exists = false;
                 item = std::make_shared<StoredItem>(ReadFile(directory, name, exists));
@@ -228,7 +244,8 @@ void VdirSource::AssignOids() {
         auto [it, inserted] = byUid.emplace(item->uid, item.get());
         if (!inserted) {
             Log::Warning("store: skipped %s/%s: UID %s is used by %s", kFolderNames[item->directory],
-                         item->fileName.c_str(), item->uid.c_str(), it->second->fileName.c_str());
+                         PrintableText(item->fileName).c_str(), PrintableText(item->uid).c_str(),
+                         PrintableText(it->second->fileName).c_str());
             item->readable = false;
             continue;
         }
@@ -277,8 +294,8 @@ void VdirSource::Publish(Entry entry) {
         if (known != oidOfUid_.end()) {
             auto holder = byOid_.find(known->second);
             if (holder != byOid_.end() && Key(holder->second->directory, holder->second->fileName) != key) {
-                Log::Warning("store: skipped %s: UID %s is used by %s", entry->fileName.c_str(), entry->uid.c_str(),
-                             holder->second->fileName.c_str());
+                Log::Warning("store: skipped %s: UID %s is used by %s", PrintableText(entry->fileName).c_str(),
+                             PrintableText(entry->uid).c_str(), PrintableText(holder->second->fileName).c_str());
                 entry->readable = false;
             }
         }
