@@ -27,7 +27,7 @@ public:
     // entries, 60 KB and under a million pixels.
     static constexpr std::uint64_t kMaxItems = 4096;
     static constexpr std::uint64_t kMaxUnpackedBytes = 48 * 1024 * 1024;
-    static constexpr std::int64_t kMaxPicturePixels = 16 * 1024 * 1024;
+    static constexpr std::int64_t kMaxPicturePixels = 8 * 1024 * 1024;
 
     struct Item {
         std::uint64_t directoryOffset = 0;

@@ -17,11 +17,11 @@ struct SkinPicture {
     int Stride() const { return width * 4; }
     std::uint32_t At(int x, int y) const { return pixels[static_cast<size_t>(y) * width + x]; }
 
-    // Pictures larger than this are refused before decoding: two screens of
-    // 2048 x 2048 pixels, far beyond any background a skin draws at its own
-    // size (32 MB decoded).
+    // Pictures larger than this are refused before decoding: 2048 x 2048
+    // pixels (16 MB decoded, a fifth of a second) hold the background of a
+    // 1440 x 2560 screen, which a skin draws at its own size.
     static constexpr int kMaxSide = 8192;
-    static constexpr std::int64_t kMaxPixels = 8 * 1024 * 1024;
+    static constexpr std::int64_t kMaxPixels = 4 * 1024 * 1024;
 
     enum class Problem { None, NotPng, TooManyPixels, TooMuchData };
 

@@ -21,7 +21,7 @@ namespace mirodate {
 
 namespace {
 
-constexpr char kMagic[] = "MIRODATE-INDEX-4\n";
+constexpr char kMagic[] = "MIRODATE-INDEX-5\n";
 // Largest index we read (a store of a million items stays far below).
 constexpr std::size_t kMaxIndexBytes = 512u * 1024u * 1024u;
 
@@ -109,6 +109,7 @@ void WriteItem(Writer& w, const StoredItem& item) {
     w.Value(item.size);
     w.Value(item.mtimeNs);
     w.Value<std::uint8_t>(item.readable);
+    w.String(item.problem);
     w.Value<std::int32_t>(item.folder);
     w.String(item.uid);
     w.Value<std::uint8_t>(item.series);
@@ -134,6 +135,7 @@ StoredItem ReadItem(Reader& r) {
     item.size = r.Value<std::int64_t>();
     item.mtimeNs = r.Value<std::int64_t>();
     item.readable = r.Value<std::uint8_t>() != 0;
+    item.problem = r.String();
     item.folder = r.Value<std::int32_t>();
     item.uid = r.String();
     item.series = r.Value<std::uint8_t>() != 0;

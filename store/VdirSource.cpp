@@ -116,9 +116,9 @@ StoredItem VdirSource::ReadFile(int directory, const std::string& fileName, bool
     exists = true;
     item.size = st.st_size;
     item.mtimeNs = MtimeNs(st);
-    if (const std::string tooBig = ItemFileLimits::CheckSize(st.st_size); !tooBig.empty()) {
+    if (item.problem = ItemFileLimits::CheckSize(st.st_size); !item.problem.empty()) {
         close(fd);
-        Log::Warning("store: skipped %s: %s", PrintableText(path).c_str(), tooBig.c_str());
+        Log::Warning("store: skipped %s: %s", PrintableText(path).c_str(), item.problem.c_str());
         return item;
     }
     std::string text(static_cast<std::size_t>(st.st_size), '\0');
@@ -155,7 +155,8 @@ StoredItem VdirSource::ReadFile(int directory, const std::string& fileName, bool
         }
     }
     if (!item.readable) {
-        Log::Warning("store: skipped %s: %s", PrintableText(path).c_str(), problem.c_str());
+        item.problem = problem;
+        Log::Warning("store: skipped %s: %s", PrintableText(path).c_str(), PrintableText(problem).c_str());
         return item;
     }
     item.uid = item.record.uid.empty() ? stem : item.record.uid;
@@ -196,7 +197,10 @@ bool VdirSource::Logon() {
                     Log::Warning("store: skipped %s: a loop of symbolic links", PrintableText(path + "/" + name).c_str());
                 continue;
             }
-            if (!S_ISREG(fileStat.st_mode)) continue;
+            if (!S_ISREG(fileStat.st_mode)) {
+                Log::Warning("store: skipped %s: not a regular file", PrintableText(path + "/" + name).c_str());
+                continue;
+            }
             const std::string key = Key(directory, name);
             auto known = index.find(key);
             Entry item;
@@ -205,8 +209,8 @@ bool VdirSource::Logon() {
                 item = std::make_shared<StoredItem>(std::move(known->second));
                 ++reused;
                 if (!item->readable)
-                    Log::Warning("store: skipped %s: it could not be read before and has not changed since",
-                                 PrintableText(path + "/" + name).c_str());
+                    Log::Warning("store: skipped %s: %s", PrintableText(path + "/" + name).c_str(),
+                                 PrintableText(item->problem).c_str());
             } else {
                 bool exists = false;
                 item = std::make_shared<StoredItem>(ReadFile(directory, name, exists));
@@ -243,9 +247,9 @@ void VdirSource::AssignOids() {
     for (auto& item : ordered) {
         auto [it, inserted] = byUid.emplace(item->uid, item.get());
         if (!inserted) {
-            Log::Warning("store: skipped %s/%s: UID %s is used by %s", kFolderNames[item->directory],
-                         PrintableText(item->fileName).c_str(), PrintableText(item->uid).c_str(),
-                         PrintableText(it->second->fileName).c_str());
+            item->problem = "UID " + item->uid + " is used by " + it->second->fileName;
+            Log::Warning("store: skipped %s/%s: %s", kFolderNames[item->directory],
+                         PrintableText(item->fileName).c_str(), PrintableText(item->problem).c_str());
             item->readable = false;
             continue;
         }
@@ -294,8 +298,9 @@ void VdirSource::Publish(Entry entry) {
         if (known != oidOfUid_.end()) {
             auto holder = byOid_.find(known->second);
             if (holder != byOid_.end() && Key(holder->second->directory, holder->second->fileName) != key) {
-                Log::Warning("store: skipped %s: UID %s is used by %s", PrintableText(entry->fileName).c_str(),
-                             PrintableText(entry->uid).c_str(), PrintableText(holder->second->fileName).c_str());
+                entry->problem = "UID " + entry->uid + " is used by " + holder->second->fileName;
+                Log::Warning("store: skipped %s: %s", PrintableText(entry->fileName).c_str(),
+                             PrintableText(entry->problem).c_str());
                 entry->readable = false;
             }
         }
