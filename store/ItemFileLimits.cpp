@@ -19,8 +19,9 @@ std::string ItemFileLimits::CheckText(std::string_view text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char c = text[i];
         if (c == '\n') {
-            const bool folded = i + 1 < text.size() && (text[i + 1] == ' ' || text[i + 1] == '\t');
-            if (!folded) {
+            const bool last = i + 1 == text.size();
+            const bool folded = !last && (text[i + 1] == ' ' || text[i + 1] == '\t');
+            if (!last && !folded) {
                 ++properties;
                 inHead = true;
                 inQuotes = false;
