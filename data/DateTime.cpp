@@ -73,7 +73,8 @@ bool SystemTimeToVariantTime(const SYSTEMTIME& time, double* date) {
 
 bool VariantTimeToSystemTime(double date, SYSTEMTIME* time) {
     // Far outside the years 100..9999 the day count would not fit an integer.
-    if (!std::isfinite(date) || std::fabs(date) > kMaxDateMagnitude) return false;
+    if (!std::isfinite(date) || std::fabs(date) > kMaxDateMagnitude)
+        return false;
     long dayNumber = static_cast<long>(std::trunc(date));
     long long seconds = std::llround(std::fabs(date - static_cast<double>(dayNumber)) * kSecondsPerDay);
     if (seconds >= kSecondsPerDay) {

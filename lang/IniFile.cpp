@@ -1,6 +1,5 @@
 #include "lang/IniFile.h"
 
-
 namespace mirodate {
 
 namespace {

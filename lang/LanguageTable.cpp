@@ -19,7 +19,9 @@ void LanguageTable::SetText(std::u16string text) {
     BuildIndex();
 }
 
-void LanguageTable::SetBytes(std::string_view bytes) { SetText(DecodeUtf16Le(bytes)); }
+void LanguageTable::SetBytes(std::string_view bytes) {
+    SetText(DecodeUtf16Le(bytes));
+}
 
 void LanguageTable::BuildIndex() {
     valueOfKey_.clear();
@@ -60,8 +62,9 @@ bool LanguageTable::Load(const std::string& path) {
     const std::streamoff size = file.tellg() - start;
     file.seekg(start);
     if (size < 0 || static_cast<unsigned long long>(size) > kMaxFileBytes) {
-        Log::Warning("language file %s is not read: %lld bytes, more than the %zu KB a language file may have",
-                     PrintableText(path).c_str(), static_cast<long long>(size), kMaxFileBytes / 1024);
+        Log::Warning(
+            "language file %s is not read: %lld bytes, more than the %zu KB a language file may have",
+            PrintableText(path).c_str(), static_cast<long long>(size), kMaxFileBytes / 1024);
         return false;
     }
     std::string bytes(static_cast<size_t>(size), '\0');
@@ -75,8 +78,10 @@ bool LanguageTable::Load(const std::string& path) {
 
 bool LanguageTable::LoadFromSettings() {
     const std::string fileName = Utf16ToUtf8(Settings::GetLanguage());
-    if (Load(Paths::FindResourceDir(fileName) + "/" + fileName)) return true;
-    if (fileName == kDefaultFile) return false;
+    if (Load(Paths::FindResourceDir(fileName) + "/" + fileName))
+        return true;
+    if (fileName == kDefaultFile)
+        return false;
     // Texts in the default language read better than bare keys.
     Log::Warning("language file %s cannot be used; the texts are English", PrintableText(fileName).c_str());
     return Load(Paths::FindResourceDir(kDefaultFile) + "/" + kDefaultFile);

@@ -18,7 +18,6 @@ namespace mirodate {
 
 namespace {
 
-
 // Closes a descriptor and releases its flock on every path.
 class LockedFd {
 public:
@@ -96,10 +95,11 @@ void SettingsStore::LoadLocked() {
     // Until it is read, the file must not be replaced by one without its values.
     unreadable_ = true;
     if (loadedStamp_.size > kMaxFileBytes) {
-        Log::Warning("settings file %s is not read: %lld bytes, more than the %lld KB a settings file may have; "
-                     "defaults are used and nothing is saved",
-                     PrintableText(path_).c_str(), static_cast<long long>(loadedStamp_.size),
-                     static_cast<long long>(kMaxFileBytes / 1024));
+        Log::Warning(
+            "settings file %s is not read: %lld bytes, more than the %lld KB a settings file may have; "
+            "defaults are used and nothing is saved",
+            PrintableText(path_).c_str(), static_cast<long long>(loadedStamp_.size),
+            static_cast<long long>(kMaxFileBytes / 1024));
         return;
     }
     std::ifstream in(path_, std::ios::binary);
@@ -155,7 +155,8 @@ bool SettingsStore::Modify(const std::string& name, const std::optional<std::u16
     LockedFd fileLock(path_ + ".lock");
     if (!fileLock.Ok()) return false;
     LoadLocked();
-    if (unreadable_) return false;
+    if (unreadable_)
+        return false;
     // Whatever happens below, a failed write must not leave our unsaved change
     // in memory as if it were stored: the next read goes back to the file.
     loaded_ = false;
@@ -167,9 +168,11 @@ bool SettingsStore::Modify(const std::string& name, const std::optional<std::u16
 
     // Values too long to use are written back as they were read.
     std::map<std::string, std::string> lines = std::move(overlong_);
-    for (const auto& [key, text] : values_) lines[key] = EscapeValue(Utf16ToUtf8(text));
+    for (const auto& [key, text] : values_)
+        lines[key] = EscapeValue(Utf16ToUtf8(text));
     std::ostringstream out;
-    for (const auto& [key, text] : lines) out << key << '=' << text << '\n';
+    for (const auto& [key, text] : lines)
+        out << key << '=' << text << '\n';
     const std::string data = out.str();
 
     std::string temp = path_ + ".tmp." + std::to_string(getpid());

@@ -166,15 +166,20 @@ size_t Utf8SequenceLength(std::string_view text, size_t i) {
     const auto byte = [&](size_t k) { return k < text.size() ? static_cast<unsigned char>(text[k]) : 0u; };
     const auto cont = [&](size_t k) { return (byte(k) & 0xC0) == 0x80; };
     const unsigned c = byte(i);
-    if (c >= 0xC2 && c <= 0xDF) return cont(i + 1) ? 2 : 0;
+    if (c >= 0xC2 && c <= 0xDF)
+        return cont(i + 1) ? 2 : 0;
     if (c >= 0xE0 && c <= 0xEF) {
-        if (!cont(i + 1) || !cont(i + 2)) return 0;
-        if ((c == 0xE0 && byte(i + 1) < 0xA0) || (c == 0xED && byte(i + 1) >= 0xA0)) return 0;
+        if (!cont(i + 1) || !cont(i + 2))
+            return 0;
+        if ((c == 0xE0 && byte(i + 1) < 0xA0) || (c == 0xED && byte(i + 1) >= 0xA0))
+            return 0;
         return 3;
     }
     if (c >= 0xF0 && c <= 0xF4) {
-        if (!cont(i + 1) || !cont(i + 2) || !cont(i + 3)) return 0;
-        if ((c == 0xF0 && byte(i + 1) < 0x90) || (c == 0xF4 && byte(i + 1) >= 0x90)) return 0;
+        if (!cont(i + 1) || !cont(i + 2) || !cont(i + 3))
+            return 0;
+        if ((c == 0xF0 && byte(i + 1) < 0x90) || (c == 0xF4 && byte(i + 1) >= 0x90))
+            return 0;
         return 4;
     }
     return 0;

@@ -43,11 +43,11 @@ bool LoadSkinImage(SkinArchive& archive, const std::u16string& name, SkinPicture
     const std::int64_t maxPixels = std::min(SkinPicture::kMaxPixels, archive.PixelsLeft());
     SkinPictureRef picture = SkinPicture::DecodePng(data, &problem, maxPixels);
     if (problem == SkinPicture::Problem::TooManyPixels) {
-        archive.NoteLimitExceeded(
-            "picture " + utf8Name + " has more pixels than the " +
-            (maxPixels < SkinPicture::kMaxPixels
-                 ? std::to_string(SkinArchive::kMaxPicturePixels) + " all pictures of a skin may have together"
-                 : std::to_string(SkinPicture::kMaxPixels) + " a picture may have"));
+        archive.NoteLimitExceeded("picture " + utf8Name + " has more pixels than the " +
+                                  (maxPixels < SkinPicture::kMaxPixels
+                                       ? std::to_string(SkinArchive::kMaxPicturePixels) +
+                                             " all pictures of a skin may have together"
+                                       : std::to_string(SkinPicture::kMaxPixels) + " a picture may have"));
         return false;
     }
     if (problem == SkinPicture::Problem::TooMuchData) {

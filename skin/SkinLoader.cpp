@@ -44,8 +44,9 @@ Applied ApplyArchive(const std::string& path, SkinStyles& styles, bool highResol
     }
     SkinArchive::Item styleFile;
     if (archive.FindItem(kStyleFile, styleFile) == SkinArchive::kOk && styleFile.size > kMaxStyleFileBytes)
-        archive.NoteLimitExceeded("skin.ini has " + std::to_string(styleFile.size) + " bytes, more than the " +
-                                  std::to_string(kMaxStyleFileBytes / 1024) + " KB it may have");
+        archive.NoteLimitExceeded("skin.ini has " + std::to_string(styleFile.size) +
+                                  " bytes, more than the " + std::to_string(kMaxStyleFileBytes / 1024) +
+                                  " KB it may have");
     std::string text;
     const bool read =
         !archive.LimitExceeded() && archive.ReadItem(kStyleFile, text) == SkinArchive::kOk && !text.empty();

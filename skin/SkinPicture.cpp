@@ -32,7 +32,7 @@ struct SurfaceDeleter {
 } // namespace
 
 std::shared_ptr<const SkinPicture> SkinPicture::DecodePng(std::string_view data, Problem* problem,
-                                                         std::int64_t maxPixels) {
+                                                          std::int64_t maxPixels) {
     std::string essential;
     int declaredWidth = 0, declaredHeight = 0;
     const PngChecker::Result checked =

@@ -15,7 +15,8 @@ struct LineSource {
 // line feed; it calls again for the rest of a longer line.
 char* NextPiece(char* out, std::size_t size, void* data) {
     auto* source = static_cast<LineSource*>(data);
-    if (source->position >= source->text.size() || size < 2) return nullptr;
+    if (source->position >= source->text.size() || size < 2)
+        return nullptr;
     const std::string_view rest = source->text.substr(source->position, size - 1);
     const std::size_t lineFeed = rest.find('\n');
     const std::size_t length = lineFeed == std::string_view::npos ? rest.size() : lineFeed + 1;
@@ -36,7 +37,8 @@ IcalComponentPtr IcalText::Parse(std::string_view text) {
     const std::size_t nul = text.find('\0');
     LineSource source{text.substr(0, nul)};
     std::unique_ptr<icalparser, ParserFree> parser(icalparser_new());
-    if (!parser) return nullptr;
+    if (!parser)
+        return nullptr;
     icalparser_set_gen_data(parser.get(), &source);
     const icalerrorstate previous = icalerror_get_error_state(ICAL_MALFORMEDDATA_ERROR);
     icalerror_set_error_state(ICAL_MALFORMEDDATA_ERROR, ICAL_ERROR_NONFATAL);

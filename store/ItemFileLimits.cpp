@@ -3,7 +3,8 @@
 namespace mirodate {
 
 std::string ItemFileLimits::CheckSize(std::int64_t bytes) {
-    if (bytes <= kMaxFileBytes) return {};
+    if (bytes <= kMaxFileBytes)
+        return {};
     return std::to_string(bytes) + " bytes, more than the " + std::to_string(kMaxFileBytes / (1024 * 1024)) +
            " MB an item file may have";
 }
@@ -36,8 +37,8 @@ std::string ItemFileLimits::CheckText(std::string_view text) {
         }
     }
     if (properties > kMaxProperties)
-        return std::to_string(properties) + " content lines, more than the " + std::to_string(kMaxProperties) +
-               " an item file may have";
+        return std::to_string(properties) + " content lines, more than the " +
+               std::to_string(kMaxProperties) + " an item file may have";
     if (parameters > kMaxParameters)
         return std::to_string(parameters) + " parameters, more than the " + std::to_string(kMaxParameters) +
                " an item file may have";

@@ -165,7 +165,9 @@ constexpr std::int32_t kMaxInterval = 0x7FFF;
 constexpr std::int32_t kMaxInstance = 366; // BYSETPOS reaches the days of a year
 constexpr std::int32_t kAllDays = 0x7F;
 
-bool IsDate(double date) { return date >= kFirstDate && date < kAfterLastDate; } // false for NaN
+bool IsDate(double date) {
+    return date >= kFirstDate && date < kAfterLastDate;
+} // false for NaN
 
 bool IsPlausible(const RecurrencePattern& p) {
     using R = RecurrencePattern;
@@ -176,7 +178,8 @@ bool IsPlausible(const RecurrencePattern& p) {
     return knownType && p.Interval >= 1 && p.Interval <= kMaxInterval && p.Instance >= 0 &&
            p.Instance <= kMaxInstance && p.DayOfMonth >= 0 && p.DayOfMonth <= 31 && p.MonthOfYear >= 0 &&
            p.MonthOfYear <= 12 && p.DayOfWeekMask >= 0 && p.DayOfWeekMask <= kAllDays && p.Occurrences >= 0 &&
-           p.RuleFit >= R::kExact && p.RuleFit <= R::kNoFit && IsDate(p.PatternStartDate) && IsDate(p.PatternEndDate);
+           p.RuleFit >= R::kExact && p.RuleFit <= R::kNoFit && IsDate(p.PatternStartDate) &&
+           IsDate(p.PatternEndDate);
 }
 
 // Whether an entry holds only values the store itself could have written, so
@@ -186,16 +189,25 @@ bool IsPlausible(const StoredItem& item) {
     if (item.directory < 0 || item.directory > 2 || item.fileName.empty() ||
         item.fileName.find_first_of(std::string_view("/\0", 2)) != std::string::npos || item.size < 0)
         return false;
-    for (double date : {rec.start, rec.end, rec.startDate, rec.dueDate, rec.birthday, rec.anniversary, item.seriesEnd})
-        if (!IsDate(date)) return false;
-    if (!(item.longest >= 0.0 && item.longest <= kAfterLastDate - kFirstDate)) return false;
-    if (rec.importance < 0 || rec.importance > 2 || !IsPlausible(rec.recurrence)) return false;
-    if (!item.readable) return true;
+    for (double date :
+         {rec.start, rec.end, rec.startDate, rec.dueDate, rec.birthday, rec.anniversary, item.seriesEnd})
+        if (!IsDate(date))
+            return false;
+    if (!(item.longest >= 0.0 && item.longest <= kAfterLastDate - kFirstDate))
+        return false;
+    if (rec.importance < 0 || rec.importance > 2 || !IsPlausible(rec.recurrence))
+        return false;
+    if (!item.readable)
+        return true;
     switch (item.folder) {
-    case kFolderCalendar: return rec.itemKind == kItemAppointment && rec.end >= rec.start && !item.uid.empty();
-    case kFolderTasks: return rec.itemKind == kItemTask && !item.uid.empty();
-    case kFolderContacts: return rec.itemKind == kItemContact && !item.uid.empty();
-    default: return false;
+    case kFolderCalendar:
+        return rec.itemKind == kItemAppointment && rec.end >= rec.start && !item.uid.empty();
+    case kFolderTasks:
+        return rec.itemKind == kItemTask && !item.uid.empty();
+    case kFolderContacts:
+        return rec.itemKind == kItemContact && !item.uid.empty();
+    default:
+        return false;
     }
 }
 
@@ -243,7 +255,8 @@ StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string&
     for (std::uint32_t i = 0; i < count && plausible; ++i) {
         StoredItem item = ReadItem(reader);
         plausible = reader.ok && IsPlausible(item);
-        if (!plausible) break;
+        if (!plausible)
+            break;
         std::string key = std::to_string(item.directory) + "/" + item.fileName;
         plausible = entries.emplace(std::move(key), std::move(item)).second;
     }

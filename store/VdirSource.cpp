@@ -105,7 +105,8 @@ StoredItem VdirSource::ReadFile(int directory, const std::string& fileName, bool
     exists = false;
     const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0) {
-        if (errno == ELOOP) Log::Warning("store: skipped %s: a loop of symbolic links", PrintableText(path).c_str());
+        if (errno == ELOOP)
+            Log::Warning("store: skipped %s: a loop of symbolic links", PrintableText(path).c_str());
         return item;
     }
     struct stat st{};
@@ -150,7 +151,8 @@ StoredItem VdirSource::ReadFile(int directory, const std::string& fileName, bool
             item.seriesEnd = parsed->GetSeriesEnd();
             item.longest = parsed->GetLongestDuration();
             if (parsed->HasUnrelatedComponents())
-                Log::Warning("store: %s holds unrelated items; only the first is read", PrintableText(path).c_str());
+                Log::Warning("store: %s holds unrelated items; only the first is read",
+                             PrintableText(path).c_str());
             if (item.series) item.parsed = std::move(parsed);
         }
     }
@@ -194,11 +196,13 @@ bool VdirSource::Logon() {
             struct stat fileStat{};
             if (fstatat(dirFd, name.c_str(), &fileStat, 0) != 0) {
                 if (errno == ELOOP)
-                    Log::Warning("store: skipped %s: a loop of symbolic links", PrintableText(path + "/" + name).c_str());
+                    Log::Warning("store: skipped %s: a loop of symbolic links",
+                                 PrintableText(path + "/" + name).c_str());
                 continue;
             }
             if (!S_ISREG(fileStat.st_mode)) {
-                Log::Warning("store: skipped %s: not a regular file", PrintableText(path + "/" + name).c_str());
+                Log::Warning("store: skipped %s: not a regular file",
+                             PrintableText(path + "/" + name).c_str());
                 continue;
             }
             const std::string key = Key(directory, name);

@@ -47,8 +47,10 @@ int main(int argc, char** argv) {
     int runs = 3;
     std::string only;
     for (int i = 1; i + 1 < argc; ++i) {
-        if (std::string(argv[i]) == "--runs") runs = std::max(1, std::atoi(argv[++i]));
-        else if (std::string(argv[i]) == "--case") only = argv[++i];
+        if (std::string(argv[i]) == "--runs")
+            runs = std::max(1, std::atoi(argv[++i]));
+        else if (std::string(argv[i]) == "--case")
+            only = argv[++i];
     }
     HostileFiles files("/tmp/mirodate-bench-hostile-" + std::to_string(getpid()), MIRODATE_PROGRAM);
     if (!files.Ready()) {
@@ -59,11 +61,12 @@ int main(int argc, char** argv) {
     const Figures baseStart = Measure(files, HostileFiles::Mode::Start, runs);
     std::printf("clean setup: --list %.0f ms %.0f MB, start %.0f ms %.0f MB\n", baseList.ms, baseList.mb,
                 baseStart.ms, baseStart.mb);
-    std::printf("%-30s %-8s %10s %10s  (target: +%.0f ms, +%.0f MB)\n", "case", "run", "+ms", "+MB", kTargetMs,
-                kTargetMb);
+    std::printf("%-30s %-8s %10s %10s  (target: +%.0f ms, +%.0f MB)\n", "case", "run", "+ms", "+MB",
+                kTargetMs, kTargetMb);
     bool allWithin = true;
     for (const HostileFiles::Case& hostile : HostileFiles::Cases()) {
-        if (!only.empty() && only != hostile.name) continue;
+        if (!only.empty() && only != hostile.name)
+            continue;
         if (!files.Apply(hostile.name)) {
             std::printf("%-30s cannot be built\n", hostile.name);
             allWithin = false;
@@ -80,7 +83,9 @@ int main(int argc, char** argv) {
             allWithin = allWithin && within;
             std::printf("%-30s %-8s %10.0f %10.1f  %s\n", hostile.name,
                         mode == HostileFiles::Mode::List ? "--list" : "start", extraMs, extraMb,
-                        !figures.finished ? "DID NOT FINISH" : within ? "ok" : "OVER TARGET");
+                        !figures.finished ? "DID NOT FINISH"
+                        : within          ? "ok"
+                                          : "OVER TARGET");
         }
     }
     std::printf("%s\n", allWithin ? "every case within the target" : "some case over the target");

@@ -57,7 +57,8 @@ std::string ReadFile(const fs::path& path) {
 std::string Repeat(const std::string& piece, std::size_t times) {
     std::string out;
     out.reserve(piece.size() * times);
-    for (std::size_t i = 0; i < times; ++i) out += piece;
+    for (std::size_t i = 0; i < times; ++i)
+        out += piece;
     return out;
 }
 
@@ -70,8 +71,10 @@ std::string BigEndian(std::uint32_t value) {
 
 std::string Chunk(const std::string& type, const std::string& data) {
     std::string crcInput = type + data;
-    const uLong crc = crc32(0, reinterpret_cast<const Bytef*>(crcInput.data()), static_cast<uInt>(crcInput.size()));
-    return BigEndian(static_cast<std::uint32_t>(data.size())) + crcInput + BigEndian(static_cast<std::uint32_t>(crc));
+    const uLong crc =
+        crc32(0, reinterpret_cast<const Bytef*>(crcInput.data()), static_cast<uInt>(crcInput.size()));
+    return BigEndian(static_cast<std::uint32_t>(data.size())) + crcInput +
+           BigEndian(static_cast<std::uint32_t>(crc));
 }
 
 // `size` zero bytes deflated, without holding them all in memory.
@@ -107,13 +110,16 @@ std::string Png(std::uint32_t width, std::uint32_t height, std::uint64_t dataByt
            Chunk("IDAT", DeflatedZeros(dataBytes)) + Chunk("IEND", "");
 }
 
-std::uint64_t ImageBytes(std::uint32_t width, std::uint32_t height) { return std::uint64_t{height} * (1 + 4 * width); }
+std::uint64_t ImageBytes(std::uint32_t width, std::uint32_t height) {
+    return std::uint64_t{height} * (1 + 4 * width);
+}
 
 // --- zip ----------------------------------------------------------------------
 
 bool WriteZip(const std::string& path, const std::vector<std::pair<std::string, std::string>>& entries) {
     zipFile zip = zipOpen64(path.c_str(), APPEND_STATUS_CREATE);
-    if (!zip) return false;
+    if (!zip)
+        return false;
     for (const auto& [name, data] : entries) {
         zip_fileinfo info{};
         zipOpenNewFileInZip64(zip, name.c_str(), &info, nullptr, 0, nullptr, 0, nullptr, Z_DEFLATED,
@@ -124,26 +130,29 @@ bool WriteZip(const std::string& path, const std::vector<std::pair<std::string, 
     return zipClose(zip, nullptr) == ZIP_OK;
 }
 
-const char* const kViewSections[] = {"styles.calendar",  "styles.weekview",  "styles.dayview",
+const char* const kViewSections[] = {"styles.calendar",   "styles.weekview",  "styles.dayview",
                                      "styles.agendaview", "styles.quickview", "styles.itemdetailview"};
 
 } // namespace
 
 const std::vector<HostileFiles::Case>& HostileFiles::Cases() {
     static const std::vector<Case> cases = {
-        {"store-long-line", "event with one 7 MB line", "more than the 4 MB an item file may have", true, true},
+        {"store-long-line", "event with one 7 MB line", "more than the 4 MB an item file may have", true,
+         true},
         {"store-long-line-within-limit", "event with one line just under 4 MB", "", true, true},
         {"store-many-lines", "event with 500,000 properties", "content lines", true, true},
         {"store-many-parameters", "event with 600,000 parameters on one line", "parameters", true, true},
-        {"store-symlink-loop", "two symbolic links pointing at each other", "a loop of symbolic links", true, true},
+        {"store-symlink-loop", "two symbolic links pointing at each other", "a loop of symbolic links", true,
+         true},
         {"store-fifo", "a named pipe called like an item", "not a regular file", true, true},
         {"store-name-not-utf8", "an unreadable item whose name is not UTF-8 and holds escape codes",
          "bad\\xff\\x1b[2J.ics", true, true},
         {"index-damaged", "derived index with a start time of 1e308", "index", true, true},
-        {"skin-ini-sections", "skin.ini of 5.5 million empty section lines (16 MB)", "skin.ini has", false, true},
-        {"skin-ini-within-limit", "skin.ini of 1 MB of distinct sections", "", false, true},
-        {"skin-endless-picture", "2048 x 2048 PNG whose data inflates to 256 MB", "inflates to more data", false,
+        {"skin-ini-sections", "skin.ini of 5.5 million empty section lines (16 MB)", "skin.ini has", false,
          true},
+        {"skin-ini-within-limit", "skin.ini of 1 MB of distinct sections", "", false, true},
+        {"skin-endless-picture", "2048 x 2048 PNG whose data inflates to 256 MB", "inflates to more data",
+         false, true},
         {"skin-many-pictures", "twelve 2048 x 2048 backgrounds", "all pictures of a skin", false, true},
         {"skin-huge-picture", "a 8192 x 8192 background", "a picture may have", false, true},
         {"skin-text-chunks", "PNG with 1000 text chunks inflating to 8 MB each", "", false, true},
@@ -169,13 +178,16 @@ HostileFiles::HostileFiles(std::string scratch, const std::string& program) : sc
     const fs::path built(program);
     const fs::path copy = fs::path(programDir_) / built.filename();
     fs::create_hard_link(built, copy, error);
-    if (error) fs::copy_file(built, copy, error);
-    if (error) return;
+    if (error)
+        fs::copy_file(built, copy, error);
+    if (error)
+        return;
     for (const auto& entry : fs::directory_iterator(built.parent_path(), error)) {
         const std::string name = entry.path().filename().string();
         if ((name.rfind("lang.", 0) == 0 && name.size() > 9 && name.ends_with(".txt")) ||
             (name.rfind("skin.", 0) == 0 && name.ends_with(".zip")))
-            fs::copy_file(entry.path(), fs::path(programDir_) / name, fs::copy_options::overwrite_existing, error);
+            fs::copy_file(entry.path(), fs::path(programDir_) / name, fs::copy_options::overwrite_existing,
+                          error);
     }
     // The runs and the index written here share these.
     setenv("TZ", "Europe/Berlin", 1);
@@ -193,21 +205,28 @@ HostileFiles::~HostileFiles() {
     fs::remove_all(scratch_, error);
 }
 
-std::string HostileFiles::SettingsPath() const { return scratch_ + "/config/mirodate/settings.conf"; }
+std::string HostileFiles::SettingsPath() const {
+    return scratch_ + "/config/mirodate/settings.conf";
+}
 
-void HostileFiles::WriteSettings(const std::string& text) const { WriteFile(SettingsPath(), text); }
+void HostileFiles::WriteSettings(const std::string& text) const {
+    WriteFile(SettingsPath(), text);
+}
 
 void HostileFiles::Reset() {
     std::error_code error;
-    for (const char* dir : {"/store", "/config", "/cache", "/data", "/runtime"}) fs::remove_all(scratch_ + dir, error);
+    for (const char* dir : {"/store", "/config", "/cache", "/data", "/runtime"})
+        fs::remove_all(scratch_ + dir, error);
     for (const auto& entry : fs::directory_iterator(programDir_, error))
-        if (entry.path().filename().string().find("ostile") != std::string::npos) fs::remove(entry.path(), error);
-    for (const char* dir : {"/store/calendar", "/store/tasks", "/store/contacts", "/config/mirodate", "/cache",
-                            "/data", "/runtime"})
+        if (entry.path().filename().string().find("ostile") != std::string::npos)
+            fs::remove(entry.path(), error);
+    for (const char* dir : {"/store/calendar", "/store/tasks", "/store/contacts", "/config/mirodate",
+                            "/cache", "/data", "/runtime"})
         fs::create_directories(scratch_ + dir, error);
     chmod((scratch_ + "/runtime").c_str(), 0700);
     WriteFile(store_ + "/calendar/standup.ics", Event("standup", "20260310T090000", "SUMMARY:Standup\r\n"));
-    WriteFile(store_ + "/calendar/review.ics", Event("review", "20260318T140000", "SUMMARY:Design review\r\n"));
+    WriteFile(store_ + "/calendar/review.ics",
+              Event("review", "20260318T140000", "SUMMARY:Design review\r\n"));
     WriteFile(store_ + "/tasks/report.ics",
               "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//hostile//EN\r\nBEGIN:VTODO\r\nUID:report\r\n"
               "DTSTAMP:20260101T000000Z\r\nDUE;VALUE=DATE:20260320\r\nSUMMARY:Write the report\r\n"
@@ -223,15 +242,18 @@ void HostileFiles::WriteSkin(const std::string& fileName, const std::string& byt
 
 bool HostileFiles::DamageIndex() const {
     // Build the index as the program does, then spoil one value in it.
-    if (Run(Mode::List).exitCode != 0) return false;
+    if (Run(Mode::List).exitCode != 0)
+        return false;
     const std::string zone = StoreIndex::ZoneSignature();
     const std::string path = StoreIndex::PathFor(store_);
     StoreIndex::Entries entries = StoreIndex::Load(path, store_, zone);
     auto standup = entries.find("0/standup.ics");
-    if (standup == entries.end()) return false;
+    if (standup == entries.end())
+        return false;
     standup->second.record.start = 1e308;
     std::vector<const StoredItem*> items;
-    for (const auto& [key, item] : entries) items.push_back(&item);
+    for (const auto& [key, item] : entries)
+        items.push_back(&item);
     return StoreIndex::Save(path, store_, zone, items);
 }
 
@@ -260,17 +282,20 @@ bool HostileFiles::Apply(const std::string& caseName) {
                   Event("long-line", "20260312T100000", "SUMMARY:" + std::string(7000000, 'x') + "\r\n"));
     } else if (caseName == "store-long-line-within-limit") {
         WriteFile(calendar / "long-line.ics",
-                  Event("long-line", "20260312T100000", "SUMMARY:" + std::string(4 * 1024 * 1024 - 400, 'x') + "\r\n"));
+                  Event("long-line", "20260312T100000",
+                        "SUMMARY:" + std::string(4 * 1024 * 1024 - 400, 'x') + "\r\n"));
     } else if (caseName == "store-many-lines") {
-        WriteFile(calendar / "many-lines.ics", Event("many-lines", "20260312T100000", Repeat("X-A:b\r\n", 500000)));
+        WriteFile(calendar / "many-lines.ics",
+                  Event("many-lines", "20260312T100000", Repeat("X-A:b\r\n", 500000)));
     } else if (caseName == "store-many-parameters") {
-        WriteFile(calendar / "many-parameters.ics",
-                  Event("many-parameters", "20260312T100000", "SUMMARY" + Repeat(";X-P=a", 600000) + ":x\r\n"));
+        WriteFile(calendar / "many-parameters.ics", Event("many-parameters", "20260312T100000",
+                                                          "SUMMARY" + Repeat(";X-P=a", 600000) + ":x\r\n"));
     } else if (caseName == "store-symlink-loop") {
         fs::create_symlink("loop-b.ics", calendar / "loop-a.ics");
         fs::create_symlink("loop-a.ics", calendar / "loop-b.ics");
     } else if (caseName == "store-fifo") {
-        if (mkfifo((calendar / "pipe.ics").c_str(), 0600) != 0) return false;
+        if (mkfifo((calendar / "pipe.ics").c_str(), 0600) != 0)
+            return false;
     } else if (caseName == "store-name-not-utf8") {
         WriteFile(calendar / "bad\xff\x1b[2J.ics", "BEGIN:VCALENDAR\r\nnothing else\r\n");
     } else if (caseName == "index-damaged") {
@@ -280,7 +305,8 @@ bool HostileFiles::Apply(const std::string& caseName) {
         return WriteZip(skinPath, {{"skin.ini", Repeat("[]\n", 5500000)}});
     } else if (caseName == "skin-ini-within-limit") {
         std::string ini;
-        for (int i = 0; ini.size() < 1000 * 1000; ++i) ini += "[s" + std::to_string(i) + "]\n";
+        for (int i = 0; ini.size() < 1000 * 1000; ++i)
+            ini += "[s" + std::to_string(i) + "]\n";
         ini += "[styles.calendar]\ncolorDayGridBg=#203040\n";
         useSkin();
         return WriteZip(skinPath, {{"skin.ini", ini}});
@@ -289,17 +315,21 @@ bool HostileFiles::Apply(const std::string& caseName) {
     } else if (caseName == "skin-many-pictures") {
         const std::string picture = Png(2048, 2048, ImageBytes(2048, 2048));
         std::vector<std::pair<std::string, std::string>> pictures;
-        for (int i = 0; i < 12; ++i) pictures.emplace_back("picture" + std::to_string(i) + ".png", picture);
+        for (int i = 0; i < 12; ++i)
+            pictures.emplace_back("picture" + std::to_string(i) + ".png", picture);
         return pictureSkin(pictures);
     } else if (caseName == "skin-huge-picture") {
         // The size in the header is what counts; the data is never inflated.
         return pictureSkin({{"huge.png", Png(8192, 8192, 1)}});
     } else if (caseName == "skin-text-chunks") {
-        const std::string text = "Comment" + std::string(1, '\0') + std::string(1, '\0') + DeflatedZeros(8000000);
-        return pictureSkin({{"chunks.png", Png(64, 64, ImageBytes(64, 64), Repeat(Chunk("zTXt", text), 1000))}});
+        const std::string text =
+            "Comment" + std::string(1, '\0') + std::string(1, '\0') + DeflatedZeros(8000000);
+        return pictureSkin(
+            {{"chunks.png", Png(64, 64, ImageBytes(64, 64), Repeat(Chunk("zTXt", text), 1000))}});
     } else if (caseName == "skin-many-entries") {
         std::vector<std::pair<std::string, std::string>> entries{{"skin.ini", "[styles.calendar]\n"}};
-        for (int i = 0; i < 20000; ++i) entries.emplace_back("e" + std::to_string(i), "");
+        for (int i = 0; i < 20000; ++i)
+            entries.emplace_back("e" + std::to_string(i), "");
         useSkin();
         return WriteZip(skinPath, entries);
     } else if (caseName == "language-huge" || caseName == "language-line-feeds") {
@@ -307,12 +337,14 @@ bool HostileFiles::Apply(const std::string& caseName) {
         const std::size_t bytes = caseName == "language-huge" ? 17 * 1024 * 1024 : 1000 * 1000;
         std::string text("\xFF\xFE", 2);
         text.reserve(bytes);
-        while (text.size() + 2 <= bytes) text += std::string("\n\0", 2);
+        while (text.size() + 2 <= bytes)
+            text += std::string("\n\0", 2);
         WriteFile(fs::path(programDir_) / kHostileLanguage, text);
         WriteSettings(std::string(kBaseSettings) + "Language=" + kHostileLanguage + "\n");
     } else if (caseName == "settings-huge") {
         std::string text = kBaseSettings;
-        for (int i = 0; text.size() < 5 * 1024 * 1024; ++i) text += "Name" + std::to_string(i) + "=1\n";
+        for (int i = 0; text.size() < 5 * 1024 * 1024; ++i)
+            text += "Name" + std::to_string(i) + "=1\n";
         WriteSettings(text);
     } else if (caseName == "settings-long-value") {
         WriteSettings(std::string(kBaseSettings) + "LastFilter=" + std::string(100 * 1000, 'a') + "\n");
@@ -333,8 +365,9 @@ ProgramRun HostileFiles::Run(Mode mode, int timeoutSeconds) const {
     if (mode == Mode::List) {
         args.insert(args.end(), {"--list", "2026-03-01", "2026-03-31"});
     } else {
-        args.insert(args.end(), {"--headless", "--virtual-clock", "--socket", scratch_ + "/runtime/hostile.sock",
-                                 "--screenshot", scratch_ + "/runtime/shot.png"});
+        args.insert(args.end(),
+                    {"--headless", "--virtual-clock", "--socket", scratch_ + "/runtime/hostile.sock",
+                     "--screenshot", scratch_ + "/runtime/shot.png"});
     }
     const std::string outPath = scratch_ + "/runtime/out.txt";
     const std::string errPath = scratch_ + "/runtime/err.txt";
@@ -342,19 +375,22 @@ ProgramRun HostileFiles::Run(Mode mode, int timeoutSeconds) const {
     // parent's at the exec; GNU time, a small process, reports the program's own.
     const std::string rssPath = scratch_ + "/runtime/rss.txt";
     const bool timed = access(kTimeProgram, X_OK) == 0;
-    if (timed) args.insert(args.begin(), {kTimeProgram, "-f", "%M", "-o", rssPath});
+    if (timed)
+        args.insert(args.begin(), {kTimeProgram, "-f", "%M", "-o", rssPath});
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, 1, outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     posix_spawn_file_actions_addopen(&actions, 2, errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     std::vector<char*> argv;
-    for (const auto& arg : args) argv.push_back(const_cast<char*>(arg.c_str()));
+    for (const auto& arg : args)
+        argv.push_back(const_cast<char*>(arg.c_str()));
     argv.push_back(nullptr);
     const auto start = std::chrono::steady_clock::now();
     pid_t pid = -1;
     const int spawned = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
-    if (spawned != 0) return run;
+    if (spawned != 0)
+        return run;
     int status = 0;
     rusage usage{};
     const auto deadline = start + std::chrono::seconds(timeoutSeconds);
@@ -384,7 +420,8 @@ std::string HostileFiles::Snapshot() const {
     std::map<std::string, std::string> contents;
     std::error_code error;
     for (const auto& entry : fs::recursive_directory_iterator(store_, error))
-        if (entry.is_regular_file(error)) contents[entry.path().string()] = ReadFile(entry.path());
+        if (entry.is_regular_file(error))
+            contents[entry.path().string()] = ReadFile(entry.path());
     contents[SettingsPath()] = ReadFile(SettingsPath());
     std::string snapshot;
     for (const auto& [path, bytes] : contents)

@@ -22,15 +22,16 @@ constexpr int kRunTimeoutSeconds = 300;
 std::vector<std::string> Lines(const std::string& text) {
     std::vector<std::string> lines;
     std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) lines.push_back(line);
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
     return lines;
 }
 
 class HostileFilesTest : public ::testing::TestWithParam<HostileFiles::Case> {
 protected:
     static void SetUpTestSuite() {
-        files_ = new HostileFiles(std::filesystem::temp_directory_path().string() + "/mirodate-hostile-test-" +
-                                      std::to_string(getpid()),
+        files_ = new HostileFiles(std::filesystem::temp_directory_path().string() +
+                                      "/mirodate-hostile-test-" + std::to_string(getpid()),
                                   MIRODATE_PROGRAM);
         ASSERT_TRUE(files_->Ready());
         const ProgramRun clean = files_->Run(HostileFiles::Mode::List, kRunTimeoutSeconds);
@@ -56,7 +57,8 @@ TEST_P(HostileFilesTest, FinishesNormallyWithAClearWarningAndChangesNoFile) {
     const HostileFiles::Case& hostile = GetParam();
     for (const auto mode : {HostileFiles::Mode::List, HostileFiles::Mode::Start}) {
         const bool list = mode == HostileFiles::Mode::List;
-        if (!(list ? hostile.list : hostile.start)) continue;
+        if (!(list ? hostile.list : hostile.start))
+            continue;
         SCOPED_TRACE(list ? "--list" : "start");
         // Anew for each run: a damaged index, for one, is repaired by the first.
         ASSERT_TRUE(files_->Apply(hostile.name));
@@ -87,7 +89,8 @@ INSTANTIATE_TEST_SUITE_P(EveryKindOfFile, HostileFilesTest, ::testing::ValuesIn(
                          [](const ::testing::TestParamInfo<HostileFiles::Case>& info) {
                              std::string name = info.param.name;
                              for (char& c : name)
-                                 if (c == '-') c = '_';
+                                 if (c == '-')
+                                     c = '_';
                              return name;
                          });
 

@@ -27,7 +27,8 @@ TEST(SettingsFileLimits, AFileTooBigToReadIsNeverReplaced) {
     TempDir dir;
     const std::string path = dir.File("settings.conf");
     std::string text = "Skin=Mine\n";
-    while (text.size() <= static_cast<size_t>(SettingsStore::kMaxFileBytes)) text += "Filler=0123456789\n";
+    while (text.size() <= static_cast<size_t>(SettingsStore::kMaxFileBytes))
+        text += "Filler=0123456789\n";
     WriteAll(path, text);
 
     SettingsStore store(path);

@@ -27,7 +27,8 @@ std::string BigEndian(std::uint32_t value) {
 std::string Chunk(const std::string& type, const std::string& data) {
     const std::string body = type + data;
     const uLong crc = crc32(0, reinterpret_cast<const Bytef*>(body.data()), static_cast<uInt>(body.size()));
-    return BigEndian(static_cast<std::uint32_t>(data.size())) + body + BigEndian(static_cast<std::uint32_t>(crc));
+    return BigEndian(static_cast<std::uint32_t>(data.size())) + body +
+           BigEndian(static_cast<std::uint32_t>(crc));
 }
 
 std::string Deflated(const std::string& data) {
@@ -47,7 +48,9 @@ std::string Png(std::uint32_t width, std::uint32_t height, std::size_t raw, cons
            Chunk("IDAT", Deflated(std::string(raw, '\0'))) + Chunk("IEND", "");
 }
 
-std::size_t Needed(std::uint32_t width, std::uint32_t height) { return height * (1 + 4 * width); }
+std::size_t Needed(std::uint32_t width, std::uint32_t height) {
+    return height * (1 + 4 * width);
+}
 
 TEST(PngChecker, KnowsTheImageDataOfEveryLayout) {
     EXPECT_EQ(PngChecker::RawImageBytes(3, 2, 8, 6, false), 2u * (1 + 12));
@@ -56,15 +59,15 @@ TEST(PngChecker, KnowsTheImageDataOfEveryLayout) {
     EXPECT_EQ(PngChecker::RawImageBytes(5, 1, 4, 3, false), 1u * (1 + 3));
     // Seven passes of an interlaced 8 x 8 one-bit picture: rows x (filter + bytes).
     EXPECT_EQ(PngChecker::RawImageBytes(8, 8, 1, 0, true), 2u + 2 + 2 + 4 + 4 + 8 + 8);
-    EXPECT_EQ(PngChecker::RawImageBytes(1, 1, 8, 6, true), 5u); // the first pass alone
+    EXPECT_EQ(PngChecker::RawImageBytes(1, 1, 8, 6, true), 5u);  // the first pass alone
     EXPECT_EQ(PngChecker::RawImageBytes(4, 4, 3, 6, false), 0u); // no such depth
     EXPECT_EQ(PngChecker::RawImageBytes(4, 4, 8, 5, false), 0u); // no such colour type
 
     // The pictures cairo writes inflate to exactly that.
     std::string essential;
     int width = 0, height = 0;
-    EXPECT_EQ(PngChecker::Check(MakePng(33, 7, 0x102030), SkinPicture::kMaxPixels, SkinPicture::kMaxSide, essential,
-                                width, height),
+    EXPECT_EQ(PngChecker::Check(MakePng(33, 7, 0x102030), SkinPicture::kMaxPixels, SkinPicture::kMaxSide,
+                                essential, width, height),
               PngChecker::Result::Ok);
     EXPECT_EQ(width, 33);
     EXPECT_EQ(height, 7);
@@ -87,9 +90,11 @@ TEST(SkinPictureLimits, DataBeyondWhatTheSizeNeedsIsRefusedWithoutInflatingIt) {
 TEST(SkinPictureLimits, TextAndProfileChunksAreNeverInflated) {
     // Compressed text that would inflate to 8 MB per chunk, a thousand
     // times: only the image's own chunks reach the decoder.
-    const std::string bomb = Chunk("zTXt", std::string("Comment\0\0", 9) + Deflated(std::string(8 << 20, 'a')));
+    const std::string bomb =
+        Chunk("zTXt", std::string("Comment\0\0", 9) + Deflated(std::string(8 << 20, 'a')));
     std::string chunks;
-    for (int i = 0; i < 1000; ++i) chunks += bomb;
+    for (int i = 0; i < 1000; ++i)
+        chunks += bomb;
     chunks += Chunk("iCCP", std::string("icc\0\0", 5) + Deflated(std::string(8 << 20, 'b')));
     auto picture = SkinPicture::DecodePng(Png(16, 16, Needed(16, 16), chunks));
     ASSERT_TRUE(picture);
@@ -115,7 +120,8 @@ protected:
 
 TEST_F(SkinArchiveLimits, TheArchiveBoundsItsEntriesAndWhatTheyInflateTo) {
     std::vector<ZipEntry> many{{"skin.ini", "[info]\n"}};
-    for (std::uint64_t i = 0; i < SkinArchive::kMaxItems; ++i) many.push_back({"e" + std::to_string(i), ""});
+    for (std::uint64_t i = 0; i < SkinArchive::kMaxItems; ++i)
+        many.push_back({"e" + std::to_string(i), ""});
     SkinArchive archive;
     EXPECT_EQ(archive.OpenMemory(MakeZip(many)), SkinArchive::kNotOpenForReading);
     EXPECT_TRUE(archive.LimitExceeded());
@@ -127,7 +133,8 @@ TEST_F(SkinArchiveLimits, TheArchiveBoundsItsEntriesAndWhatTheyInflateTo) {
               SkinArchive::kOk);
     EXPECT_FALSE(archive.LimitExceeded());
     std::string data;
-    for (const char* name : {"a", "b", "c"}) EXPECT_EQ(archive.ReadItem(name, data), SkinArchive::kOk) << name;
+    for (const char* name : {"a", "b", "c"})
+        EXPECT_EQ(archive.ReadItem(name, data), SkinArchive::kOk) << name;
     EXPECT_EQ(archive.ReadItem("d", data), SkinArchive::kItemUnreadable);
     EXPECT_TRUE(archive.LimitExceeded());
     // Once over a limit, nothing more is unpacked.
@@ -138,8 +145,9 @@ TEST_F(SkinArchiveLimits, PicturesShareOneBudgetOfPixels) {
     const std::string picture = Png(2048, 2048, Needed(2048, 2048));
     ASSERT_EQ(2048 * 2048 * 2, SkinArchive::kMaxPicturePixels);
     SkinArchive archive;
-    ASSERT_EQ(archive.OpenMemory(MakeZip({{"one.png", picture}, {"two.png", picture}, {"three.png", picture}})),
-              SkinArchive::kOk);
+    ASSERT_EQ(
+        archive.OpenMemory(MakeZip({{"one.png", picture}, {"two.png", picture}, {"three.png", picture}})),
+        SkinArchive::kOk);
     SkinPictureRef result;
     EXPECT_TRUE(LoadSkinImage(archive, u"one.png", result));
     EXPECT_TRUE(LoadSkinImage(archive, u"two.png", result));
@@ -175,7 +183,8 @@ TEST_F(SkinArchiveLimits, ASkinBeyondALimitLeavesNothingOfItselfAndSaysWhy) {
 
 TEST_F(SkinArchiveLimits, AStyleFileOfMillionsOfLinesIsRefusedUnread) {
     std::string ini;
-    for (int i = 0; i < 400000; ++i) ini += "[]\n";
+    for (int i = 0; i < 400000; ++i)
+        ini += "[]\n";
     const std::string path = folder_.Write("skin.Lines.zip", MakeZip({{"skin.ini", ini}}));
     SkinStyles styles;
     ::testing::internal::CaptureStderr();

@@ -19,7 +19,8 @@ using ::testing::internal::CaptureStderr;
 using ::testing::internal::GetCapturedStderr;
 
 std::string Serialised(icalcomponent* component) {
-    if (!component) return "(none)";
+    if (!component)
+        return "(none)";
     char* text = icalcomponent_as_ical_string_r(component);
     std::string out = text;
     std::free(text);
@@ -30,18 +31,20 @@ TEST(IcalText, ReadsEveryTextAsLibicalsOwnReaderDoes) {
     // Lines around the lengths at which the parser takes its pieces (80 and
     // more), folded lines across them, both line ends, no final line end, a
     // NUL, damaged properties.
-    std::vector<std::string> texts = {"", "BEGIN:VCALENDAR", "BEGIN:VCALENDAR\r\nEND:VCALENDAR\r\n",
-                                      "BEGIN:VCALENDAR\nBEGIN:VEVENT\nUID:a\nDTSTART:2026\nEND:VEVENT\nEND:VCALENDAR"};
+    std::vector<std::string> texts = {
+        "", "BEGIN:VCALENDAR", "BEGIN:VCALENDAR\r\nEND:VCALENDAR\r\n",
+        "BEGIN:VCALENDAR\nBEGIN:VEVENT\nUID:a\nDTSTART:2026\nEND:VEVENT\nEND:VCALENDAR"};
     for (std::size_t length : {70, 77, 78, 79, 80, 81, 82, 157, 158, 159, 160, 161, 5000}) {
         const std::string value(length, 'v');
         for (const char* end : {"\r\n", "\n"}) {
             const std::string e = end;
-            texts.push_back("BEGIN:VCALENDAR" + e + "BEGIN:VEVENT" + e + "UID:x" + e + "SUMMARY:" + value + e +
-                            "DESCRIPTION:" + value.substr(0, length / 2) + e + " " + value + e + "\t" + value + e +
-                            "X-BROKEN;;=" + e + "END:VEVENT" + e + "END:VCALENDAR" + e);
+            texts.push_back("BEGIN:VCALENDAR" + e + "BEGIN:VEVENT" + e + "UID:x" + e + "SUMMARY:" + value +
+                            e + "DESCRIPTION:" + value.substr(0, length / 2) + e + " " + value + e + "\t" +
+                            value + e + "X-BROKEN;;=" + e + "END:VEVENT" + e + "END:VCALENDAR" + e);
         }
     }
-    texts.push_back(std::string("BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nSUMMARY:before\0after\r\nEND:VEVENT\r\n", 64));
+    texts.push_back(
+        std::string("BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nSUMMARY:before\0after\r\nEND:VEVENT\r\n", 64));
     for (const std::string& text : texts) {
         IcalComponentPtr ours = IcalText::Parse(text);
         IcalComponentPtr theirs(icalparser_parse_string(text.c_str()));
@@ -54,17 +57,20 @@ TEST(ItemFileLimits, CountsUnfoldedLinesAndParametersOutsideQuotes) {
     EXPECT_NE(ItemFileLimits::CheckSize(ItemFileLimits::kMaxFileBytes + 1).find("4 MB"), std::string::npos);
 
     std::string lines;
-    for (std::size_t i = 1; i < ItemFileLimits::kMaxProperties; ++i) lines += "X:1\r\n";
+    for (std::size_t i = 1; i < ItemFileLimits::kMaxProperties; ++i)
+        lines += "X:1\r\n";
     lines += "X:1";
     EXPECT_EQ(ItemFileLimits::CheckText(lines), "");
     EXPECT_NE(ItemFileLimits::CheckText(lines + "\r\nX:2").find("content lines"), std::string::npos);
     // A folded value (a photo, an attachment) is one line however long.
     std::string folded = "PHOTO:";
-    for (int i = 0; i < 100000; ++i) folded += "AAAA\r\n ";
+    for (int i = 0; i < 100000; ++i)
+        folded += "AAAA\r\n ";
     EXPECT_EQ(ItemFileLimits::CheckText(folded), "");
 
     std::string parameters = "SUMMARY";
-    for (std::size_t i = 0; i < ItemFileLimits::kMaxParameters; ++i) parameters += ";X=1";
+    for (std::size_t i = 0; i < ItemFileLimits::kMaxParameters; ++i)
+        parameters += ";X=1";
     EXPECT_EQ(ItemFileLimits::CheckText(parameters + ":a;b;c\r\n"), ""); // the value's ";" are no parameters
     const std::string oneFewer = parameters.substr(0, parameters.size() - 4);
     EXPECT_EQ(ItemFileLimits::CheckText(oneFewer + ";X=\"a;b:c\":v;w\r\n"), "");
@@ -80,15 +86,18 @@ protected:
 };
 
 TEST_F(HostileStoreTest, FilesBeyondTheLimitsAreSkippedWithTheReasonOnEveryStart) {
-    const std::string big = Event("big", "DTSTART:20260310T100000\r\nSUMMARY:" +
-                                             std::string(ItemFileLimits::kMaxFileBytes, 'x') + "\r\n");
+    const std::string big =
+        Event("big", "DTSTART:20260310T100000\r\nSUMMARY:" + std::string(ItemFileLimits::kMaxFileBytes, 'x') +
+                         "\r\n");
     std::string manyLines = "DTSTART:20260311T100000\r\n";
-    for (std::size_t i = 0; i < ItemFileLimits::kMaxProperties; ++i) manyLines += "X-A:b\r\n";
+    for (std::size_t i = 0; i < ItemFileLimits::kMaxProperties; ++i)
+        manyLines += "X-A:b\r\n";
     WriteFile("calendar/big.ics", big);
     WriteFile("calendar/lines.ics", Event("lines", manyLines));
     // Just below the size limit, one line: read, and read whole.
     const std::string longSubject(ItemFileLimits::kMaxFileBytes - 300, 's');
-    WriteFile("calendar/long.ics", Event("long", "DTSTART:20260312T100000\r\nSUMMARY:" + longSubject + "\r\n"));
+    WriteFile("calendar/long.ics",
+              Event("long", "DTSTART:20260312T100000\r\nSUMMARY:" + longSubject + "\r\n"));
 
     for (int start = 0; start < 2; ++start) { // the second start reads the index
         CaptureStderr();
@@ -139,9 +148,10 @@ class DamagedIndexTest : public StoreFixture {
 protected:
     void SetUp() override {
         StoreFixture::SetUp();
-        WriteFile("calendar/meeting.ics", Event("meeting", "DTSTART:20260310T100000\r\nDTEND:20260310T110000\r\n"
-                                                           "SUMMARY:From the file\r\n"));
-        struct stat st{};
+        WriteFile("calendar/meeting.ics",
+                  Event("meeting", "DTSTART:20260310T100000\r\nDTEND:20260310T110000\r\n"
+                                   "SUMMARY:From the file\r\n"));
+        struct stat st {};
         ASSERT_EQ(stat((dir_ / "vdir/calendar/meeting.ics").c_str(), &st), 0);
         entry_.directory = 0;
         entry_.fileName = "meeting.ics";
@@ -159,7 +169,8 @@ protected:
     }
 
     void SaveIndex(const StoredItem& item) const {
-        ASSERT_TRUE(StoreIndex::Save(StoreIndex::PathFor(Root()), Root(), StoreIndex::ZoneSignature(), {&item}));
+        ASSERT_TRUE(
+            StoreIndex::Save(StoreIndex::PathFor(Root()), Root(), StoreIndex::ZoneSignature(), {&item}));
     }
 
     // The subject the store shows and the warnings of its start.
@@ -188,7 +199,8 @@ TEST_F(DamagedIndexTest, AnyImpossibleValueThrowsTheIndexAwayAndItIsBuiltAgain) 
         {"end -1e308", [&](StoredItem& i) { i.record.end = -huge; }},
         {"end before start", [&](StoredItem& i) { i.record.end = i.record.start - 1; }},
         {"due date NaN", [&](StoredItem& i) { i.record.dueDate = nan; }},
-        {"birthday infinite", [&](StoredItem& i) { i.record.birthday = std::numeric_limits<double>::infinity(); }},
+        {"birthday infinite",
+         [&](StoredItem& i) { i.record.birthday = std::numeric_limits<double>::infinity(); }},
         {"series end 1e12", [&](StoredItem& i) { i.seriesEnd = 1e12; }},
         {"longest negative", [&](StoredItem& i) { i.longest = -1; }},
         {"directory 7", [&](StoredItem& i) { i.directory = 7; }},
