@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <ctime>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
@@ -139,7 +140,9 @@ const std::vector<HostileFiles::Case>& HostileFiles::Cases() {
     static const std::vector<Case> cases = {
         {"store-long-line", "event with one 7 MB line", "more than the 4 MB an item file may have", true,
          true},
-        {"store-long-line-within-limit", "event with one line just under 4 MB", "", true, true},
+        {"store-long-line-within-limit", "event of the month listed with one line just under 4 MB", "", true,
+         false},
+        {"store-long-line-today", "event of today with a subject just under 4 MB", "", false, true},
         {"store-many-lines", "event with 500,000 properties", "content lines", true, true},
         {"store-many-parameters", "event with 600,000 parameters on one line", "parameters", true, true},
         {"store-symlink-loop", "two symbolic links pointing at each other", "a loop of symbolic links", true,
@@ -284,6 +287,16 @@ bool HostileFiles::Apply(const std::string& caseName) {
         WriteFile(calendar / "long-line.ics",
                   Event("long-line", "20260312T100000",
                         "SUMMARY:" + std::string(4 * 1024 * 1024 - 400, 'x') + "\r\n"));
+    } else if (caseName == "store-long-line-today") {
+        // On the day a start shows, so that its subject is drawn.
+        const std::time_t now = std::time(nullptr);
+        std::tm local{};
+        localtime_r(&now, &local);
+        char day[16];
+        std::strftime(day, sizeof day, "%Y%m%dT100000", &local);
+        std::string subject;
+        while (subject.size() < 4 * 1024 * 1024 - 400) subject += "word ";
+        WriteFile(calendar / "long-line.ics", Event("long-line", day, "SUMMARY:" + subject + "\r\n"));
     } else if (caseName == "store-many-lines") {
         WriteFile(calendar / "many-lines.ics",
                   Event("many-lines", "20260312T100000", Repeat("X-A:b\r\n", 500000)));
