@@ -235,13 +235,26 @@ std::string StoreIndex::ZoneSignature() {
     return signature;
 }
 
-StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string& root, const std::string& zone) {
+std::uint64_t StoreIndex::MaxBytesFor(std::size_t files, std::uint64_t fileBytes) {
+    constexpr std::uint64_t kHeaderBytes = 64 * 1024; // magic, root, zone
+    constexpr std::uint64_t kRecordBytes = 1024;      // fixed fields, file name, reason
+    return kHeaderBytes + files * kRecordBytes + 3 * fileBytes;
+}
+
+StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string& root, const std::string& zone,
+                                     std::size_t maxEntries, std::uint64_t maxBytes) {
     Entries entries;
     std::ifstream file(path, std::ios::binary);
     if (!file) return entries;
     file.seekg(0, std::ios::end);
     const std::streamoff size = file.tellg();
-    if (size <= 0 || static_cast<std::size_t>(size) > kMaxIndexBytes) return entries;
+    if (size <= 0) return entries;
+    if (static_cast<std::uint64_t>(size) > std::min<std::uint64_t>(maxBytes, kMaxIndexBytes)) {
+        // Stale (files deleted while the program was not running) or not ours.
+        Log::Info("store: the index %s is larger than the store's files can explain; it is built again",
+                  PrintableText(path).c_str());
+        return entries;
+    }
     file.seekg(0);
     std::string data(static_cast<std::size_t>(size), '\0');
     if (!file.read(data.data(), size)) return entries;
@@ -250,6 +263,11 @@ StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string&
     reader.Skip(sizeof kMagic - 1);
     if (reader.String() != root || reader.String() != zone) return entries;
     const auto count = reader.Value<std::uint32_t>();
+    if (reader.ok && count > maxEntries) {
+        Log::Info("store: the index %s has more entries than the store has files; it is built again",
+                  PrintableText(path).c_str());
+        return entries;
+    }
     entries.reserve(std::min<std::size_t>(count, data.size() / 64));
     bool plausible = reader.ok;
     for (std::uint32_t i = 0; i < count && plausible; ++i) {

@@ -179,11 +179,14 @@ bool VdirSource::Logon() {
         Log::Error("store: %s is not a readable folder", root_.c_str());
         return false;
     }
-    const std::string zone = StoreIndex::ZoneSignature();
-    const std::string indexPath = StoreIndex::PathFor(root_);
-    StoreIndex::Entries index;
-    if (options_.useIndex) index = StoreIndex::Load(indexPath, root_, zone);
-    std::size_t reused = 0;
+    // The files first: what they are bounds what the index may hold.
+    struct FoundFile {
+        int directory;
+        std::string name;
+        struct stat stat;
+    };
+    std::vector<FoundFile> found;
+    std::uint64_t foundBytes = 0;
     for (int directory = 0; directory < kDirectoryCount; ++directory) {
         const std::string path = DirectoryPath(directory);
         if (options_.createIfMissing) Paths::MakeDirs(path);
@@ -201,29 +204,40 @@ bool VdirSource::Logon() {
                 continue;
             }
             if (!S_ISREG(fileStat.st_mode)) {
-                Log::Warning("store: skipped %s: not a regular file",
-                             PrintableText(path + "/" + name).c_str());
+                Log::Warning("store: skipped %s: not a regular file", PrintableText(path + "/" + name).c_str());
                 continue;
             }
-            const std::string key = Key(directory, name);
-            auto known = index.find(key);
-            Entry item;
-            if (known != index.end() && known->second.size == fileStat.st_size &&
-                known->second.mtimeNs == MtimeNs(fileStat)) {
-                item = std::make_shared<StoredItem>(std::move(known->second));
-                ++reused;
-                if (!item->readable)
-                    Log::Warning("store: skipped %s: %s", PrintableText(path + "/" + name).c_str(),
-                                 PrintableText(item->problem).c_str());
-            } else {
-                bool exists = false;
-                item = std::make_shared<StoredItem>(ReadFile(directory, name, exists));
-                if (!exists) continue;
-                indexDirty_ = true;
-            }
-            files_[key] = std::move(item);
+            foundBytes += static_cast<std::uint64_t>(fileStat.st_size);
+            found.push_back({directory, name, fileStat});
         }
         closedir(dir);
+    }
+
+    const std::string zone = StoreIndex::ZoneSignature();
+    const std::string indexPath = StoreIndex::PathFor(root_);
+    StoreIndex::Entries index;
+    if (options_.useIndex)
+        index = StoreIndex::Load(indexPath, root_, zone, found.size(), StoreIndex::MaxBytesFor(found.size(), foundBytes));
+    std::size_t reused = 0;
+    for (FoundFile& file : found) {
+        const std::string key = Key(file.directory, file.name);
+        const std::string path = DirectoryPath(file.directory) + "/" + file.name;
+        auto known = index.find(key);
+        Entry item;
+        if (known != index.end() && known->second.size == file.stat.st_size &&
+            known->second.mtimeNs == MtimeNs(file.stat)) {
+            item = std::make_shared<StoredItem>(std::move(known->second));
+            ++reused;
+            if (!item->readable)
+                Log::Warning("store: skipped %s: %s", PrintableText(path).c_str(),
+                             PrintableText(item->problem).c_str());
+        } else {
+            bool exists = false;
+            item = std::make_shared<StoredItem>(ReadFile(file.directory, file.name, exists));
+            if (!exists) continue;
+            indexDirty_ = true;
+        }
+        files_[key] = std::move(item);
     }
     if (reused != index.size()) indexDirty_ = true;
     AssignOids();

@@ -151,6 +151,7 @@ const std::vector<HostileFiles::Case>& HostileFiles::Cases() {
         {"store-name-not-utf8", "an unreadable item whose name is not UTF-8 and holds escape codes",
          "bad\\xff\\x1b[2J.ics", true, true},
         {"index-damaged", "derived index with a start time of 1e308", "index", true, true},
+        {"index-huge", "derived index of 40 MB for a store of 4 small files", "", true, true},
         {"skin-ini-sections", "skin.ini of 5.5 million empty section lines (16 MB)", "skin.ini has", false,
          true},
         {"skin-ini-within-limit", "skin.ini of 1 MB of distinct sections", "", false, true},
@@ -243,7 +244,7 @@ void HostileFiles::WriteSkin(const std::string& fileName, const std::string& byt
     WriteFile(fs::path(programDir_) / fileName, bytes);
 }
 
-bool HostileFiles::DamageIndex() const {
+bool HostileFiles::DamageIndex(bool huge) const {
     // Build the index as the program does, then spoil one value in it.
     if (Run(Mode::List).exitCode != 0)
         return false;
@@ -253,7 +254,10 @@ bool HostileFiles::DamageIndex() const {
     auto standup = entries.find("0/standup.ics");
     if (standup == entries.end())
         return false;
-    standup->second.record.start = 1e308;
+    if (huge)
+        standup->second.record.body.assign(20 * 1000 * 1000, u'b');
+    else
+        standup->second.record.start = 1e308;
     std::vector<const StoredItem*> items;
     for (const auto& [key, item] : entries)
         items.push_back(&item);
@@ -311,8 +315,8 @@ bool HostileFiles::Apply(const std::string& caseName) {
             return false;
     } else if (caseName == "store-name-not-utf8") {
         WriteFile(calendar / "bad\xff\x1b[2J.ics", "BEGIN:VCALENDAR\r\nnothing else\r\n");
-    } else if (caseName == "index-damaged") {
-        return DamageIndex();
+    } else if (caseName == "index-damaged" || caseName == "index-huge") {
+        return DamageIndex(caseName == "index-huge");
     } else if (caseName == "skin-ini-sections") {
         useSkin();
         return WriteZip(skinPath, {{"skin.ini", Repeat("[]\n", 5500000)}});

@@ -56,7 +56,7 @@ public:
 private:
     void WriteSettings(const std::string& text) const;
     void WriteSkin(const std::string& fileName, const std::string& bytes) const;
-    bool DamageIndex() const;
+    bool DamageIndex(bool huge) const;
 
     std::string scratch_;
     std::string programDir_;

@@ -245,6 +245,27 @@ TEST_F(DamagedIndexTest, TwoEntriesForOneFileAndTrailingBytesAreDamage) {
     EXPECT_EQ(Start().first, u"From the file");
 }
 
+TEST_F(DamagedIndexTest, AnIndexBiggerThanTheStoreCanExplainIsNotRead) {
+    const std::string path = StoreIndex::PathFor(Root());
+    std::vector<StoredItem> others(3, entry_);
+    std::vector<const StoredItem*> items{&entry_};
+    for (std::size_t i = 0; i < others.size(); ++i) {
+        others[i].fileName = "gone" + std::to_string(i) + ".ics";
+        items.push_back(&others[i]);
+    }
+    ASSERT_TRUE(StoreIndex::Save(path, Root(), StoreIndex::ZoneSignature(), items));
+    EXPECT_EQ(Start().first, u"From the file"); // more entries than files
+
+    StoredItem padded = entry_;
+    padded.record.body.assign(StoreIndex::MaxBytesFor(1, entry_.size) / 2, u'b');
+    SaveIndex(padded);
+    EXPECT_EQ(Start().first, u"From the file"); // more bytes than the file could give
+
+    padded.record.body.resize(entry_.size); // as much text as the file has: believable
+    SaveIndex(padded);
+    EXPECT_EQ(Start().first, u"From the index");
+}
+
 TEST(DateConversion, ValuesFarOutsideTheCalendarAreInvalidNotUndefined) {
     for (double date : {1e308, -1e308, 1e19, -9.3e18, std::numeric_limits<double>::infinity(),
                         std::numeric_limits<double>::quiet_NaN()}) {
