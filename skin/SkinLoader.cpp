@@ -28,7 +28,7 @@ std::string ArchiveFileName(const std::u16string& name) {
 }
 
 // A skin.ini longer than this is not a skin: the shipped ones have 3 KB.
-constexpr std::uint64_t kMaxStyleFileBytes = 1024 * 1024;
+constexpr std::uint64_t kMaxStyleFileBytes = 256 * 1024;
 
 enum class Applied { Yes, No, LimitExceeded };
 

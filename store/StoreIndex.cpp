@@ -241,14 +241,16 @@ std::uint64_t StoreIndex::MaxBytesFor(std::size_t files, std::uint64_t fileBytes
     return kHeaderBytes + files * kRecordBytes + 3 * fileBytes;
 }
 
-StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string& root, const std::string& zone,
-                                     std::size_t maxEntries, std::uint64_t maxBytes) {
+StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string& root,
+                                     const std::string& zone, std::size_t maxEntries,
+                                     std::uint64_t maxBytes) {
     Entries entries;
     std::ifstream file(path, std::ios::binary);
     if (!file) return entries;
     file.seekg(0, std::ios::end);
     const std::streamoff size = file.tellg();
-    if (size <= 0) return entries;
+    if (size <= 0)
+        return entries;
     if (static_cast<std::uint64_t>(size) > std::min<std::uint64_t>(maxBytes, kMaxIndexBytes)) {
         // Stale (files deleted while the program was not running) or not ours.
         Log::Info("store: the index %s is larger than the store's files can explain; it is built again",

@@ -204,7 +204,8 @@ bool VdirSource::Logon() {
                 continue;
             }
             if (!S_ISREG(fileStat.st_mode)) {
-                Log::Warning("store: skipped %s: not a regular file", PrintableText(path + "/" + name).c_str());
+                Log::Warning("store: skipped %s: not a regular file",
+                             PrintableText(path + "/" + name).c_str());
                 continue;
             }
             foundBytes += static_cast<std::uint64_t>(fileStat.st_size);
@@ -217,7 +218,8 @@ bool VdirSource::Logon() {
     const std::string indexPath = StoreIndex::PathFor(root_);
     StoreIndex::Entries index;
     if (options_.useIndex)
-        index = StoreIndex::Load(indexPath, root_, zone, found.size(), StoreIndex::MaxBytesFor(found.size(), foundBytes));
+        index = StoreIndex::Load(indexPath, root_, zone, found.size(),
+                                 StoreIndex::MaxBytesFor(found.size(), foundBytes));
     std::size_t reused = 0;
     for (FoundFile& file : found) {
         const std::string key = Key(file.directory, file.name);
@@ -234,7 +236,8 @@ bool VdirSource::Logon() {
         } else {
             bool exists = false;
             item = std::make_shared<StoredItem>(ReadFile(file.directory, file.name, exists));
-            if (!exists) continue;
+            if (!exists)
+                continue;
             indexDirty_ = true;
         }
         files_[key] = std::move(item);

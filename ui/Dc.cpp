@@ -361,7 +361,8 @@ void Dc::DrawIcon(int x, int y, const Bitmap& icon) {
 
 int Dc::DrawText(const std::u16string& text, RECT& rect, UINT format) {
     const Font& font = font_ ? *font_ : FallbackFont();
-    const std::u16string_view shown = TextLayout::Shown(text, (format & DT_WORDBREAK) && !(format & DT_SINGLELINE));
+    const std::u16string_view shown =
+        TextLayout::Shown(text, (format & DT_WORDBREAK) && !(format & DT_SINGLELINE));
     const std::string utf8 = (format & DT_NOPREFIX) ? Utf16ToUtf8(shown) : Utf16ToUtf8(StripPrefixes(shown));
     LayoutPtr layout = MakeLayout(font, utf8);
     PangoLayout* pl = layout.get();

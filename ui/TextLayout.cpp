@@ -29,7 +29,8 @@ PangoContext* LayoutContext() {
 
 std::u16string_view TextLayout::Shown(std::u16string_view text, bool wrap) {
     const size_t limit = wrap ? kMaxWrappedChars : kMaxLineChars;
-    if (text.size() <= limit) return text;
+    if (text.size() <= limit)
+        return text;
     const bool splitsPair = text[limit - 1] >= 0xD800 && text[limit - 1] <= 0xDBFF;
     return text.substr(0, splitsPair ? limit - 1 : limit);
 }

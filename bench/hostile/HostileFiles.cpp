@@ -7,9 +7,9 @@
 
 #include <chrono>
 #include <csignal>
-#include <ctime>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
@@ -154,7 +154,7 @@ const std::vector<HostileFiles::Case>& HostileFiles::Cases() {
         {"index-huge", "derived index of 40 MB for a store of 4 small files", "", true, true},
         {"skin-ini-sections", "skin.ini of 5.5 million empty section lines (16 MB)", "skin.ini has", false,
          true},
-        {"skin-ini-within-limit", "skin.ini of 1 MB of distinct sections", "", false, true},
+        {"skin-ini-within-limit", "skin.ini of 250 KB of distinct sections", "", false, true},
         {"skin-endless-picture", "2048 x 2048 PNG whose data inflates to 256 MB", "inflates to more data",
          false, true},
         {"skin-many-pictures", "twelve 2048 x 2048 backgrounds", "all pictures of a skin", false, true},
@@ -163,7 +163,9 @@ const std::vector<HostileFiles::Case>& HostileFiles::Cases() {
         {"skin-many-entries", "archive of 20,000 entries", "entries", false, true},
         {"language-huge", "language file of 17 MB", "language file", false, true},
         {"language-line-feeds", "language file of 1 MB of line feeds", "", false, true},
+        {"language-many-keys", "language file of 1 MB of distinct keys", "", false, true},
         {"settings-huge", "settings file of 5 MB", "settings file", true, true},
+        {"settings-many-values", "settings file of 1 MB of distinct names", "", true, true},
         {"settings-long-value", "settings value of 100 KB", "longer than", true, true},
         {"settings-font-size-max", "FontSizeDelta=2147483647", "", true, true},
         {"settings-font-size-min", "FontSizeDelta=-2147483648", "", true, true},
@@ -299,7 +301,8 @@ bool HostileFiles::Apply(const std::string& caseName) {
         char day[16];
         std::strftime(day, sizeof day, "%Y%m%dT100000", &local);
         std::string subject;
-        while (subject.size() < 4 * 1024 * 1024 - 400) subject += "word ";
+        while (subject.size() < 4 * 1024 * 1024 - 400)
+            subject += "word ";
         WriteFile(calendar / "long-line.ics", Event("long-line", day, "SUMMARY:" + subject + "\r\n"));
     } else if (caseName == "store-many-lines") {
         WriteFile(calendar / "many-lines.ics",
@@ -322,7 +325,7 @@ bool HostileFiles::Apply(const std::string& caseName) {
         return WriteZip(skinPath, {{"skin.ini", Repeat("[]\n", 5500000)}});
     } else if (caseName == "skin-ini-within-limit") {
         std::string ini;
-        for (int i = 0; ini.size() < 1000 * 1000; ++i)
+        for (int i = 0; ini.size() < 250 * 1000; ++i)
             ini += "[s" + std::to_string(i) + "]\n";
         ini += "[styles.calendar]\ncolorDayGridBg=#203040\n";
         useSkin();
@@ -358,6 +361,18 @@ bool HostileFiles::Apply(const std::string& caseName) {
             text += std::string("\n\0", 2);
         WriteFile(fs::path(programDir_) / kHostileLanguage, text);
         WriteSettings(std::string(kBaseSettings) + "Language=" + kHostileLanguage + "\n");
+    } else if (caseName == "language-many-keys") {
+        std::string text("\xFF\xFE", 2);
+        for (int i = 0; text.size() < 1000 * 1000; ++i)
+            for (char c : "\nK" + std::to_string(i) + "=v\r")
+                text += std::string{c, '\0'};
+        WriteFile(fs::path(programDir_) / kHostileLanguage, text);
+        WriteSettings(std::string(kBaseSettings) + "Language=" + kHostileLanguage + "\n");
+    } else if (caseName == "settings-many-values") {
+        std::string text = kBaseSettings;
+        for (int i = 0; text.size() < 1000 * 1000; ++i)
+            text += "Name" + std::to_string(i) + "=1\n";
+        WriteSettings(text);
     } else if (caseName == "settings-huge") {
         std::string text = kBaseSettings;
         for (int i = 0; text.size() < 5 * 1024 * 1024; ++i)

@@ -15,13 +15,15 @@ namespace {
 std::vector<COLORREF> Pixels(const Bitmap& bitmap) {
     std::vector<COLORREF> pixels;
     for (int y = 0; y < bitmap.Height(); ++y)
-        for (int x = 0; x < bitmap.Width(); ++x) pixels.push_back(bitmap.GetPixel(x, y));
+        for (int x = 0; x < bitmap.Width(); ++x)
+            pixels.push_back(bitmap.GetPixel(x, y));
     return pixels;
 }
 
 TEST(LongText, OnlyWhatAScreenCanShowIsLaidOut) {
     std::u16string text;
-    while (text.size() < 4'000'000) text += u"word ";
+    while (text.size() < 4'000'000)
+        text += u"word ";
     EXPECT_EQ(TextLayout::Shown(text, false).size(), TextLayout::kMaxLineChars);
     EXPECT_EQ(TextLayout::Shown(text, true).size(), TextLayout::kMaxWrappedChars);
     EXPECT_EQ(TextLayout::Shown(u"short", false), u"short");
