@@ -33,6 +33,13 @@ void ViewRouter::Relabel() {
     if (day_) day_->Relabel();
 }
 
+namespace {
+// Written only when it changes: a start that shows the month leaves the settings file alone.
+void SetLastViewMode(int mode) {
+    if (Settings::GetLastViewMode() != mode) Settings::SetNumber("LastViewMode", mode);
+}
+} // namespace
+
 HWND ViewRouter::MainWindow() { return main_.GetHwnd(); }
 
 HWND ViewRouter::InMonth(const char* view, const DateTime& date) {
@@ -47,7 +54,7 @@ void ViewRouter::OnPageClosed(ViewPage& page) {
         // Deleted from the loop, where no caller of the page is on the stack.
         main_.PostDeferredCommand(kCmdPageClosed, day_.release());
     }
-    if (&page == agenda_.get()) Settings::SetNumber("LastViewMode", 0);
+    if (&page == agenda_.get()) SetLastViewMode(0);
     if (HWND main = main_.GetHwnd(); main && IsWindowVisible(main)) SetForegroundWindow(main);
 }
 
@@ -83,13 +90,13 @@ HWND ViewRouter::ShowAgendaView(const DateTime& date) {
         ShowWindow(agenda_->GetHwnd(), SW_SHOW);
     }
     SetForegroundWindow(agenda_->GetHwnd());
-    Settings::SetNumber("LastViewMode", 2);
+    SetLastViewMode(2);
     return agenda_->GetHwnd();
 }
 
 void ViewRouter::HideWeekAndAgenda() {
     if (agenda_ && IsWindowVisible(agenda_->GetHwnd())) ShowWindow(agenda_->GetHwnd(), SW_HIDE);
-    Settings::SetNumber("LastViewMode", 0);
+    SetLastViewMode(0);
 }
 
 HWND ViewRouter::OpenTasksView(const DateTime& date) { return InMonth("Tasks", date); }

@@ -13,6 +13,8 @@ constexpr int kMaxYear = 9999;
 constexpr int kSecondsPerDay = 86400;
 // Day number of 30 December 1899 counted from 1 January 1970.
 constexpr long kDateEpochFromUnix = -25569;
+// Larger than any DATE of the years 100..9999, small enough for any integer.
+constexpr double kMaxDateMagnitude = 1e7;
 
 // Days since 1 January 1970 of a proleptic Gregorian date.
 long DaysFromCivil(long year, unsigned month, unsigned day) {
@@ -70,7 +72,9 @@ bool SystemTimeToVariantTime(const SYSTEMTIME& time, double* date) {
 }
 
 bool VariantTimeToSystemTime(double date, SYSTEMTIME* time) {
-    if (!std::isfinite(date)) return false;
+    // Far outside the years 100..9999 the day count would not fit an integer.
+    if (!std::isfinite(date) || std::fabs(date) > kMaxDateMagnitude)
+        return false;
     long dayNumber = static_cast<long>(std::trunc(date));
     long long seconds = std::llround(std::fabs(date - static_cast<double>(dayNumber)) * kSecondsPerDay);
     if (seconds >= kSecondsPerDay) {

@@ -1,7 +1,5 @@
 #include "lang/IniFile.h"
 
-#include <algorithm>
-
 namespace mirodate {
 
 namespace {
@@ -51,43 +49,55 @@ bool IniFile::Parse(std::string_view text) {
         lines_.push_back(std::move(line));
         start = end + 1;
     }
+    BuildIndex();
     return !lines_.empty();
 }
 
-std::list<IniFile::Line>::const_iterator IniFile::FindSection(std::string_view section) const {
-    const std::string wanted = UpperAscii("[" + std::string(section) + "]");
-    return std::find_if(lines_.begin(), lines_.end(), [&](const Line& line) {
-        return line.kind == LineKind::Section && UpperAscii(line.text) == wanted;
-    });
+void IniFile::BuildIndex() {
+    sections_.clear();
+    // Entries before the first section, and after a repeated section line
+    // (whose name the first one answers for), are never found.
+    Section* current = nullptr;
+    for (const Line& line : lines_) {
+        if (line.kind == LineKind::Section) {
+            auto [it, inserted] = sections_.try_emplace(UpperAscii(line.text));
+            current = inserted ? &it->second : nullptr;
+            if (current)
+                current->line = &line;
+        } else if (line.kind == LineKind::Entry && current) {
+            std::string_view code = WithoutComment(line.text);
+            size_t equals = code.find('=');
+            if (equals != std::string_view::npos)
+                current->entries.try_emplace(UpperAscii(Clip(code.substr(0, equals))), &line);
+        }
+    }
+}
+
+const IniFile::Section* IniFile::FindSection(std::string_view section) const {
+    auto it = sections_.find(UpperAscii("[" + std::string(section) + "]"));
+    return it == sections_.end() ? nullptr : &it->second;
 }
 
 bool IniFile::HasSection(std::string_view section) const {
-    return FindSection(section) != lines_.end();
+    return FindSection(section) != nullptr;
 }
 
 bool IniFile::Find(std::string_view section, std::string_view key, LookupResult& result) const {
-    auto sectionLine = FindSection(section);
-    if (sectionLine == lines_.end())
+    const Section* found = FindSection(section);
+    if (!found)
         return false;
-    const std::string wantedKey = UpperAscii(Clip(key));
-    for (auto it = std::next(sectionLine); it != lines_.end() && it->kind != LineKind::Section; ++it) {
-        if (it->kind != LineKind::Entry)
-            continue;
-        std::string_view text = it->text;
-        std::string_view code = WithoutComment(text);
-        size_t equals = code.find('=');
-        if (equals == std::string_view::npos)
-            continue;
-        if (UpperAscii(Clip(code.substr(0, equals))) != wantedKey)
-            continue;
-        result.section = &*sectionLine;
-        result.entry = &*it;
-        result.key = std::string(Clip(code.substr(0, equals)));
-        result.value = std::string(Clip(code.substr(equals + 1)));
-        result.comment = std::string(text.substr(code.size()));
-        return true;
-    }
-    return false;
+    auto entry = found->entries.find(UpperAscii(Clip(key)));
+    if (entry == found->entries.end())
+        return false;
+    std::string_view text = entry->second->text;
+    std::string_view code = WithoutComment(text);
+    size_t equals = code.find('=');
+    result.section = found->line;
+    result.entry = entry->second;
+    result.key = std::string(Clip(code.substr(0, equals)));
+    result.value = std::string(Clip(code.substr(equals + 1)));
+    result.comment = std::string(text.substr(code.size()));
+    return true;
 }
 
 std::string IniFile::GetValue(std::string_view section, std::string_view key,

@@ -3,9 +3,13 @@
 // line by line; sections and names are matched case-insensitively but without
 // trimming, so " key=1" is not found as "key". A value that starts with "$" is
 // looked up as a name in the section "variables".
+//
+// The lines are indexed once when the text is parsed, so that a look-up costs
+// the same however long the text is: a skin reads some hundred keys.
 #include <list>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 namespace mirodate {
 
@@ -31,6 +35,11 @@ public:
 
     IniFile() = default;
     explicit IniFile(std::string_view text) { Parse(text); }
+    // The index points into the lines: moving keeps them, copying would not.
+    IniFile(const IniFile&) = delete;
+    IniFile& operator=(const IniFile&) = delete;
+    IniFile(IniFile&&) = default;
+    IniFile& operator=(IniFile&&) = default;
 
     // Replaces the content with `text`. Returns false for text with no lines.
     bool Parse(std::string_view text);
@@ -53,9 +62,19 @@ public:
     static constexpr std::string_view kVariablesSection = "variables";
 
 private:
-    std::list<Line>::const_iterator FindSection(std::string_view section) const;
+    // The first line of a section name and the first entry line of each key
+    // after it, up to the next section line; keys upper-cased and cut to
+    // kMaxNameLength, as they are compared.
+    struct Section {
+        const Line* line = nullptr;
+        std::unordered_map<std::string, const Line*> entries;
+    };
+
+    const Section* FindSection(std::string_view section) const;
+    void BuildIndex();
 
     std::list<Line> lines_;
+    std::unordered_map<std::string, Section> sections_; // by "[NAME]" upper-cased
 };
 
 } // namespace mirodate

@@ -84,7 +84,8 @@ std::u16string Settings::GetFontFamily() { return GetText("FontFamily", u"*auto*
 void Settings::SetFontFamily(const std::u16string& family) { SetText("FontFamily", family); }
 
 int Settings::GetFontSizeDelta() {
-    static const int delta = GetSignedNumber("FontSizeDelta", 1);
+    static const int delta =
+        std::clamp(GetSignedNumber("FontSizeDelta", 1), kMinFontSizeDelta, kMaxFontSizeDelta);
     return delta;
 }
 

@@ -51,7 +51,11 @@ public:
     static bool GetDisableAnimations();
     static std::u16string GetFontFamily(); // "*auto*" means the system font
     static void SetFontFamily(const std::u16string& family);
-    static int GetFontSizeDelta(); // default 1; read once per process
+    // Default 1; read once per process and clamped to the range below, in
+    // which every font of the program keeps a height a screen can show.
+    static int GetFontSizeDelta();
+    static constexpr int kMinFontSizeDelta = -8;
+    static constexpr int kMaxFontSizeDelta = 24;
     static bool GetShowWeekNumber();
     static bool GetShowWindowsTaskBar();
     static std::u16string GetSkin(); // default "Mirodate Black"

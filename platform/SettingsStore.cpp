@@ -17,9 +17,6 @@
 namespace mirodate {
 
 namespace {
-// A settings file larger than this is not ours: read nothing from it rather
-// than allocate without bound.
-constexpr off_t kMaxFileSize = 4 * 1024 * 1024;
 
 // Closes a descriptor and releases its flock on every path.
 class LockedFd {
@@ -90,21 +87,43 @@ std::string SettingsStore::UnescapeValue(const std::string& text) {
 
 void SettingsStore::LoadLocked() {
     values_.clear();
+    overlong_.clear();
     loadedStamp_ = Stamp();
     loaded_ = true;
+    unreadable_ = false;
     if (!loadedStamp_.exists) return;
-    if (loadedStamp_.size > kMaxFileSize) {
-        Log::Warning("settings file %s is too large; using defaults", path_.c_str());
+    // Until it is read, the file must not be replaced by one without its values.
+    unreadable_ = true;
+    if (loadedStamp_.size > kMaxFileBytes) {
+        Log::Warning(
+            "settings file %s is not read: %lld bytes, more than the %lld KB a settings file may have; "
+            "defaults are used and nothing is saved",
+            PrintableText(path_).c_str(), static_cast<long long>(loadedStamp_.size),
+            static_cast<long long>(kMaxFileBytes / 1024));
         return;
     }
     std::ifstream in(path_, std::ios::binary);
-    if (!in) return;
+    if (!in) {
+        Log::Warning("settings file %s cannot be read; defaults are used and nothing is saved",
+                     PrintableText(path_).c_str());
+        return;
+    }
+    unreadable_ = false;
     std::string line;
     while (std::getline(in, line)) {
         if (!line.empty() && line.back() == '\r') line.pop_back();
         auto eq = line.find('=');
         if (eq == std::string::npos || eq == 0) continue;
-        values_[line.substr(0, eq)] = Utf8ToUtf16(UnescapeValue(line.substr(eq + 1)));
+        std::string name = line.substr(0, eq);
+        if (line.size() - eq - 1 > kMaxValueBytes) {
+            Log::Warning("settings file %s: the value of %s is longer than %zu bytes and is not used",
+                         PrintableText(path_).c_str(), PrintableText(name).c_str(), kMaxValueBytes);
+            values_.erase(name);
+            overlong_[std::move(name)] = line.substr(eq + 1);
+            continue;
+        }
+        overlong_.erase(name);
+        values_[std::move(name)] = Utf8ToUtf16(UnescapeValue(line.substr(eq + 1)));
     }
 }
 
@@ -136,16 +155,24 @@ bool SettingsStore::Modify(const std::string& name, const std::optional<std::u16
     LockedFd fileLock(path_ + ".lock");
     if (!fileLock.Ok()) return false;
     LoadLocked();
+    if (unreadable_)
+        return false;
     // Whatever happens below, a failed write must not leave our unsaved change
     // in memory as if it were stored: the next read goes back to the file.
     loaded_ = false;
+    overlong_.erase(name);
     if (value)
         values_[name] = *value;
     else
         values_.erase(name);
 
+    // Values too long to use are written back as they were read.
+    std::map<std::string, std::string> lines = std::move(overlong_);
+    for (const auto& [key, text] : values_)
+        lines[key] = EscapeValue(Utf16ToUtf8(text));
     std::ostringstream out;
-    for (const auto& [key, text] : values_) out << key << '=' << EscapeValue(Utf16ToUtf8(text)) << '\n';
+    for (const auto& [key, text] : lines)
+        out << key << '=' << text << '\n';
     const std::string data = out.str();
 
     std::string temp = path_ + ".tmp." + std::to_string(getpid());

@@ -14,14 +14,20 @@ namespace mirodate {
 
 class SettingsStore {
 public:
+    // A settings file is a few KB. A larger one is not ours: it is neither
+    // read nor replaced. A longer value is kept in the file but not used.
+    static constexpr off_t kMaxFileBytes = 1024 * 1024;
+    static constexpr size_t kMaxValueBytes = 16 * 1024;
+
     explicit SettingsStore(std::string path);
 
     const std::string& Path() const { return path_; }
     // The stored text, or nothing when the name is absent or the file is
     // missing or unreadable.
     std::optional<std::u16string> Get(const std::string& name);
-    // Stores a value; false when the file could not be written (the caller
-    // ignores it, as every settings write may fail quietly).
+    // Stores a value; false when the file could not be written, or exists
+    // but could not be read (the caller ignores it, as every settings write
+    // may fail quietly).
     bool Set(const std::string& name, const std::u16string& value);
     bool Remove(const std::string& name);
 
@@ -47,8 +53,10 @@ private:
     std::string path_;
     std::mutex mutex_;
     std::map<std::string, std::u16string> values_;
+    std::map<std::string, std::string> overlong_; // name -> value as written in the file
     FileStamp loadedStamp_;
     bool loaded_ = false;
+    bool unreadable_ = false; // the file exists but was not read
 };
 
 } // namespace mirodate

@@ -189,4 +189,56 @@ std::u16string Trim(std::u16string_view text) {
     return std::u16string(text.substr(b, e - b));
 }
 
+namespace {
+// Length of the valid UTF-8 sequence at `i` (not overlong, no surrogate, at
+// most U+10FFFF), or 0.
+size_t Utf8SequenceLength(std::string_view text, size_t i) {
+    const auto byte = [&](size_t k) { return k < text.size() ? static_cast<unsigned char>(text[k]) : 0u; };
+    const auto cont = [&](size_t k) { return (byte(k) & 0xC0) == 0x80; };
+    const unsigned c = byte(i);
+    if (c >= 0xC2 && c <= 0xDF)
+        return cont(i + 1) ? 2 : 0;
+    if (c >= 0xE0 && c <= 0xEF) {
+        if (!cont(i + 1) || !cont(i + 2))
+            return 0;
+        if ((c == 0xE0 && byte(i + 1) < 0xA0) || (c == 0xED && byte(i + 1) >= 0xA0))
+            return 0;
+        return 3;
+    }
+    if (c >= 0xF0 && c <= 0xF4) {
+        if (!cont(i + 1) || !cont(i + 2) || !cont(i + 3))
+            return 0;
+        if ((c == 0xF0 && byte(i + 1) < 0x90) || (c == 0xF4 && byte(i + 1) >= 0x90))
+            return 0;
+        return 4;
+    }
+    return 0;
+}
+} // namespace
+
+std::string PrintableText(std::string_view bytes) {
+    static const char kHex[] = "0123456789abcdef";
+    std::string out;
+    out.reserve(bytes.size());
+    for (size_t i = 0; i < bytes.size();) {
+        const auto c = static_cast<unsigned char>(bytes[i]);
+        if (c >= 0x20 && c < 0x7F && c != '\\') {
+            out.push_back(static_cast<char>(c));
+            ++i;
+            continue;
+        }
+        const size_t length = c >= 0x80 ? Utf8SequenceLength(bytes, i) : 0;
+        if (length > 0) {
+            out.append(bytes.substr(i, length));
+            i += length;
+            continue;
+        }
+        out += "\\x";
+        out.push_back(kHex[c >> 4]);
+        out.push_back(kHex[c & 0xF]);
+        ++i;
+    }
+    return out;
+}
+
 } // namespace mirodate

@@ -41,4 +41,9 @@ std::u16string ToU16(long value);
 // Removes blanks (space, tab, CR, LF) at both ends.
 std::u16string Trim(std::u16string_view text);
 
+// Bytes from outside (a file name, a line of a file) made safe to print on a
+// terminal: valid UTF-8 stays as it is; control characters, backslashes and
+// bytes that are not UTF-8 become \xNN.
+std::string PrintableText(std::string_view bytes);
+
 } // namespace mirodate

@@ -74,7 +74,28 @@ std::uint32_t SkinArchive::LastResult() {
 std::uint32_t SkinArchive::Open(const std::string& path) {
     Close();
     handle_ = unzOpen64(path.c_str());
-    return Result(handle_ ? kOk : kNotOpenForReading);
+    return handle_ ? CheckItemCount() : Result(kNotOpenForReading);
+}
+
+// Every look-up walks the directory, so its length is bounded.
+std::uint32_t SkinArchive::CheckItemCount() {
+    unz_global_info64 info{};
+    if (unzGetGlobalInfo64(handle_, &info) != UNZ_OK) {
+        Close();
+        return Result(kNotOpenForReading);
+    }
+    if (info.number_entry > kMaxItems) {
+        Close();
+        NoteLimitExceeded(std::to_string(info.number_entry) + " entries, more than the " +
+                          std::to_string(kMaxItems) + " a skin may have");
+        return Result(kNotOpenForReading);
+    }
+    return Result(kOk);
+}
+
+void SkinArchive::NoteLimitExceeded(const std::string& reason) {
+    if (limitReason_.empty())
+        limitReason_ = reason;
 }
 
 std::uint32_t SkinArchive::OpenMemory(std::string_view bytes) {
@@ -91,9 +112,11 @@ std::uint32_t SkinArchive::OpenMemory(std::string_view bytes) {
     functions.zerror_file = &MemoryStream::TestError;
     functions.opaque = memory_.get();
     handle_ = unzOpen2_64("memory", &functions);
-    if (!handle_)
+    if (!handle_) {
         memory_.reset();
-    return Result(handle_ ? kOk : kNotOpenForReading);
+        return Result(kNotOpenForReading);
+    }
+    return CheckItemCount();
 }
 
 void SkinArchive::Close() {
@@ -101,6 +124,9 @@ void SkinArchive::Close() {
         unzClose(handle_);
     handle_ = nullptr;
     memory_.reset();
+    unpackedBytes_ = 0;
+    picturePixels_ = 0;
+    limitReason_.clear();
 }
 
 std::uint32_t SkinArchive::FindItem(std::string_view utf8Name, Item& item) {
@@ -127,8 +153,14 @@ std::uint32_t SkinArchive::FindItem(std::u16string_view name, Item& item) {
 std::uint32_t SkinArchive::Unzip(const Item& item, void* buffer, std::uint64_t bufferSize) {
     if (!handle_)
         return Result(kNoArchive);
-    if (item.size > kMaxItemSize || bufferSize < item.size)
+    if (item.size > kMaxItemSize || bufferSize < item.size || LimitExceeded())
         return Result(kItemUnreadable);
+    if (unpackedBytes_ + item.size > kMaxUnpackedBytes) {
+        NoteLimitExceeded("its entries inflate to more than the " +
+                          std::to_string(kMaxUnpackedBytes / (1024 * 1024)) + " MB a skin may have");
+        return Result(kItemUnreadable);
+    }
+    unpackedBytes_ += item.size;
     unz64_file_pos position{item.directoryOffset, item.index};
     if (unzGoToFilePos64(handle_, &position) != UNZ_OK)
         return Result(kItemNotFound);
@@ -156,8 +188,12 @@ std::uint32_t SkinArchive::ReadItem(std::string_view utf8Name, std::string& data
     Item item;
     if (const std::uint32_t found = FindItem(utf8Name, item); found != kOk)
         return found;
-    if (item.size > kMaxItemSize)
+    if (item.size > kMaxItemSize) {
+        NoteLimitExceeded("entry " + std::string(utf8Name) + " inflates to " + std::to_string(item.size) +
+                          " bytes, more than the " + std::to_string(kMaxItemSize / (1024 * 1024)) +
+                          " MB an entry may have");
         return Result(kItemUnreadable);
+    }
     data.resize(static_cast<size_t>(item.size));
     const std::uint32_t result = Unzip(item, data.data(), data.size());
     if (result != kOk)

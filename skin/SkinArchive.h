@@ -21,6 +21,13 @@ public:
     // Entries that claim to be bigger than this are refused before anything
     // is allocated; skins hold a few pictures of a few hundred KB.
     static constexpr std::uint64_t kMaxItemSize = 16 * 1024 * 1024;
+    // Limits on one skin as a whole, so that a hostile archive costs no more
+    // than a rich real one: its number of entries, what they inflate to
+    // together, and the pixels of its pictures. The shipped skins have five
+    // entries, 60 KB and under a million pixels.
+    static constexpr std::uint64_t kMaxItems = 4096;
+    static constexpr std::uint64_t kMaxUnpackedBytes = 48 * 1024 * 1024;
+    static constexpr std::int64_t kMaxPicturePixels = 8 * 1024 * 1024;
 
     struct Item {
         std::uint64_t directoryOffset = 0;
@@ -48,12 +55,26 @@ public:
 
     static std::uint32_t LastResult();
 
+    // Records that the archive went beyond one of the limits above; the
+    // loader then does not use the skin. The first reason is kept, and
+    // nothing more is unpacked.
+    void NoteLimitExceeded(const std::string& reason);
+    bool LimitExceeded() const { return !limitReason_.empty(); }
+    const std::string& LimitReason() const { return limitReason_; }
+    // Pixels the pictures of this skin may still decode to.
+    std::int64_t PixelsLeft() const { return kMaxPicturePixels - picturePixels_; }
+    void UsePixels(std::int64_t pixels) { picturePixels_ += pixels; }
+
 private:
     struct MemoryStream;
     std::uint32_t Result(std::uint32_t code);
+    std::uint32_t CheckItemCount();
 
     void* handle_ = nullptr; // unzFile
     std::unique_ptr<MemoryStream> memory_;
+    std::uint64_t unpackedBytes_ = 0;
+    std::int64_t picturePixels_ = 0;
+    std::string limitReason_;
 };
 
 } // namespace mirodate

@@ -7,6 +7,7 @@
 #include "platform/TextUtil.h"
 #include "skin/ApplySkin.h"
 #include "skin/MenuBarIcons.h"
+#include "skin/PictureCache.h"
 #include "skin/SkinArchive.h"
 #include "skin/SkinStyles.h"
 
@@ -26,22 +27,45 @@ std::string ArchiveFileName(const std::u16string& name) {
     return std::string(kPrefix) + Utf16ToUtf8(name) + std::string(kSuffix);
 }
 
-bool ApplyArchive(const std::string& path, SkinStyles& styles, bool highResolution) {
+// A skin.ini longer than this is not a skin: the shipped ones have 3 KB.
+constexpr std::uint64_t kMaxStyleFileBytes = 256 * 1024;
+
+enum class Applied { Yes, No, LimitExceeded };
+
+Applied ApplyArchive(const std::string& path, SkinStyles& styles, bool highResolution) {
     SkinArchive archive;
     if (archive.Open(path) != SkinArchive::kOk) {
-        Log::Warning("skin %s cannot be opened", path.c_str());
-        return false;
+        if (archive.LimitExceeded())
+            Log::Warning("skin %s is not used: %s", PrintableText(path).c_str(),
+                         PrintableText(archive.LimitReason()).c_str());
+        else
+            Log::Warning("skin %s cannot be opened", PrintableText(path).c_str());
+        return archive.LimitExceeded() ? Applied::LimitExceeded : Applied::No;
     }
+    SkinArchive::Item styleFile;
+    if (archive.FindItem(kStyleFile, styleFile) == SkinArchive::kOk && styleFile.size > kMaxStyleFileBytes)
+        archive.NoteLimitExceeded("skin.ini has " + std::to_string(styleFile.size) +
+                                  " bytes, more than the " + std::to_string(kMaxStyleFileBytes / 1024) +
+                                  " KB it may have");
     std::string text;
-    if (archive.ReadItem(kStyleFile, text) != SkinArchive::kOk || text.empty()) {
-        Log::Warning("skin %s has no readable skin.ini", path.c_str());
-        return false;
+    const bool read =
+        !archive.LimitExceeded() && archive.ReadItem(kStyleFile, text) == SkinArchive::kOk && !text.empty();
+    if (!read && !archive.LimitExceeded()) {
+        Log::Warning("skin %s has no readable skin.ini", PrintableText(path).c_str());
+        return Applied::No;
     }
-    IniFile ini;
-    if (!ini.Parse(text))
-        return false;
-    ApplySkin(ini, archive, highResolution, styles);
-    return true;
+    if (read) {
+        IniFile ini;
+        if (!ini.Parse(text))
+            return Applied::No;
+        ApplySkin(ini, archive, highResolution, styles);
+    }
+    if (archive.LimitExceeded()) {
+        Log::Warning("skin %s is not used: %s", PrintableText(path).c_str(),
+                     PrintableText(archive.LimitReason()).c_str());
+        return Applied::LimitExceeded;
+    }
+    return Applied::Yes;
 }
 
 } // namespace
@@ -52,10 +76,26 @@ std::string SkinLoader::ArchivePath(const std::u16string& name) {
 }
 
 bool SkinLoader::LoadArchive(const std::string& path, SkinStyles& styles, bool highResolution) {
-    const bool applied = ApplyArchive(path, styles, highResolution);
+    const SkinStyles before = styles;
+    Applied applied = ApplyArchive(path, styles, highResolution);
+    if (applied == Applied::LimitExceeded) {
+        // Nothing of a skin that went beyond a limit stays, not even the
+        // pictures it had decoded before.
+        styles = before;
+        PictureCache::Instance().Clear();
+        const std::string fallback = ArchivePath(kDefaultSkin);
+        if (fallback != path) {
+            Log::Warning("the default skin %s is used instead", PrintableText(fallback).c_str());
+            applied = ApplyArchive(fallback, styles, highResolution);
+            if (applied == Applied::LimitExceeded) {
+                styles = before;
+                PictureCache::Instance().Clear();
+            }
+        }
+    }
     if (!styles.menuBar.iconsFromSkin)
         styles.menuBar.icons = MenuBarIcons::Builtin(highResolution);
-    return applied;
+    return applied == Applied::Yes;
 }
 
 bool SkinLoader::Load(SkinStyles& styles, bool highResolution) {

@@ -1,36 +1,15 @@
 #include "skin/SkinPicture.h"
 
+#include "skin/PngChecker.h"
+
 #include <cairo.h>
 
 #include <cstring>
+#include <string>
 
 namespace mirodate {
 
 namespace {
-
-constexpr unsigned char kPngSignature[8] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
-// Signature, chunk length, "IHDR", then width and height (big-endian).
-constexpr size_t kHeaderBytes = 8 + 4 + 4 + 8;
-
-std::uint32_t BigEndian32(const unsigned char* p) {
-    return (std::uint32_t{p[0]} << 24) | (std::uint32_t{p[1]} << 16) | (std::uint32_t{p[2]} << 8) | p[3];
-}
-
-// Checks the declared size so that a hostile header cannot make the decoder
-// allocate gigabytes.
-bool HeaderIsAcceptable(std::string_view data) {
-    if (data.size() < kHeaderBytes)
-        return false;
-    const auto* bytes = reinterpret_cast<const unsigned char*>(data.data());
-    if (std::memcmp(bytes, kPngSignature, sizeof kPngSignature) != 0)
-        return false;
-    if (std::memcmp(bytes + 12, "IHDR", 4) != 0)
-        return false;
-    const std::uint32_t width = BigEndian32(bytes + 16);
-    const std::uint32_t height = BigEndian32(bytes + 20);
-    return width > 0 && height > 0 && width <= SkinPicture::kMaxSide && height <= SkinPicture::kMaxSide &&
-           std::int64_t{width} * height <= SkinPicture::kMaxPixels;
-}
 
 struct PngReader {
     std::string_view data;
@@ -52,10 +31,22 @@ struct SurfaceDeleter {
 
 } // namespace
 
-std::shared_ptr<const SkinPicture> SkinPicture::DecodePng(std::string_view data) {
-    if (!HeaderIsAcceptable(data))
+std::shared_ptr<const SkinPicture> SkinPicture::DecodePng(std::string_view data, Problem* problem,
+                                                          std::int64_t maxPixels) {
+    std::string essential;
+    int declaredWidth = 0, declaredHeight = 0;
+    const PngChecker::Result checked =
+        PngChecker::Check(data, maxPixels, kMaxSide, essential, declaredWidth, declaredHeight);
+    if (problem)
+        *problem = checked == PngChecker::Result::TooManyPixels ? Problem::TooManyPixels
+                   : checked == PngChecker::Result::TooMuchData ? Problem::TooMuchData
+                   : checked == PngChecker::Result::NotPng      ? Problem::NotPng
+                                                                : Problem::None;
+    if (checked != PngChecker::Result::Ok)
         return nullptr;
-    PngReader reader{data};
+    if (problem)
+        *problem = Problem::NotPng; // until it has decoded
+    PngReader reader{essential};
     std::unique_ptr<cairo_surface_t, SurfaceDeleter> surface(
         cairo_image_surface_create_from_png_stream(&PngReader::Read, &reader));
     if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS)
@@ -68,7 +59,7 @@ std::shared_ptr<const SkinPicture> SkinPicture::DecodePng(std::string_view data)
     auto picture = std::make_shared<SkinPicture>();
     picture->width = cairo_image_surface_get_width(surface.get());
     picture->height = cairo_image_surface_get_height(surface.get());
-    if (picture->width <= 0 || picture->height <= 0)
+    if (picture->width != declaredWidth || picture->height != declaredHeight)
         return nullptr;
     picture->pixels.resize(static_cast<size_t>(picture->width) * picture->height);
 
@@ -82,6 +73,8 @@ std::shared_ptr<const SkinPicture> SkinPicture::DecodePng(std::string_view data)
         for (int x = 0; x < picture->width; ++x)
             target[x] = row[x] | opaque;
     }
+    if (problem)
+        *problem = Problem::None;
     return picture;
 }
 

@@ -3,6 +3,7 @@
 #include "data/DateTime.h"
 #include "platform/Log.h"
 #include "platform/TextUtil.h"
+#include "store/IcalText.h"
 #include "store/IcalTime.h"
 #include "store/RecurrenceRule.h"
 
@@ -116,8 +117,7 @@ bool IcsItem::Parse(std::string_view text, std::string& problem) {
         problem = "not iCalendar";
         return false;
     }
-    const std::string copy(text); // libical wants a terminated string
-    calendar_.reset(icalparser_parse_string(copy.c_str()));
+    calendar_ = IcalText::Parse(text);
     icalerror_clear_errno();
     if (!calendar_) {
         problem = "iCalendar text does not parse";

@@ -3,6 +3,7 @@
 #include "data/DateTime.h"
 #include "platform/TextUtil.h"
 #include "store/IcalHandle.h"
+#include "store/IcalText.h"
 #include "store/IcalTime.h"
 #include "store/RecurrenceRule.h"
 
@@ -108,8 +109,7 @@ std::string Serialise(icalcomponent* calendar) {
 }
 
 IcalComponentPtr ParseCalendar(std::string_view text) {
-    const std::string copy(text);
-    IcalComponentPtr calendar(icalparser_parse_string(copy.c_str()));
+    IcalComponentPtr calendar = IcalText::Parse(text);
     if (calendar && icalcomponent_isa(calendar.get()) != ICAL_VCALENDAR_COMPONENT) calendar.reset();
     return calendar;
 }

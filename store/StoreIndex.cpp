@@ -1,6 +1,10 @@
 #include "store/StoreIndex.h"
 
+#include "data/PimFolder.h"
+#include "data/PimSource.h"
+#include "platform/Log.h"
 #include "platform/Paths.h"
+#include "platform/TextUtil.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -9,6 +13,7 @@
 #include <fcntl.h>
 #include <fstream>
 #include <iterator>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,7 +21,7 @@ namespace mirodate {
 
 namespace {
 
-constexpr char kMagic[] = "MIRODATE-INDEX-4\n";
+constexpr char kMagic[] = "MIRODATE-INDEX-5\n";
 // Largest index we read (a store of a million items stays far below).
 constexpr std::size_t kMaxIndexBytes = 512u * 1024u * 1024u;
 
@@ -104,6 +109,7 @@ void WriteItem(Writer& w, const StoredItem& item) {
     w.Value(item.size);
     w.Value(item.mtimeNs);
     w.Value<std::uint8_t>(item.readable);
+    w.String(item.problem);
     w.Value<std::int32_t>(item.folder);
     w.String(item.uid);
     w.Value<std::uint8_t>(item.series);
@@ -129,6 +135,7 @@ StoredItem ReadItem(Reader& r) {
     item.size = r.Value<std::int64_t>();
     item.mtimeNs = r.Value<std::int64_t>();
     item.readable = r.Value<std::uint8_t>() != 0;
+    item.problem = r.String();
     item.folder = r.Value<std::int32_t>();
     item.uid = r.String();
     item.series = r.Value<std::uint8_t>() != 0;
@@ -148,6 +155,60 @@ StoredItem ReadItem(Reader& r) {
     rec.importance = r.Value<std::int32_t>();
     rec.recurrence = ReadPattern(r);
     return item;
+}
+
+// DATE values the program can represent: 1 January 100 to 31 December 9999.
+constexpr double kFirstDate = -657434.0;
+constexpr double kAfterLastDate = 2958466.0;
+// Bounds of the recurrence record as the store fills it from a rule.
+constexpr std::int32_t kMaxInterval = 0x7FFF;
+constexpr std::int32_t kMaxInstance = 366; // BYSETPOS reaches the days of a year
+constexpr std::int32_t kAllDays = 0x7F;
+
+bool IsDate(double date) {
+    return date >= kFirstDate && date < kAfterLastDate;
+} // false for NaN
+
+bool IsPlausible(const RecurrencePattern& p) {
+    using R = RecurrencePattern;
+    const bool knownType = p.RecurrenceType == R::kNotRecurring || p.RecurrenceType == R::kDaily ||
+                           p.RecurrenceType == R::kWeekly || p.RecurrenceType == R::kMonthly ||
+                           p.RecurrenceType == R::kMonthNth || p.RecurrenceType == R::kYearly ||
+                           p.RecurrenceType == R::kYearNth;
+    return knownType && p.Interval >= 1 && p.Interval <= kMaxInterval && p.Instance >= 0 &&
+           p.Instance <= kMaxInstance && p.DayOfMonth >= 0 && p.DayOfMonth <= 31 && p.MonthOfYear >= 0 &&
+           p.MonthOfYear <= 12 && p.DayOfWeekMask >= 0 && p.DayOfWeekMask <= kAllDays && p.Occurrences >= 0 &&
+           p.RuleFit >= R::kExact && p.RuleFit <= R::kNoFit && IsDate(p.PatternStartDate) &&
+           IsDate(p.PatternEndDate);
+}
+
+// Whether an entry holds only values the store itself could have written, so
+// that nothing damaged reaches the date arithmetic or the views.
+bool IsPlausible(const StoredItem& item) {
+    const PimRecord& rec = item.record;
+    if (item.directory < 0 || item.directory > 2 || item.fileName.empty() ||
+        item.fileName.find_first_of(std::string_view("/\0", 2)) != std::string::npos || item.size < 0)
+        return false;
+    for (double date :
+         {rec.start, rec.end, rec.startDate, rec.dueDate, rec.birthday, rec.anniversary, item.seriesEnd})
+        if (!IsDate(date))
+            return false;
+    if (!(item.longest >= 0.0 && item.longest <= kAfterLastDate - kFirstDate))
+        return false;
+    if (rec.importance < 0 || rec.importance > 2 || !IsPlausible(rec.recurrence))
+        return false;
+    if (!item.readable)
+        return true;
+    switch (item.folder) {
+    case kFolderCalendar:
+        return rec.itemKind == kItemAppointment && rec.end >= rec.start && !item.uid.empty();
+    case kFolderTasks:
+        return rec.itemKind == kItemTask && !item.uid.empty();
+    case kFolderContacts:
+        return rec.itemKind == kItemContact && !item.uid.empty();
+    default:
+        return false;
+    }
 }
 
 std::uint64_t Fnv64(const std::string& text) {
@@ -174,13 +235,28 @@ std::string StoreIndex::ZoneSignature() {
     return signature;
 }
 
-StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string& root, const std::string& zone) {
+std::uint64_t StoreIndex::MaxBytesFor(std::size_t files, std::uint64_t fileBytes) {
+    constexpr std::uint64_t kHeaderBytes = 64 * 1024; // magic, root, zone
+    constexpr std::uint64_t kRecordBytes = 1024;      // fixed fields, file name, reason
+    return kHeaderBytes + files * kRecordBytes + 3 * fileBytes;
+}
+
+StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string& root,
+                                     const std::string& zone, std::size_t maxEntries,
+                                     std::uint64_t maxBytes) {
     Entries entries;
     std::ifstream file(path, std::ios::binary);
     if (!file) return entries;
     file.seekg(0, std::ios::end);
     const std::streamoff size = file.tellg();
-    if (size <= 0 || static_cast<std::size_t>(size) > kMaxIndexBytes) return entries;
+    if (size <= 0)
+        return entries;
+    if (static_cast<std::uint64_t>(size) > std::min<std::uint64_t>(maxBytes, kMaxIndexBytes)) {
+        // Stale (files deleted while the program was not running) or not ours.
+        Log::Info("store: the index %s is larger than the store's files can explain; it is built again",
+                  PrintableText(path).c_str());
+        return entries;
+    }
     file.seekg(0);
     std::string data(static_cast<std::size_t>(size), '\0');
     if (!file.read(data.data(), size)) return entries;
@@ -189,14 +265,27 @@ StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string&
     reader.Skip(sizeof kMagic - 1);
     if (reader.String() != root || reader.String() != zone) return entries;
     const auto count = reader.Value<std::uint32_t>();
-    entries.reserve(std::min<std::size_t>(count, data.size() / 64));
-    for (std::uint32_t i = 0; i < count && reader.ok; ++i) {
-        StoredItem item = ReadItem(reader);
-        if (!reader.ok) break;
-        std::string key = std::to_string(item.directory) + "/" + item.fileName;
-        entries.emplace(std::move(key), std::move(item));
+    if (reader.ok && count > maxEntries) {
+        Log::Info("store: the index %s has more entries than the store has files; it is built again",
+                  PrintableText(path).c_str());
+        return entries;
     }
-    if (!reader.ok || !reader.AtEnd()) entries.clear();
+    entries.reserve(std::min<std::size_t>(count, data.size() / 64));
+    bool plausible = reader.ok;
+    for (std::uint32_t i = 0; i < count && plausible; ++i) {
+        StoredItem item = ReadItem(reader);
+        plausible = reader.ok && IsPlausible(item);
+        if (!plausible)
+            break;
+        std::string key = std::to_string(item.directory) + "/" + item.fileName;
+        plausible = entries.emplace(std::move(key), std::move(item)).second;
+    }
+    if (!plausible || !reader.AtEnd()) {
+        // A cache is only worth its trust: on any doubt read every file again.
+        Log::Warning("store: the index %s is damaged; it is built again from the files",
+                     PrintableText(path).c_str());
+        entries.clear();
+    }
     return entries;
 }
 

@@ -6,8 +6,9 @@
 // file may be deleted at any time.
 #include "store/StoredItem.h"
 
-#include <unordered_map>
+#include <cstdint>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace mirodate {
@@ -22,7 +23,13 @@ public:
     static std::string ZoneSignature();
 
     // Empty when the file is missing, damaged, or for another root or zone.
-    static Entries Load(const std::string& path, const std::string& root, const std::string& zone);
+    // An index with more entries than the store has files, or more bytes
+    // than its files could give, is not read: it is stale or not ours.
+    static Entries Load(const std::string& path, const std::string& root, const std::string& zone,
+                        std::size_t maxEntries = SIZE_MAX, std::uint64_t maxBytes = UINT64_MAX);
+    // The most bytes an honest index of `files` files of `fileBytes` bytes
+    // in all can take: their text twice over (UTF-16) and a record each.
+    static std::uint64_t MaxBytesFor(std::size_t files, std::uint64_t fileBytes);
     static bool Save(const std::string& path, const std::string& root, const std::string& zone,
                      const std::vector<const StoredItem*>& items);
 };

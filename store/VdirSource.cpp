@@ -4,8 +4,10 @@
 
 #include "platform/Log.h"
 #include "platform/Paths.h"
+#include "platform/TextUtil.h"
 #include "store/IcsItem.h"
 #include "store/IcsWriter.h"
+#include "store/ItemFileLimits.h"
 #include "store/StoreIndex.h"
 #include "store/SyncState.h"
 #include "store/VcardReader.h"
@@ -77,7 +79,8 @@ std::string VdirSource::Key(int directory, const std::string& fileName) {
 }
 
 bool VdirSource::ReadWholeFile(const std::string& path, std::string& text) const {
-    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    // Non-blocking, so that a FIFO put in place of a file cannot stop us.
+    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0) return false;
     struct stat st{};
     if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || st.st_size > kMaxFileBytes) {
@@ -102,8 +105,12 @@ StoredItem VdirSource::ReadFile(int directory, const std::string& fileName, bool
     item.fileName = fileName;
     const std::string path = DirectoryPath(directory) + "/" + fileName;
     exists = false;
-    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) return item;
+    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) {
+        if (errno == ELOOP)
+            Log::Warning("store: skipped %s: a loop of symbolic links", PrintableText(path).c_str());
+        return item;
+    }
     struct stat st{};
     if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
         close(fd);
@@ -112,9 +119,9 @@ StoredItem VdirSource::ReadFile(int directory, const std::string& fileName, bool
     exists = true;
     item.size = st.st_size;
     item.mtimeNs = MtimeNs(st);
-    if (st.st_size > kMaxFileBytes) {
+    if (item.problem = ItemFileLimits::CheckSize(st.st_size); !item.problem.empty()) {
         close(fd);
-        Log::Warning("store: skipped %s: larger than %lld bytes", path.c_str(), static_cast<long long>(kMaxFileBytes));
+        Log::Warning("store: skipped %s: %s", PrintableText(path).c_str(), item.problem.c_str());
         return item;
     }
     std::string text(static_cast<std::size_t>(st.st_size), '\0');
@@ -127,9 +134,11 @@ StoredItem VdirSource::ReadFile(int directory, const std::string& fileName, bool
     close(fd);
     text.resize(done);
 
-    std::string problem;
+    std::string problem = ItemFileLimits::CheckText(text);
     const std::string stem = fileName.substr(0, fileName.rfind('.'));
-    if (EndsWith(fileName, ".vcf")) {
+    if (!problem.empty()) {
+        // Too big for its kind: no parser sees it.
+    } else if (EndsWith(fileName, ".vcf")) {
         if (VcardReader::Read(text, item.record, problem)) {
             item.readable = true;
             item.folder = kFolderContacts;
@@ -144,12 +153,14 @@ StoredItem VdirSource::ReadFile(int directory, const std::string& fileName, bool
             item.seriesEnd = parsed->GetSeriesEnd();
             item.longest = parsed->GetLongestDuration();
             if (parsed->HasUnrelatedComponents())
-                Log::Warning("store: %s holds unrelated items; only the first is read", path.c_str());
+                Log::Warning("store: %s holds unrelated items; only the first is read",
+                             PrintableText(path).c_str());
             if (item.series) item.parsed = std::move(parsed);
         }
     }
     if (!item.readable) {
-        Log::Warning("store: skipped %s: %s", path.c_str(), problem.c_str());
+        item.problem = problem;
+        Log::Warning("store: skipped %s: %s", PrintableText(path).c_str(), PrintableText(problem).c_str());
         return item;
     }
     item.uid = item.record.uid.empty() ? stem : item.record.uid;
@@ -170,11 +181,14 @@ bool VdirSource::Logon() {
         Log::Error("store: %s is not a readable folder", root_.c_str());
         return false;
     }
-    const std::string zone = StoreIndex::ZoneSignature();
-    const std::string indexPath = StoreIndex::PathFor(root_);
-    StoreIndex::Entries index;
-    if (options_.useIndex) index = StoreIndex::Load(indexPath, root_, zone);
-    std::size_t reused = 0;
+    // The files first: what they are bounds what the index may hold.
+    struct FoundFile {
+        int directory;
+        std::string name;
+        struct stat stat;
+    };
+    std::vector<FoundFile> found;
+    std::uint64_t foundBytes = 0;
     for (int directory = 0; directory < kDirectoryCount; ++directory) {
         const std::string path = DirectoryPath(directory);
         if (options_.createIfMissing) Paths::MakeDirs(path);
@@ -185,23 +199,50 @@ bool VdirSource::Logon() {
             const std::string name = entry->d_name;
             if (!IsItemFile(name)) continue;
             struct stat fileStat{};
-            if (fstatat(dirFd, name.c_str(), &fileStat, 0) != 0 || !S_ISREG(fileStat.st_mode)) continue;
-            const std::string key = Key(directory, name);
-            auto known = index.find(key);
-            Entry item;
-            if (known != index.end() && known->second.size == fileStat.st_size &&
-                known->second.mtimeNs == MtimeNs(fileStat)) {
-                item = std::make_shared<StoredItem>(std::move(known->second));
-                ++reused;
-            } else {
-                bool exists = false;
-                item = std::make_shared<StoredItem>(ReadFile(directory, name, exists));
-                if (!exists) continue;
-                indexDirty_ = true;
+            if (fstatat(dirFd, name.c_str(), &fileStat, 0) != 0) {
+                if (errno == ELOOP)
+                    Log::Warning("store: skipped %s: a loop of symbolic links",
+                                 PrintableText(path + "/" + name).c_str());
+                continue;
             }
-            files_[key] = std::move(item);
+            if (!S_ISREG(fileStat.st_mode)) {
+                Log::Warning("store: skipped %s: not a regular file",
+                             PrintableText(path + "/" + name).c_str());
+                continue;
+            }
+            foundBytes += static_cast<std::uint64_t>(fileStat.st_size);
+            found.push_back({directory, name, fileStat});
         }
         closedir(dir);
+    }
+
+    const std::string zone = StoreIndex::ZoneSignature();
+    const std::string indexPath = StoreIndex::PathFor(root_);
+    StoreIndex::Entries index;
+    if (options_.useIndex)
+        index = StoreIndex::Load(indexPath, root_, zone, found.size(),
+                                 StoreIndex::MaxBytesFor(found.size(), foundBytes));
+    std::size_t reused = 0;
+    for (FoundFile& file : found) {
+        const std::string key = Key(file.directory, file.name);
+        const std::string path = DirectoryPath(file.directory) + "/" + file.name;
+        auto known = index.find(key);
+        Entry item;
+        if (known != index.end() && known->second.size == file.stat.st_size &&
+            known->second.mtimeNs == MtimeNs(file.stat)) {
+            item = std::make_shared<StoredItem>(std::move(known->second));
+            ++reused;
+            if (!item->readable)
+                Log::Warning("store: skipped %s: %s", PrintableText(path).c_str(),
+                             PrintableText(item->problem).c_str());
+        } else {
+            bool exists = false;
+            item = std::make_shared<StoredItem>(ReadFile(file.directory, file.name, exists));
+            if (!exists)
+                continue;
+            indexDirty_ = true;
+        }
+        files_[key] = std::move(item);
     }
     if (reused != index.size()) indexDirty_ = true;
     AssignOids();
@@ -229,8 +270,9 @@ void VdirSource::AssignOids() {
     for (auto& item : ordered) {
         auto [it, inserted] = byUid.emplace(item->uid, item.get());
         if (!inserted) {
-            Log::Warning("store: skipped %s/%s: UID %s is used by %s", kFolderNames[item->directory],
-                         item->fileName.c_str(), item->uid.c_str(), it->second->fileName.c_str());
+            item->problem = "UID " + item->uid + " is used by " + it->second->fileName;
+            Log::Warning("store: skipped %s/%s: %s", kFolderNames[item->directory],
+                         PrintableText(item->fileName).c_str(), PrintableText(item->problem).c_str());
             item->readable = false;
             continue;
         }
@@ -279,8 +321,9 @@ void VdirSource::Publish(Entry entry) {
         if (known != oidOfUid_.end()) {
             auto holder = byOid_.find(known->second);
             if (holder != byOid_.end() && Key(holder->second->directory, holder->second->fileName) != key) {
-                Log::Warning("store: skipped %s: UID %s is used by %s", entry->fileName.c_str(), entry->uid.c_str(),
-                             holder->second->fileName.c_str());
+                entry->problem = "UID " + entry->uid + " is used by " + holder->second->fileName;
+                Log::Warning("store: skipped %s: %s", PrintableText(entry->fileName).c_str(),
+                             PrintableText(entry->problem).c_str());
                 entry->readable = false;
             }
         }

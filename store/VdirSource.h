@@ -7,6 +7,7 @@
 // are reported as local (ours) or remote (anyone else's).
 #include "data/PimSource.h"
 #include "platform/DirectoryWatcher.h"
+#include "store/ItemFileLimits.h"
 #include "store/StoredItem.h"
 
 #include <map>
@@ -23,8 +24,8 @@ class IcsItem;
 class VdirSource : public PimSource {
 public:
     static constexpr const char* kFolderNames[3] = {"calendar", "tasks", "contacts"};
-    // Files larger than this are not items anyone wrote by hand or sync.
-    static constexpr std::int64_t kMaxFileBytes = 8 * 1024 * 1024;
+    // Larger files are skipped with a warning (see ItemFileLimits).
+    static constexpr std::int64_t kMaxFileBytes = ItemFileLimits::kMaxFileBytes;
 
     struct Options {
         bool createIfMissing = false; // make the root and its folders

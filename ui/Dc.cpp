@@ -3,6 +3,7 @@
 #include "platform/TextUtil.h"
 #include "ui/Bitmap.h"
 #include "ui/Font.h"
+#include "ui/TextLayout.h"
 
 #include <algorithm>
 #include <cairo.h>
@@ -49,7 +50,7 @@ const Font& FallbackFont() {
 }
 
 // Removes the '&' mnemonic marks ("&&" stands for one '&').
-std::u16string StripPrefixes(const std::u16string& text) {
+std::u16string StripPrefixes(std::u16string_view text) {
     std::u16string out;
     out.reserve(text.size());
     for (size_t i = 0; i < text.size(); ++i) {
@@ -360,7 +361,9 @@ void Dc::DrawIcon(int x, int y, const Bitmap& icon) {
 
 int Dc::DrawText(const std::u16string& text, RECT& rect, UINT format) {
     const Font& font = font_ ? *font_ : FallbackFont();
-    const std::string utf8 = Utf16ToUtf8((format & DT_NOPREFIX) ? text : StripPrefixes(text));
+    const std::u16string_view shown =
+        TextLayout::Shown(text, (format & DT_WORDBREAK) && !(format & DT_SINGLELINE));
+    const std::string utf8 = (format & DT_NOPREFIX) ? Utf16ToUtf8(shown) : Utf16ToUtf8(StripPrefixes(shown));
     LayoutPtr layout = MakeLayout(font, utf8);
     PangoLayout* pl = layout.get();
     const int boxWidth = std::max(0, rect.Width());

@@ -2,6 +2,7 @@
 
 #include "platform/TextUtil.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <pango/pango.h>
 
@@ -13,13 +14,16 @@ namespace {
 constexpr double kCellToCharHeight = 0.8;
 // Height when the description gives none.
 constexpr int kDefaultPixelSize = 12;
+// Larger text would not fit any screen; pango is not asked to lay it out.
+constexpr int kMaxPixelSize = 1024;
 } // namespace
 
 Font::Font(const LOGFONT& logFont) : logFont_(logFont) {
-    if (logFont.lfHeight < 0)
-        pixelSize_ = -logFont.lfHeight;
-    else if (logFont.lfHeight > 0)
-        pixelSize_ = static_cast<int>(logFont.lfHeight * kCellToCharHeight + 0.5);
+    const long long height = logFont.lfHeight; // wide enough to negate any int
+    if (height < 0)
+        pixelSize_ = static_cast<int>(std::min<long long>(-height, kMaxPixelSize));
+    else if (height > 0)
+        pixelSize_ = static_cast<int>(std::min(height * kCellToCharHeight + 0.5, double{kMaxPixelSize}));
     if (pixelSize_ <= 0) pixelSize_ = kDefaultPixelSize;
     description_ = pango_font_description_new();
     const std::string face = logFont.lfFaceName.empty() ? "Sans" : Utf16ToUtf8(logFont.lfFaceName);

@@ -27,8 +27,16 @@ PangoContext* LayoutContext() {
 }
 } // namespace
 
+std::u16string_view TextLayout::Shown(std::u16string_view text, bool wrap) {
+    const size_t limit = wrap ? kMaxWrappedChars : kMaxLineChars;
+    if (text.size() <= limit)
+        return text;
+    const bool splitsPair = text[limit - 1] >= 0xD800 && text[limit - 1] <= 0xDBFF;
+    return text.substr(0, splitsPair ? limit - 1 : limit);
+}
+
 TextLayout::TextLayout(const std::u16string& text, const Font& font, int width, bool wrap) {
-    const std::string utf8 = Utf16ToUtf8(text);
+    const std::string utf8 = Utf16ToUtf8(Shown(text, wrap));
     layout_ = pango_layout_new(LayoutContext());
     pango_layout_set_font_description(layout_, font.Description());
     pango_layout_set_text(layout_, utf8.data(), static_cast<int>(utf8.size()));

@@ -6,6 +6,7 @@
 #include "platform/Types.h"
 
 #include <string>
+#include <string_view>
 
 typedef struct _PangoLayout PangoLayout;
 
@@ -23,6 +24,14 @@ public:
     TextLayout& operator=(TextLayout&& other) noexcept;
     TextLayout(const TextLayout&) = delete;
     TextLayout& operator=(const TextLayout&) = delete;
+
+    // No screen shows more of a text than this, one line (ended with an
+    // ellipsis) or wrapped in a box; the rest is cut before layout, so that a
+    // subject of megabytes from a damaged file costs what a long real one does.
+    static constexpr size_t kMaxLineChars = 2048;
+    static constexpr size_t kMaxWrappedChars = 32768;
+    // The part of `text` worth laying out (never half a surrogate pair).
+    static std::u16string_view Shown(std::u16string_view text, bool wrap);
 
     bool IsEmpty() const { return layout_ == nullptr; }
     int Width() const { return width_; }

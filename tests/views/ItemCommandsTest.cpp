@@ -3,6 +3,7 @@
 // changing nothing, items from contacts without a pop-up, and rows whose
 // file went away before the user acted.
 #include "platform/Settings.h"
+#include "platform/VirtualKeys.h"
 #include "tests/views/ViewFixture.h"
 #include "tests/views/ViewRows.h"
 #include "ui/ContextMenu.h"
@@ -140,6 +141,11 @@ TEST_F(ItemCommandsTest, BirthdaysHaveNoPopup) {
     Wait(600);
     day.OnListHold(IndexOf("Dentist"));
     EXPECT_EQ(ContextMenu::OpenCount(), 1);
+    // Left closes it (and frees it) without a choice.
+    Wait(500);
+    Key(VK_LEFT);
+    Wait(500);
+    EXPECT_EQ(ContextMenu::OpenCount(), 0);
 }
 
 TEST_F(ItemCommandsTest, ARowWhoseFileVanishedIsReportedNotActedOn) {
