@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <strings.h>
 
 namespace mirodate {
 
@@ -47,6 +48,34 @@ icaltimetype PropertyTime(icalcomponent* component, icalproperty_kind kind) {
     return icalproperty_get_datetime_with_component(p, component);
 }
 
+// Outlook writes an all-day event as midnight to midnight in its own zone,
+// marked with this property.
+constexpr const char* kOutlookAllDay = "X-MICROSOFT-CDO-ALLDAYEVENT";
+
+bool IsMidnight(const icaltimetype& t) { return !t.is_date && t.hour == 0 && t.minute == 0 && t.second == 0; }
+
+bool IsOutlookAllDay(icalcomponent* component) {
+    bool marked = false;
+    for (icalproperty* p = icalcomponent_get_first_property(component, ICAL_X_PROPERTY); p && !marked;
+         p = icalcomponent_get_next_property(component, ICAL_X_PROPERTY)) {
+        const char* name = icalproperty_get_x_name(p);
+        const char* value = icalproperty_get_x(p);
+        marked = name && value && strcasecmp(name, kOutlookAllDay) == 0 && strcasecmp(value, "TRUE") == 0;
+    }
+    if (!marked) return false;
+    const icaltimetype start = PropertyTime(component, ICAL_DTSTART_PROPERTY);
+    const icaltimetype end = PropertyTime(component, ICAL_DTEND_PROPERTY);
+    return IsMidnight(start) && (icaltime_is_null_time(end) || IsMidnight(end));
+}
+
+// The day of a wall time in its own zone, as a DATE value.
+icaltimetype WallDate(icaltimetype t) {
+    t.is_date = 1;
+    t.hour = t.minute = t.second = 0;
+    t.zone = nullptr;
+    return t;
+}
+
 struct InstantKey {
     bool isDate = false;
     int ymd = 0;
@@ -77,7 +106,11 @@ bool IcsItem::ReadComponent(icalcomponent* component, PimRecord& record, std::st
     record.location = Text(icalcomponent_get_location(component));
     record.body = Text(icalcomponent_get_description(component));
     record.categories = JoinCategories(component);
-    const icaltimetype start = PropertyTime(component, ICAL_DTSTART_PROPERTY);
+    if (icalcomponent_get_first_property(component, ICAL_STATUS_PROPERTY))
+        record.cancelled = icalcomponent_get_status(component) == ICAL_STATUS_CANCELLED;
+    const bool wholeDays = kind_ == Kind::Event && IsOutlookAllDay(component);
+    icaltimetype start = PropertyTime(component, ICAL_DTSTART_PROPERTY);
+    if (wholeDays) start = WallDate(start);
     if (kind_ == Kind::Task) {
         record.itemKind = 3;
         double date = kNoDate;
@@ -97,9 +130,11 @@ bool IcsItem::ReadComponent(icalcomponent* component, PimRecord& record, std::st
         return false;
     }
     record.allDay = start.is_date;
-    const icaltimetype end = PropertyTime(component, ICAL_DTEND_PROPERTY);
+    icaltimetype end = PropertyTime(component, ICAL_DTEND_PROPERTY);
+    if (wholeDays && !icaltime_is_null_time(end)) end = WallDate(end);
     double endDate = 0.0;
-    if (!icaltime_is_null_time(end) && IcalTime::ToLocalDate(end, endDate) && endDate >= record.start) {
+    if (!icaltime_is_null_time(end) && IcalTime::ToLocalDate(end, endDate) &&
+        (endDate > record.start || (endDate == record.start && !record.allDay))) {
         record.end = endDate;
     } else if (icalproperty* duration = icalcomponent_get_first_property(component, ICAL_DURATION_PROPERTY)) {
         const int seconds = icaldurationtype_as_int(icalproperty_get_duration(duration));
@@ -150,6 +185,7 @@ bool IcsItem::Parse(std::string_view text, std::string& problem) {
         }
     if (!master_) master_ = candidates.front();
     kind_ = icalcomponent_isa(master_) == ICAL_VTODO_COMPONENT ? Kind::Task : Kind::Event;
+    wholeDays_ = kind_ == Kind::Event && IsOutlookAllDay(master_);
     const char* uid = icalcomponent_get_uid(master_);
     uid_ = uid ? uid : "";
     for (icalcomponent* c : candidates) {
@@ -226,8 +262,10 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
         if (record_.start >= from && record_.start < before) occurrences.push_back(record_);
         return;
     }
-    const icaltimetype dtstart = PropertyTime(master_, ICAL_DTSTART_PROPERTY);
-    const icaltimezone* zone = icaltime_get_timezone(dtstart);
+    const icaltimetype zonedStart = PropertyTime(master_, ICAL_DTSTART_PROPERTY);
+    // The series' own zone: its rule runs on that zone's wall clock.
+    const icaltimezone* zone = icaltime_get_timezone(zonedStart);
+    const icaltimetype dtstart = wholeDays_ ? WallDate(zonedStart) : zonedStart;
     std::time_t startUnix = 0;
     IcalTime::ToUnix(dtstart, startUnix);
     const icaltimetype dtend = PropertyTime(master_, ICAL_DTEND_PROPERTY);
@@ -246,7 +284,8 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
         excluded.push_back(KeyOf(icalproperty_get_datetime_with_component(rid, o)));
     }
 
-    auto add = [&](const icaltimetype& occurrence) {
+    auto add = [&](icaltimetype occurrence) {
+        if (wholeDays_ && !occurrence.is_date) occurrence = WallDate(occurrence);
         if (Listed(excluded, KeyOf(occurrence))) return;
         PimRecord record = record_;
         if (!IcalTime::ToLocalDate(occurrence, record.start)) return;
@@ -270,15 +309,30 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
 
     if (icalproperty* rrule = icalcomponent_get_first_property(master_, ICAL_RRULE_PROPERTY)) {
         struct icalrecurrencetype rule = icalproperty_get_rrule(rrule);
-        IcalRecurIteratorPtr iterator(icalrecur_iterator_new(rule, dtstart));
+        // The rule counts in wall times of the series' zone: it is iterated on
+        // floating times that get their zone back one by one, so that an
+        // occurrence that falls into a daylight-saving gap moves alone and
+        // does not carry the later ones with it.
+        icaltimetype wallStart = dtstart;
+        wallStart.zone = nullptr;
+        if (!icaltime_is_null_time(rule.until) && !rule.until.is_date) {
+            icaltimezone* wallZone = zone ? const_cast<icaltimezone*>(zone) : IcalTime::LocalZone();
+            const icaltimezone* untilZone = icaltime_get_timezone(rule.until);
+            if (untilZone && wallZone && untilZone != wallZone) rule.until = icaltime_convert_to_zone(rule.until, wallZone);
+            rule.until.zone = nullptr;
+            if (wallStart.is_date) rule.until = WallDate(rule.until);
+        }
+        IcalRecurIteratorPtr iterator(icalrecur_iterator_new(rule, wallStart));
         if (iterator) {
             // Rules without COUNT can start near the window instead of at DTSTART.
             const double jumpTo = from - longest_ - kIteratorMarginDays;
             if (rule.count <= 0 && jumpTo > record_.start) {
-                const icaltimetype start = IcalTime::FromLocalDate(jumpTo, dtstart.is_date, zone);
+                icaltimetype start = IcalTime::FromLocalDate(jumpTo, wallStart.is_date, zone);
+                start.zone = nullptr;
                 if (!icaltime_is_null_time(start)) icalrecur_iterator_set_start(iterator.get(), start);
             }
             int iterations = 0, produced = 0;
+            double previous = kNoDate;
             for (;;) {
                 icaltimetype occurrence = icalrecur_iterator_next(iterator.get());
                 if (icaltime_is_null_time(occurrence)) break;
@@ -286,10 +340,13 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
                     Log::Warning("store: series %s has too many occurrences; the rest is left out", uid_.c_str());
                     break;
                 }
-                occurrence.zone = dtstart.zone;
+                occurrence.zone = wallStart.is_date ? nullptr : zone;
                 double local = 0.0;
                 if (!IcalTime::ToLocalDate(occurrence, local)) break;
                 if (local >= before) break;
+                // A time moved out of a gap can meet the next one (hourly rules).
+                if (local == previous) continue;
+                previous = local;
                 const std::size_t size = occurrences.size();
                 add(occurrence);
                 if (occurrences.size() != size) ++produced;
@@ -308,7 +365,7 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
     if (!startListed) add(dtstart);
 
     for (icalcomponent* o : overrides_) {
-        if (icalcomponent_get_status(o) == ICAL_STATUS_CANCELLED) continue;
+        // A cancelled occurrence stays, marked, for the views to strike through.
         PimRecord moved = record_;
         std::string ignored;
         if (!ReadComponent(o, moved, ignored)) continue;

@@ -50,6 +50,7 @@ private:
     std::string uid_;
     PimRecord record_;
     bool series_ = false;
+    bool wholeDays_ = false; // Outlook's midnight-to-midnight all-day event
     bool unrelated_ = false;
     double seriesEnd_ = kNoDate;
     double longest_ = 0.0;

@@ -71,7 +71,9 @@ void Fill(icalcomponent* component, const PimRecord& record) {
         RemoveAll(component, ICAL_COMPLETED_PROPERTY);
         RemoveAll(component, ICAL_PRIORITY_PROPERTY);
         icalcomponent_add_property(component,
-                                   icalproperty_new_status(record.complete ? ICAL_STATUS_COMPLETED : ICAL_STATUS_NEEDSACTION));
+                                   icalproperty_new_status(record.complete    ? ICAL_STATUS_COMPLETED
+                                                           : record.cancelled ? ICAL_STATUS_CANCELLED
+                                                                              : ICAL_STATUS_NEEDSACTION));
         if (record.complete)
             icalcomponent_add_property(
                 component, icalproperty_new_completed(icaltime_current_time_with_zone(icaltimezone_get_utc_timezone())));

@@ -58,9 +58,12 @@ TEST_F(IcsItemTest, SeriesWithExdateRdateAndOverrides) {
     for (const auto& r : march) got.emplace_back(DateTime(r.start), r.subject);
     const std::vector<std::pair<DateTime, std::u16string>> want = {
         {DateTime(2026, 3, 2, 18, 0, 0), u"Yoga"},  {DateTime(2026, 3, 5, 12, 0, 0), u"Yoga"},
-        {DateTime(2026, 3, 10, 19, 0, 0), u"Moved"}, {DateTime(2026, 3, 30, 18, 0, 0), u"Yoga"}};
+        {DateTime(2026, 3, 10, 19, 0, 0), u"Moved"}, {DateTime(2026, 3, 23, 18, 0, 0), u"Yoga"},
+        {DateTime(2026, 3, 30, 18, 0, 0), u"Yoga"}};
     EXPECT_EQ(got, want);
     for (const auto& r : march) EXPECT_TRUE(r.isRecurring);
+    // The cancelled occurrence stays in its place, marked; the others are not.
+    for (const auto& r : march) EXPECT_EQ(r.cancelled, DateTime(r.start) == DateTime(2026, 3, 23, 18, 0, 0));
     // After the change to summer time the series keeps its wall time.
     EXPECT_EQ(DateTime(march.back().end), DateTime(2026, 3, 30, 19, 0, 0));
     // A window far ahead costs no walk from the start and still finds the day.
