@@ -5,10 +5,12 @@
 #include "platform/TextUtil.h"
 #include "store/IcalTime.h"
 #include "store/RecurrenceRule.h"
+#include "store/VtimezoneFilter.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <limits>
 #include <strings.h>
 
 namespace mirodate {
@@ -76,30 +78,137 @@ icaltimetype WallDate(icaltimetype t) {
     return t;
 }
 
-struct InstantKey {
-    bool isDate = false;
-    int ymd = 0;
-    std::time_t utc = 0;
-};
+bool Has(const short* array) { return array[0] != ICAL_RECURRENCE_ARRAY_MAX; }
 
-InstantKey KeyOf(const icaltimetype& t) {
-    InstantKey key;
-    key.isDate = t.is_date;
-    key.ymd = t.year * 10000 + t.month * 100 + t.day;
-    IcalTime::ToUnix(t, key.utc);
-    return key;
+bool HasByParts(const icalrecurrencetype& rule) {
+    return Has(rule.by_second) || Has(rule.by_minute) || Has(rule.by_hour) || Has(rule.by_day) ||
+           Has(rule.by_month_day) || Has(rule.by_year_day) || Has(rule.by_week_no) || Has(rule.by_month) ||
+           Has(rule.by_set_pos);
 }
 
-bool Same(const InstantKey& excluded, const InstantKey& occurrence) {
-    if (excluded.isDate || occurrence.isDate) return excluded.ymd == occurrence.ymd;
-    return excluded.utc == occurrence.utc;
+bool IsSubDaily(const icalrecurrencetype& rule) {
+    return rule.freq == ICAL_SECONDLY_RECURRENCE || rule.freq == ICAL_MINUTELY_RECURRENCE ||
+           rule.freq == ICAL_HOURLY_RECURRENCE;
 }
 
-bool Listed(const std::vector<InstantKey>& keys, const InstantKey& key) {
-    return std::any_of(keys.begin(), keys.end(), [&](const InstantKey& k) { return Same(k, key); });
+// Days of the month no month of the rule has (the 30th of February): the
+// rule never matches, and libical would search for a match until its last
+// year.
+bool NeverMatches(const icalrecurrencetype& rule) {
+    if (!Has(rule.by_month_day)) return false;
+    int longest = 0;
+    for (int i = 0; i < ICAL_BY_MONTH_SIZE && rule.by_month[i] != ICAL_RECURRENCE_ARRAY_MAX; ++i)
+        if (rule.by_month[i] >= 1 && rule.by_month[i] <= 12) longest = std::max(longest, DaysInMonth(2024, rule.by_month[i]));
+    if (!Has(rule.by_month)) longest = 31;
+    for (int i = 0; i < ICAL_BY_MONTHDAY_SIZE && rule.by_month_day[i] != ICAL_RECURRENCE_ARRAY_MAX; ++i)
+        if (std::abs(rule.by_month_day[i]) <= longest) return false;
+    return true;
 }
+
+// Rules not expanded. libical steps a rule finer than hourly one second or
+// minute at a time and tests its BY parts at each step without returning:
+// BYMONTH=2 on a secondly rule is 30 million steps to the next match. No
+// calendar writes such rules.
+bool TooCostlyToExpand(const icalrecurrencetype& rule) {
+    if (NeverMatches(rule)) return true;
+    return (rule.freq == ICAL_SECONDLY_RECURRENCE || rule.freq == ICAL_MINUTELY_RECURRENCE) && HasByParts(rule);
+}
+
+// Seconds of a fixed step of a rule without BY parts finer than a day.
+long FixedStepSeconds(const icalrecurrencetype& rule) {
+    const long unit = rule.freq == ICAL_SECONDLY_RECURRENCE ? 1 : rule.freq == ICAL_MINUTELY_RECURRENCE ? 60 : 3600;
+    return unit * std::max<long>(1, rule.interval);
+}
+
+// A floating wall time's fields read as UTC seconds, for wall-clock arithmetic.
+std::time_t WallSeconds(const icaltimetype& t) {
+    std::tm tm{};
+    tm.tm_year = t.year - 1900;
+    tm.tm_mon = t.month - 1;
+    tm.tm_mday = t.day;
+    tm.tm_hour = t.hour;
+    tm.tm_min = t.minute;
+    tm.tm_sec = t.second;
+    return timegm(&tm);
+}
+
+icaltimetype WallTime(std::time_t seconds, const icaltimezone* zone) {
+    std::tm tm{};
+    icaltimetype t = icaltime_null_time();
+    if (!gmtime_r(&seconds, &tm)) return t;
+    t.year = tm.tm_year + 1900;
+    t.month = tm.tm_mon + 1;
+    t.day = tm.tm_mday;
+    t.hour = tm.tm_hour;
+    t.minute = tm.tm_min;
+    t.second = tm.tm_sec;
+    t.zone = zone;
+    return t;
+}
+
+int DayNumber(const icaltimetype& t) { return t.year * 10000 + t.month * 100 + t.day; }
 
 } // namespace
+
+void IcsItem::Exclusions::Add(const icaltimetype& time) {
+    if (icaltime_is_null_time(time)) return;
+    days.push_back(DayNumber(time));
+    if (time.is_date) {
+        wholeDays.push_back(DayNumber(time));
+    } else if (std::time_t instant = 0; IcalTime::ToUnix(time, instant)) {
+        instants.push_back(instant);
+    }
+}
+
+void IcsItem::Exclusions::Sort() {
+    std::sort(wholeDays.begin(), wholeDays.end());
+    std::sort(days.begin(), days.end());
+    std::sort(instants.begin(), instants.end());
+}
+
+bool IcsItem::Exclusions::Contains(const icaltimetype& occurrence) const {
+    // A DATE on either side takes out the whole day; times match as instants.
+    if (occurrence.is_date) return std::binary_search(days.begin(), days.end(), DayNumber(occurrence));
+    if (std::binary_search(wholeDays.begin(), wholeDays.end(), DayNumber(occurrence))) return true;
+    std::time_t instant = 0;
+    return IcalTime::ToUnix(occurrence, instant) && std::binary_search(instants.begin(), instants.end(), instant);
+}
+
+void IcsItem::PrepareSeries() {
+    for (icalproperty* p = icalcomponent_get_first_property(master_, ICAL_EXDATE_PROPERTY); p;
+         p = icalcomponent_get_next_property(master_, ICAL_EXDATE_PROPERTY))
+        excluded_.Add(icalproperty_get_datetime_with_component(p, master_));
+    for (icalcomponent* o : overrides_) {
+        icalproperty* rid = icalcomponent_get_first_property(o, ICAL_RECURRENCEID_PROPERTY);
+        excluded_.Add(icalproperty_get_datetime_with_component(rid, o));
+    }
+    excluded_.Sort();
+
+    for (icalproperty* p = icalcomponent_get_first_property(master_, ICAL_RDATE_PROPERTY); p;
+         p = icalcomponent_get_next_property(master_, ICAL_RDATE_PROPERTY)) {
+        icaltimetype t = icalproperty_get_datetime_with_component(p, master_);
+        if (wholeDays_ && !icaltime_is_null_time(t)) t = WallDate(t);
+        double local = 0.0;
+        if (!icaltime_is_null_time(t) && IcalTime::ToLocalDate(t, local)) extraDates_.emplace_back(local, t);
+    }
+    std::stable_sort(extraDates_.begin(), extraDates_.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+
+    for (icalcomponent* o : overrides_) {
+        // A cancelled occurrence stays, marked, for the views to strike through.
+        PimRecord moved = record_;
+        std::string ignored;
+        if (!ReadComponent(o, moved, ignored)) continue;
+        // An override says only what changed; the rest comes from the series.
+        if (moved.subject.empty()) moved.subject = record_.subject;
+        if (moved.location.empty()) moved.location = record_.location;
+        if (moved.categories.empty()) moved.categories = record_.categories;
+        moved.isRecurring = true;
+        moved_.push_back(std::move(moved));
+    }
+    std::stable_sort(moved_.begin(), moved_.end(),
+                     [](const PimRecord& a, const PimRecord& b) { return a.start < b.start; });
+}
 
 bool IcsItem::ReadComponent(icalcomponent* component, PimRecord& record, std::string& problem) const {
     record.subject = Text(icalcomponent_get_summary(component));
@@ -158,6 +267,7 @@ bool IcsItem::Parse(std::string_view text, std::string& problem) {
         problem = "iCalendar text does not parse";
         return false;
     }
+    const int zoneRulesDropped = VtimezoneFilter::Apply(calendar_.get());
     icalcomponent* root = calendar_.get();
     if (icalcomponent_isa(root) != ICAL_VCALENDAR_COMPONENT) {
         // Some files hold a bare VEVENT; a parse of several roots gives an XROOT.
@@ -188,6 +298,9 @@ bool IcsItem::Parse(std::string_view text, std::string& problem) {
     wholeDays_ = kind_ == Kind::Event && IsOutlookAllDay(master_);
     const char* uid = icalcomponent_get_uid(master_);
     uid_ = uid ? uid : "";
+    if (zoneRulesDropped > 0)
+        Log::Warning("store: item %s: %d time zone rules or zones no real zone has are ignored", uid_.c_str(),
+                     zoneRulesDropped);
     for (icalcomponent* c : candidates) {
         if (c == master_) continue;
         const char* other = icalcomponent_get_uid(c);
@@ -208,6 +321,10 @@ bool IcsItem::Parse(std::string_view text, std::string& problem) {
     double until = 0.0;
     if (rrule) {
         struct icalrecurrencetype rule = icalproperty_get_rrule(rrule);
+        if (series_ && TooCostlyToExpand(rule)) {
+            ruleUsable_ = false;
+            Log::Warning("store: series %s: a rule finer than hourly with BY parts is not expanded", uid_.c_str());
+        }
         if (!icaltime_is_null_time(rule.until)) {
             icaltimetype u = rule.until;
             if (!u.is_date && !icaltime_get_timezone(u)) {
@@ -244,14 +361,14 @@ bool IcsItem::Parse(std::string_view text, std::string& problem) {
         }
         if (!rrule && seriesEnd_ == kNoDate) seriesEnd_ = record_.end;
     }
-    for (icalcomponent* o : overrides_) {
-        PimRecord moved;
-        std::string ignored;
-        if (ReadComponent(o, moved, ignored)) {
-            longest_ = std::max(longest_, moved.end - moved.start);
-            if (seriesEnd_ != kNoDate) seriesEnd_ = std::max(seriesEnd_, moved.end);
-        }
+    if (series_) PrepareSeries();
+    for (const PimRecord& moved : moved_) {
+        longest_ = std::max(longest_, moved.end - moved.start);
+        if (seriesEnd_ != kNoDate) seriesEnd_ = std::max(seriesEnd_, moved.end);
     }
+    // A series of RDATEs alone ends with its last date.
+    if (series_ && !rrule && !extraDates_.empty())
+        seriesEnd_ = std::max(seriesEnd_, extraDates_.back().first + longest_ + 1.0);
     return true;
 }
 
@@ -275,18 +392,9 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
     if (!record_.allDay && !icaltime_is_null_time(dtend) && IcalTime::ToUnix(dtend, endUnix) && endUnix >= startUnix)
         durationSeconds = static_cast<long>(endUnix - startUnix);
 
-    std::vector<InstantKey> excluded;
-    for (icalproperty* p = icalcomponent_get_first_property(master_, ICAL_EXDATE_PROPERTY); p;
-         p = icalcomponent_get_next_property(master_, ICAL_EXDATE_PROPERTY))
-        excluded.push_back(KeyOf(icalproperty_get_datetime_with_component(p, master_)));
-    for (icalcomponent* o : overrides_) {
-        icalproperty* rid = icalcomponent_get_first_property(o, ICAL_RECURRENCEID_PROPERTY);
-        excluded.push_back(KeyOf(icalproperty_get_datetime_with_component(rid, o)));
-    }
-
     auto add = [&](icaltimetype occurrence) {
         if (wholeDays_ && !occurrence.is_date) occurrence = WallDate(occurrence);
-        if (Listed(excluded, KeyOf(occurrence))) return;
+        if (excluded_.Contains(occurrence)) return;
         PimRecord record = record_;
         if (!IcalTime::ToLocalDate(occurrence, record.start)) return;
         if (record.start < from || record.start >= before) return;
@@ -307,7 +415,8 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
         occurrences.push_back(std::move(record));
     };
 
-    if (icalproperty* rrule = icalcomponent_get_first_property(master_, ICAL_RRULE_PROPERTY)) {
+    icalproperty* rrule = ruleUsable_ ? icalcomponent_get_first_property(master_, ICAL_RRULE_PROPERTY) : nullptr;
+    if (rrule) {
         struct icalrecurrencetype rule = icalproperty_get_rrule(rrule);
         // The rule counts in wall times of the series' zone: it is iterated on
         // floating times that get their zone back one by one, so that an
@@ -315,6 +424,8 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
         // does not carry the later ones with it.
         icaltimetype wallStart = dtstart;
         wallStart.zone = nullptr;
+        // INTERVAL=0 is not a valid rule; read it as the default, every time.
+        if (rule.interval < 1) rule.interval = 1;
         if (!icaltime_is_null_time(rule.until) && !rule.until.is_date) {
             icaltimezone* wallZone = zone ? const_cast<icaltimezone*>(zone) : IcalTime::LocalZone();
             const icaltimezone* untilZone = icaltime_get_timezone(rule.until);
@@ -322,61 +433,78 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
             rule.until.zone = nullptr;
             if (wallStart.is_date) rule.until = WallDate(rule.until);
         }
-        IcalRecurIteratorPtr iterator(icalrecur_iterator_new(rule, wallStart));
-        if (iterator) {
-            // Rules without COUNT can start near the window instead of at DTSTART.
-            const double jumpTo = from - longest_ - kIteratorMarginDays;
+        // Nothing past the window is wanted, and a rule whose BY parts never
+        // match (the 30th of February) would be stepped through to libical's
+        // last year.
+        icaltimetype windowEnd = IcalTime::FromLocalDate(before + kIteratorMarginDays, wallStart.is_date, zone);
+        windowEnd.zone = nullptr;
+        if (!icaltime_is_null_time(windowEnd) &&
+            (icaltime_is_null_time(rule.until) || icaltime_compare(windowEnd, rule.until) < 0))
+            rule.until = windowEnd;
+        int iterations = 0, produced = 0;
+        double previous = kNoDate;
+        // Takes one occurrence of the rule; false ends the walk.
+        auto consider = [&](icaltimetype occurrence) {
+            if (++iterations > kMaxIterations || produced >= kMaxOccurrences) {
+                Log::Warning("store: series %s has too many occurrences; the rest is left out", uid_.c_str());
+                return false;
+            }
+            occurrence.zone = wallStart.is_date ? nullptr : zone;
+            double local = 0.0;
+            if (!IcalTime::ToLocalDate(occurrence, local) || local >= before) return false;
+            // A time moved out of a gap can meet the next one (hourly rules).
+            if (local == previous) return true;
+            previous = local;
+            const std::size_t size = occurrences.size();
+            add(occurrence);
+            if (occurrences.size() != size) ++produced;
+            return true;
+        };
+        // Rules without COUNT can start near the window instead of at DTSTART.
+        const double jumpTo = from - longest_ - kIteratorMarginDays;
+        if (IsSubDaily(rule) && !HasByParts(rule) && !wallStart.is_date) {
+            // A fixed step of the wall clock: the first occurrence near the
+            // window is found by arithmetic, COUNT or not, instead of by
+            // libical's stepping, which costs microseconds a step and walks
+            // a counted rule from DTSTART.
+            const long step = FixedStepSeconds(rule);
+            const std::time_t first = WallSeconds(wallStart);
+            const std::time_t last = icaltime_is_null_time(rule.until) ? std::numeric_limits<std::time_t>::max()
+                                                                       : WallSeconds(rule.until);
+            const long long count = rule.count > 0 ? rule.count : std::numeric_limits<long long>::max();
+            long long k = 0;
+            if (jumpTo > record_.start) {
+                const icaltimetype start = IcalTime::FromLocalDate(jumpTo, false, zone);
+                if (!icaltime_is_null_time(start)) k = std::max<long long>(0, (WallSeconds(start) - first) / step);
+            }
+            for (; k < count; ++k) {
+                const std::time_t wall = first + static_cast<std::time_t>(k) * step;
+                if (wall > last || !consider(WallTime(wall, nullptr))) break;
+            }
+        } else if (IcalRecurIteratorPtr iterator{icalrecur_iterator_new(rule, wallStart)}) {
             if (rule.count <= 0 && jumpTo > record_.start) {
                 icaltimetype start = IcalTime::FromLocalDate(jumpTo, wallStart.is_date, zone);
                 start.zone = nullptr;
                 if (!icaltime_is_null_time(start)) icalrecur_iterator_set_start(iterator.get(), start);
             }
-            int iterations = 0, produced = 0;
-            double previous = kNoDate;
             for (;;) {
-                icaltimetype occurrence = icalrecur_iterator_next(iterator.get());
-                if (icaltime_is_null_time(occurrence)) break;
-                if (++iterations > kMaxIterations || produced >= kMaxOccurrences) {
-                    Log::Warning("store: series %s has too many occurrences; the rest is left out", uid_.c_str());
-                    break;
-                }
-                occurrence.zone = wallStart.is_date ? nullptr : zone;
-                double local = 0.0;
-                if (!IcalTime::ToLocalDate(occurrence, local)) break;
-                if (local >= before) break;
-                // A time moved out of a gap can meet the next one (hourly rules).
-                if (local == previous) continue;
-                previous = local;
-                const std::size_t size = occurrences.size();
-                add(occurrence);
-                if (occurrences.size() != size) ++produced;
+                const icaltimetype occurrence = icalrecur_iterator_next(iterator.get());
+                if (icaltime_is_null_time(occurrence) || !consider(occurrence)) break;
             }
         }
     }
-    for (icalproperty* p = icalcomponent_get_first_property(master_, ICAL_RDATE_PROPERTY); p;
-         p = icalcomponent_get_next_property(master_, ICAL_RDATE_PROPERTY)) {
-        icaltimetype t = icalproperty_get_datetime_with_component(p, master_);
-        if (!icaltime_is_null_time(t)) add(t);
-    }
+    auto firstExtra = std::lower_bound(extraDates_.begin(), extraDates_.end(), from,
+                                       [](const auto& extra, double start) { return extra.first < start; });
+    for (auto it = firstExtra; it != extraDates_.end() && it->first < before; ++it) add(it->second);
     // A plain DTSTART counts as an occurrence even when the rule skips it.
     bool startListed = false;
     for (std::size_t i = firstNew; i < occurrences.size(); ++i)
         if (occurrences[i].start == record_.start) startListed = true;
     if (!startListed) add(dtstart);
 
-    for (icalcomponent* o : overrides_) {
-        // A cancelled occurrence stays, marked, for the views to strike through.
-        PimRecord moved = record_;
-        std::string ignored;
-        if (!ReadComponent(o, moved, ignored)) continue;
-        // An override says only what changed; the rest comes from the series.
-        if (moved.subject.empty()) moved.subject = record_.subject;
-        if (moved.location.empty()) moved.location = record_.location;
-        if (moved.categories.empty()) moved.categories = record_.categories;
-        if (moved.start < from || moved.start >= before) continue;
-        moved.isRecurring = true;
-        occurrences.push_back(std::move(moved));
-    }
+    auto firstMoved = std::lower_bound(moved_.begin(), moved_.end(), from,
+                                       [](const PimRecord& moved, double start) { return moved.start < start; });
+    for (auto it = firstMoved; it != moved_.end() && it->start < before; ++it) occurrences.push_back(*it);
     std::stable_sort(occurrences.begin() + static_cast<std::ptrdiff_t>(firstNew), occurrences.end(),
                      [](const PimRecord& a, const PimRecord& b) { return a.start < b.start; });
 }

@@ -5,6 +5,7 @@
 #include "store/IcalHandle.h"
 #include "store/IcalTime.h"
 #include "store/RecurrenceRule.h"
+#include "store/VtimezoneFilter.h"
 
 #include <cstdio>
 #include <random>
@@ -113,6 +114,8 @@ IcalComponentPtr ParseCalendar(std::string_view text) {
     const std::string copy(text);
     IcalComponentPtr calendar(icalparser_parse_string(copy.c_str()));
     if (calendar && icalcomponent_isa(calendar.get()) != ICAL_VCALENDAR_COMPONENT) calendar.reset();
+    // The times we write are converted through the file's zones.
+    VtimezoneFilter::Apply(calendar.get());
     return calendar;
 }
 
