@@ -24,6 +24,13 @@ bool FieldsOk(const icaltimetype& t) {
 }
 
 constexpr std::time_t kSecondsPerDay = 86400;
+// libical works out a zone's changes from its first year up to the year
+// asked for, afresh for every file's own zone: a date in the year 9000 costs
+// seconds. Past this instant (2200-01-01) the offset is read as many 400-year
+// cycles earlier, which have the same weekdays and leap days, so the same
+// rule gives the same change dates.
+constexpr std::time_t kZoneHorizon = 7258118400;
+constexpr std::time_t kGregorianCycle = 146097 * kSecondsPerDay;
 
 // Offset from UTC (seconds east) at an instant, in `zone` or, when null, in
 // the local zone.
@@ -33,6 +40,7 @@ long OffsetAt(std::time_t instant, const icaltimezone* zone) {
         if (!localtime_r(&instant, &tm)) return 0;
         return tm.tm_gmtoff;
     }
+    if (instant > kZoneHorizon) instant -= ((instant - kZoneHorizon) / kGregorianCycle + 1) * kGregorianCycle;
     icaltimetype utc = icaltime_from_timet_with_zone(instant, 0, icaltimezone_get_utc_timezone());
     return icaltimezone_get_utc_offset_of_utc_time(const_cast<icaltimezone*>(zone), &utc, nullptr);
 }
@@ -155,7 +163,22 @@ icaltimetype IcalTime::FromLocalDate(double date, bool isDate, const icaltimezon
     if (!zone) return t;
     // The local wall time, moved into the wanted zone.
     const std::time_t seconds = WallToUnix(st.wYear, st.wMonth, st.wDay, st.wHour, st.wMinute, st.wSecond, nullptr);
-    return icaltime_from_timet_with_zone(seconds, 0, const_cast<icaltimezone*>(zone));
+    return WallTimeIn(seconds, zone);
+}
+
+icaltimetype IcalTime::WallTimeIn(std::time_t seconds, const icaltimezone* zone) {
+    icaltimetype t = icaltime_null_time();
+    std::tm tm{};
+    const std::time_t wall = seconds + (zone ? OffsetAt(seconds, zone) : 0);
+    if (zone ? !gmtime_r(&wall, &tm) : !localtime_r(&seconds, &tm)) return t;
+    t.year = tm.tm_year + 1900;
+    t.month = tm.tm_mon + 1;
+    t.day = tm.tm_mday;
+    t.hour = tm.tm_hour;
+    t.minute = tm.tm_min;
+    t.second = tm.tm_sec;
+    t.zone = zone;
+    return t;
 }
 
 std::string IcalTime::LocalZoneName() {

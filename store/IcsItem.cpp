@@ -105,12 +105,22 @@ bool NeverMatches(const icalrecurrencetype& rule) {
     return true;
 }
 
+// Weekdays counted past the end of their month or year ("-9SU" in a month).
+bool NoSuchWeekday(const icalrecurrencetype& rule) {
+    if (!Has(rule.by_day)) return false;
+    const bool inMonth = rule.freq == ICAL_MONTHLY_RECURRENCE || Has(rule.by_month);
+    const int most = inMonth ? 5 : 53;
+    for (int i = 0; i < ICAL_BY_DAY_SIZE && rule.by_day[i] != ICAL_RECURRENCE_ARRAY_MAX; ++i)
+        if (std::abs(icalrecurrencetype_day_position(rule.by_day[i])) <= most) return false;
+    return true;
+}
+
 // Rules not expanded. libical steps a rule finer than hourly one second or
 // minute at a time and tests its BY parts at each step without returning:
 // BYMONTH=2 on a secondly rule is 30 million steps to the next match. No
 // calendar writes such rules.
 bool TooCostlyToExpand(const icalrecurrencetype& rule) {
-    if (NeverMatches(rule)) return true;
+    if (NeverMatches(rule) || NoSuchWeekday(rule)) return true;
     return (rule.freq == ICAL_SECONDLY_RECURRENCE || rule.freq == ICAL_MINUTELY_RECURRENCE) && HasByParts(rule);
 }
 
@@ -429,7 +439,9 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
         if (!icaltime_is_null_time(rule.until) && !rule.until.is_date) {
             icaltimezone* wallZone = zone ? const_cast<icaltimezone*>(zone) : IcalTime::LocalZone();
             const icaltimezone* untilZone = icaltime_get_timezone(rule.until);
-            if (untilZone && wallZone && untilZone != wallZone) rule.until = icaltime_convert_to_zone(rule.until, wallZone);
+            std::time_t untilInstant = 0;
+            if (untilZone && wallZone && untilZone != wallZone && IcalTime::ToUnix(rule.until, untilInstant))
+                rule.until = IcalTime::WallTimeIn(untilInstant, wallZone);
             rule.until.zone = nullptr;
             if (wallStart.is_date) rule.until = WallDate(rule.until);
         }

@@ -105,7 +105,9 @@ TEST_F(IcsItemTest, RulesLibicalWouldSearchForeverAreNotExpanded) {
     // the 30th of February, and BY parts on a rule finer than hourly. The
     // item keeps its first occurrence.
     for (const char* rule : {"FREQ=YEARLY;BYMONTH=2;BYMONTHDAY=30", "FREQ=DAILY;COUNT=5;BYMONTH=2,4;BYMONTHDAY=31",
-                             "FREQ=SECONDLY;BYMONTH=2", "FREQ=MINUTELY;BYMONTHDAY=30;BYMONTH=2"}) {
+                             "FREQ=SECONDLY;BYMONTH=2", "FREQ=MINUTELY;BYMONTHDAY=30;BYMONTH=2",
+                             // found by ics_fuzz: no month has a ninth-last Sunday
+                             "FREQ=MONTHLY;BYDAY=-9SU;COUNT=4", "FREQ=YEARLY;BYMONTH=3;BYDAY=6SU"}) {
         auto item = Parse("DTSTART:20260301T090000\r\nRRULE:" + std::string(rule) + "\r\n");
         const auto year = Expand(item, DateTime(2026, 1, 1), DateTime(2027, 1, 1));
         ASSERT_EQ(year.size(), 1u) << rule;
@@ -114,6 +116,23 @@ TEST_F(IcsItemTest, RulesLibicalWouldSearchForeverAreNotExpanded) {
     // A rule that matches rarely but does match is still expanded.
     auto leap = Parse("DTSTART:20240229T090000\r\nRRULE:FREQ=YEARLY;BYMONTH=2;BYMONTHDAY=29\r\n");
     EXPECT_EQ(Expand(leap, DateTime(2027, 1, 1), DateTime(2029, 1, 1)).size(), 1u);
+}
+
+TEST_F(IcsItemTest, FarFutureTimesFollowTheZonesRules) {
+    // Found by ics_fuzz: a time in the year 4050 made libical work out New
+    // York's changes for two thousand years (a third of a second, and
+    // seconds for a file's own zone). Far years are read as the same dates
+    // whole 400-year cycles earlier, where the rules give the same changes.
+    for (int month : {1, 3, 4, 7, 10, 11}) {
+        char far[160], near[160];
+        std::snprintf(far, sizeof far, "DTSTART;TZID=America/New_York:4050%02d10T090000\r\n", month);
+        std::snprintf(near, sizeof near, "DTSTART;TZID=America/New_York:2050%02d10T090000\r\n", month);
+        const DateTime farStart(Parse(far).GetRecord().start), nearStart(Parse(near).GetRecord().start);
+        EXPECT_EQ(farStart.GetHour(), nearStart.GetHour()) << "month " << month;
+        EXPECT_EQ(farStart.GetYear(), 4050);
+    }
+    EXPECT_EQ(DateTime(Parse("DTSTART;TZID=America/New_York:40500610T090000\r\n").GetRecord().start),
+              DateTime(4050, 6, 10, 15, 0, 0));
 }
 
 TEST_F(IcsItemTest, OutlookAllDayEventsAreAllDay) {
