@@ -151,7 +151,8 @@ void InstanceServer::Serve() {
             InstanceFrameReader::Frame frame;
             while (!drop) {
                 const InstanceFrameReader::Result result = client.frames.Next(frame);
-                if (result == InstanceFrameReader::Result::NeedMore) break;
+                if (result == InstanceFrameReader::Result::NeedMore)
+                    break;
                 if (result == InstanceFrameReader::Result::TooLarge) {
                     Log::Warning("instance link: dropping a client that sent an oversized frame");
                     drop = true;

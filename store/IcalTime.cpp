@@ -4,9 +4,9 @@
 
 #include <algorithm>
 #include <climits>
-#include <mutex>
 #include <cstdio>
 #include <cstdlib>
+#include <mutex>
 #include <unistd.h>
 
 namespace mirodate {
@@ -37,10 +37,12 @@ constexpr std::time_t kGregorianCycle = 146097 * kSecondsPerDay;
 long OffsetAt(std::time_t instant, const icaltimezone* zone) {
     if (!zone) {
         std::tm tm{};
-        if (!localtime_r(&instant, &tm)) return 0;
+        if (!localtime_r(&instant, &tm))
+            return 0;
         return tm.tm_gmtoff;
     }
-    if (instant > kZoneHorizon) instant -= ((instant - kZoneHorizon) / kGregorianCycle + 1) * kGregorianCycle;
+    if (instant > kZoneHorizon)
+        instant -= ((instant - kZoneHorizon) / kGregorianCycle + 1) * kGregorianCycle;
     icaltimetype utc = icaltime_from_timet_with_zone(instant, 0, icaltimezone_get_utc_timezone());
     return icaltimezone_get_utc_offset_of_utc_time(const_cast<icaltimezone*>(zone), &utc, nullptr);
 }
@@ -50,7 +52,8 @@ long OffsetAt(std::time_t instant, const icaltimezone* zone) {
 // time takes the offset from before the gap, so it moves forward by the gap;
 // a time that occurs twice is the first of the two. (libical's own lookup and
 // mktime both answer otherwise around the change.)
-std::time_t WallToUnix(int year, int month, int day, int hour, int minute, int second, const icaltimezone* zone) {
+std::time_t WallToUnix(int year, int month, int day, int hour, int minute, int second,
+                       const icaltimezone* zone) {
     std::tm tm{};
     tm.tm_year = year - 1900;
     tm.tm_mon = month - 1;
@@ -59,16 +62,20 @@ std::time_t WallToUnix(int year, int month, int day, int hour, int minute, int s
     tm.tm_min = minute;
     tm.tm_sec = second;
     const std::time_t wall = timegm(&tm); // the wall time's fields read as UTC
-    if (zone == icaltimezone_get_utc_timezone()) return wall;
+    if (zone == icaltimezone_get_utc_timezone())
+        return wall;
     // A day on either side lies clear of the change, if any.
     const long before = OffsetAt(wall - kSecondsPerDay, zone);
     const long after = OffsetAt(wall + kSecondsPerDay, zone);
-    if (before == after) return wall - before;
+    if (before == after)
+        return wall - before;
     const std::time_t early = wall - before, late = wall - after;
     const bool earlyExists = OffsetAt(early, zone) == before;
     const bool lateExists = OffsetAt(late, zone) == after;
-    if (earlyExists && lateExists) return std::min(early, late);
-    if (lateExists) return late;
+    if (earlyExists && lateExists)
+        return std::min(early, late);
+    if (lateExists)
+        return late;
     return early; // in the gap, or a zone whose data we cannot follow
 }
 
@@ -121,7 +128,8 @@ bool IcalTime::ToUnix(const icaltimetype& time, std::time_t& seconds) {
     if (!FieldsOk(time)) return false;
     const icaltimezone* zone = icaltime_get_timezone(time);
     // Wall times of the local zone need no zone data of libical.
-    if (time.is_date || IsLocalZone(zone)) zone = nullptr;
+    if (time.is_date || IsLocalZone(zone))
+        zone = nullptr;
     seconds = time.is_date ? WallToUnix(time.year, time.month, time.day, 0, 0, 0, nullptr)
                            : WallToUnix(time.year, time.month, time.day, time.hour, time.minute,
                                         std::min(time.second, 59), zone);
@@ -137,8 +145,8 @@ bool IcalTime::ToLocalDate(const icaltimetype& time, double& date) {
         return true;
     }
     // A local wall time stands as it is unless it falls into a gap.
-    const std::time_t seconds = WallToUnix(time.year, time.month, time.day, time.hour, time.minute,
-                                           std::min(time.second, 59), zone);
+    const std::time_t seconds =
+        WallToUnix(time.year, time.month, time.day, time.hour, time.minute, std::min(time.second, 59), zone);
     std::tm tm{};
     if (!localtime_r(&seconds, &tm)) return false;
     const DateTime local(tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday, tm.tm_hour, tm.tm_min, std::min(tm.tm_sec, 59));
@@ -162,7 +170,8 @@ icaltimetype IcalTime::FromLocalDate(double date, bool isDate, const icaltimezon
     t.second = st.wSecond;
     if (!zone) return t;
     // The local wall time, moved into the wanted zone.
-    const std::time_t seconds = WallToUnix(st.wYear, st.wMonth, st.wDay, st.wHour, st.wMinute, st.wSecond, nullptr);
+    const std::time_t seconds =
+        WallToUnix(st.wYear, st.wMonth, st.wDay, st.wHour, st.wMinute, st.wSecond, nullptr);
     return WallTimeIn(seconds, zone);
 }
 
@@ -170,7 +179,8 @@ icaltimetype IcalTime::WallTimeIn(std::time_t seconds, const icaltimezone* zone)
     icaltimetype t = icaltime_null_time();
     std::tm tm{};
     const std::time_t wall = seconds + (zone ? OffsetAt(seconds, zone) : 0);
-    if (zone ? !gmtime_r(&wall, &tm) : !localtime_r(&seconds, &tm)) return t;
+    if (zone ? !gmtime_r(&wall, &tm) : !localtime_r(&seconds, &tm))
+        return t;
     t.year = tm.tm_year + 1900;
     t.month = tm.tm_mon + 1;
     t.day = tm.tm_mday;

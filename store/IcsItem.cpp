@@ -54,7 +54,9 @@ icaltimetype PropertyTime(icalcomponent* component, icalproperty_kind kind) {
 // marked with this property.
 constexpr const char* kOutlookAllDay = "X-MICROSOFT-CDO-ALLDAYEVENT";
 
-bool IsMidnight(const icaltimetype& t) { return !t.is_date && t.hour == 0 && t.minute == 0 && t.second == 0; }
+bool IsMidnight(const icaltimetype& t) {
+    return !t.is_date && t.hour == 0 && t.minute == 0 && t.second == 0;
+}
 
 bool IsOutlookAllDay(icalcomponent* component) {
     bool marked = false;
@@ -64,7 +66,8 @@ bool IsOutlookAllDay(icalcomponent* component) {
         const char* value = icalproperty_get_x(p);
         marked = name && value && strcasecmp(name, kOutlookAllDay) == 0 && strcasecmp(value, "TRUE") == 0;
     }
-    if (!marked) return false;
+    if (!marked)
+        return false;
     const icaltimetype start = PropertyTime(component, ICAL_DTSTART_PROPERTY);
     const icaltimetype end = PropertyTime(component, ICAL_DTEND_PROPERTY);
     return IsMidnight(start) && (icaltime_is_null_time(end) || IsMidnight(end));
@@ -78,7 +81,9 @@ icaltimetype WallDate(icaltimetype t) {
     return t;
 }
 
-bool Has(const short* array) { return array[0] != ICAL_RECURRENCE_ARRAY_MAX; }
+bool Has(const short* array) {
+    return array[0] != ICAL_RECURRENCE_ARRAY_MAX;
+}
 
 bool HasByParts(const icalrecurrencetype& rule) {
     return Has(rule.by_second) || Has(rule.by_minute) || Has(rule.by_hour) || Has(rule.by_day) ||
@@ -95,23 +100,29 @@ bool IsSubDaily(const icalrecurrencetype& rule) {
 // rule never matches, and libical would search for a match until its last
 // year.
 bool NeverMatches(const icalrecurrencetype& rule) {
-    if (!Has(rule.by_month_day)) return false;
+    if (!Has(rule.by_month_day))
+        return false;
     int longest = 0;
     for (int i = 0; i < ICAL_BY_MONTH_SIZE && rule.by_month[i] != ICAL_RECURRENCE_ARRAY_MAX; ++i)
-        if (rule.by_month[i] >= 1 && rule.by_month[i] <= 12) longest = std::max(longest, DaysInMonth(2024, rule.by_month[i]));
-    if (!Has(rule.by_month)) longest = 31;
+        if (rule.by_month[i] >= 1 && rule.by_month[i] <= 12)
+            longest = std::max(longest, DaysInMonth(2024, rule.by_month[i]));
+    if (!Has(rule.by_month))
+        longest = 31;
     for (int i = 0; i < ICAL_BY_MONTHDAY_SIZE && rule.by_month_day[i] != ICAL_RECURRENCE_ARRAY_MAX; ++i)
-        if (std::abs(rule.by_month_day[i]) <= longest) return false;
+        if (std::abs(rule.by_month_day[i]) <= longest)
+            return false;
     return true;
 }
 
 // Weekdays counted past the end of their month or year ("-9SU" in a month).
 bool NoSuchWeekday(const icalrecurrencetype& rule) {
-    if (!Has(rule.by_day)) return false;
+    if (!Has(rule.by_day))
+        return false;
     const bool inMonth = rule.freq == ICAL_MONTHLY_RECURRENCE || Has(rule.by_month);
     const int most = inMonth ? 5 : 53;
     for (int i = 0; i < ICAL_BY_DAY_SIZE && rule.by_day[i] != ICAL_RECURRENCE_ARRAY_MAX; ++i)
-        if (std::abs(icalrecurrencetype_day_position(rule.by_day[i])) <= most) return false;
+        if (std::abs(icalrecurrencetype_day_position(rule.by_day[i])) <= most)
+            return false;
     return true;
 }
 
@@ -120,13 +131,17 @@ bool NoSuchWeekday(const icalrecurrencetype& rule) {
 // BYMONTH=2 on a secondly rule is 30 million steps to the next match. No
 // calendar writes such rules.
 bool TooCostlyToExpand(const icalrecurrencetype& rule) {
-    if (NeverMatches(rule) || NoSuchWeekday(rule)) return true;
-    return (rule.freq == ICAL_SECONDLY_RECURRENCE || rule.freq == ICAL_MINUTELY_RECURRENCE) && HasByParts(rule);
+    if (NeverMatches(rule) || NoSuchWeekday(rule))
+        return true;
+    return (rule.freq == ICAL_SECONDLY_RECURRENCE || rule.freq == ICAL_MINUTELY_RECURRENCE) &&
+           HasByParts(rule);
 }
 
 // Seconds of a fixed step of a rule without BY parts finer than a day.
 long FixedStepSeconds(const icalrecurrencetype& rule) {
-    const long unit = rule.freq == ICAL_SECONDLY_RECURRENCE ? 1 : rule.freq == ICAL_MINUTELY_RECURRENCE ? 60 : 3600;
+    const long unit = rule.freq == ICAL_SECONDLY_RECURRENCE   ? 1
+                      : rule.freq == ICAL_MINUTELY_RECURRENCE ? 60
+                                                              : 3600;
     return unit * std::max<long>(1, rule.interval);
 }
 
@@ -145,7 +160,8 @@ std::time_t WallSeconds(const icaltimetype& t) {
 icaltimetype WallTime(std::time_t seconds, const icaltimezone* zone) {
     std::tm tm{};
     icaltimetype t = icaltime_null_time();
-    if (!gmtime_r(&seconds, &tm)) return t;
+    if (!gmtime_r(&seconds, &tm))
+        return t;
     t.year = tm.tm_year + 1900;
     t.month = tm.tm_mon + 1;
     t.day = tm.tm_mday;
@@ -156,12 +172,15 @@ icaltimetype WallTime(std::time_t seconds, const icaltimezone* zone) {
     return t;
 }
 
-int DayNumber(const icaltimetype& t) { return t.year * 10000 + t.month * 100 + t.day; }
+int DayNumber(const icaltimetype& t) {
+    return t.year * 10000 + t.month * 100 + t.day;
+}
 
 } // namespace
 
 void IcsItem::Exclusions::Add(const icaltimetype& time) {
-    if (icaltime_is_null_time(time)) return;
+    if (icaltime_is_null_time(time))
+        return;
     days.push_back(DayNumber(time));
     if (time.is_date) {
         wholeDays.push_back(DayNumber(time));
@@ -178,10 +197,13 @@ void IcsItem::Exclusions::Sort() {
 
 bool IcsItem::Exclusions::Contains(const icaltimetype& occurrence) const {
     // A DATE on either side takes out the whole day; times match as instants.
-    if (occurrence.is_date) return std::binary_search(days.begin(), days.end(), DayNumber(occurrence));
-    if (std::binary_search(wholeDays.begin(), wholeDays.end(), DayNumber(occurrence))) return true;
+    if (occurrence.is_date)
+        return std::binary_search(days.begin(), days.end(), DayNumber(occurrence));
+    if (std::binary_search(wholeDays.begin(), wholeDays.end(), DayNumber(occurrence)))
+        return true;
     std::time_t instant = 0;
-    return IcalTime::ToUnix(occurrence, instant) && std::binary_search(instants.begin(), instants.end(), instant);
+    return IcalTime::ToUnix(occurrence, instant) &&
+           std::binary_search(instants.begin(), instants.end(), instant);
 }
 
 void IcsItem::PrepareSeries() {
@@ -197,9 +219,11 @@ void IcsItem::PrepareSeries() {
     for (icalproperty* p = icalcomponent_get_first_property(master_, ICAL_RDATE_PROPERTY); p;
          p = icalcomponent_get_next_property(master_, ICAL_RDATE_PROPERTY)) {
         icaltimetype t = icalproperty_get_datetime_with_component(p, master_);
-        if (wholeDays_ && !icaltime_is_null_time(t)) t = WallDate(t);
+        if (wholeDays_ && !icaltime_is_null_time(t))
+            t = WallDate(t);
         double local = 0.0;
-        if (!icaltime_is_null_time(t) && IcalTime::ToLocalDate(t, local)) extraDates_.emplace_back(local, t);
+        if (!icaltime_is_null_time(t) && IcalTime::ToLocalDate(t, local))
+            extraDates_.emplace_back(local, t);
     }
     std::stable_sort(extraDates_.begin(), extraDates_.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
@@ -208,11 +232,15 @@ void IcsItem::PrepareSeries() {
         // A cancelled occurrence stays, marked, for the views to strike through.
         PimRecord moved = record_;
         std::string ignored;
-        if (!ReadComponent(o, moved, ignored)) continue;
+        if (!ReadComponent(o, moved, ignored))
+            continue;
         // An override says only what changed; the rest comes from the series.
-        if (moved.subject.empty()) moved.subject = record_.subject;
-        if (moved.location.empty()) moved.location = record_.location;
-        if (moved.categories.empty()) moved.categories = record_.categories;
+        if (moved.subject.empty())
+            moved.subject = record_.subject;
+        if (moved.location.empty())
+            moved.location = record_.location;
+        if (moved.categories.empty())
+            moved.categories = record_.categories;
         moved.isRecurring = true;
         moved_.push_back(std::move(moved));
     }
@@ -229,7 +257,8 @@ bool IcsItem::ReadComponent(icalcomponent* component, PimRecord& record, std::st
         record.cancelled = icalcomponent_get_status(component) == ICAL_STATUS_CANCELLED;
     const bool wholeDays = kind_ == Kind::Event && IsOutlookAllDay(component);
     icaltimetype start = PropertyTime(component, ICAL_DTSTART_PROPERTY);
-    if (wholeDays) start = WallDate(start);
+    if (wholeDays)
+        start = WallDate(start);
     if (kind_ == Kind::Task) {
         record.itemKind = 3;
         double date = kNoDate;
@@ -250,7 +279,8 @@ bool IcsItem::ReadComponent(icalcomponent* component, PimRecord& record, std::st
     }
     record.allDay = start.is_date;
     icaltimetype end = PropertyTime(component, ICAL_DTEND_PROPERTY);
-    if (wholeDays && !icaltime_is_null_time(end)) end = WallDate(end);
+    if (wholeDays && !icaltime_is_null_time(end))
+        end = WallDate(end);
     double endDate = 0.0;
     if (!icaltime_is_null_time(end) && IcalTime::ToLocalDate(end, endDate) &&
         (endDate > record.start || (endDate == record.start && !record.allDay))) {
@@ -333,7 +363,8 @@ bool IcsItem::Parse(std::string_view text, std::string& problem) {
         struct icalrecurrencetype rule = icalproperty_get_rrule(rrule);
         if (series_ && TooCostlyToExpand(rule)) {
             ruleUsable_ = false;
-            Log::Warning("store: series %s: a rule finer than hourly with BY parts is not expanded", uid_.c_str());
+            Log::Warning("store: series %s: a rule finer than hourly with BY parts is not expanded",
+                         uid_.c_str());
         }
         if (!icaltime_is_null_time(rule.until)) {
             icaltimetype u = rule.until;
@@ -371,10 +402,12 @@ bool IcsItem::Parse(std::string_view text, std::string& problem) {
         }
         if (!rrule && seriesEnd_ == kNoDate) seriesEnd_ = record_.end;
     }
-    if (series_) PrepareSeries();
+    if (series_)
+        PrepareSeries();
     for (const PimRecord& moved : moved_) {
         longest_ = std::max(longest_, moved.end - moved.start);
-        if (seriesEnd_ != kNoDate) seriesEnd_ = std::max(seriesEnd_, moved.end);
+        if (seriesEnd_ != kNoDate)
+            seriesEnd_ = std::max(seriesEnd_, moved.end);
     }
     // A series of RDATEs alone ends with its last date.
     if (series_ && !rrule && !extraDates_.empty())
@@ -403,11 +436,15 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
         durationSeconds = static_cast<long>(endUnix - startUnix);
 
     auto add = [&](icaltimetype occurrence) {
-        if (wholeDays_ && !occurrence.is_date) occurrence = WallDate(occurrence);
-        if (excluded_.Contains(occurrence)) return;
+        if (wholeDays_ && !occurrence.is_date)
+            occurrence = WallDate(occurrence);
+        if (excluded_.Contains(occurrence))
+            return;
         PimRecord record = record_;
-        if (!IcalTime::ToLocalDate(occurrence, record.start)) return;
-        if (record.start < from || record.start >= before) return;
+        if (!IcalTime::ToLocalDate(occurrence, record.start))
+            return;
+        if (record.start < from || record.start >= before)
+            return;
         if (record_.allDay || occurrence.is_date) {
             record.end = (DateTime(record.start) + DateTimeSpan(durationDays)).ToDate();
         } else {
@@ -425,7 +462,8 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
         occurrences.push_back(std::move(record));
     };
 
-    icalproperty* rrule = ruleUsable_ ? icalcomponent_get_first_property(master_, ICAL_RRULE_PROPERTY) : nullptr;
+    icalproperty* rrule =
+        ruleUsable_ ? icalcomponent_get_first_property(master_, ICAL_RRULE_PROPERTY) : nullptr;
     if (rrule) {
         struct icalrecurrencetype rule = icalproperty_get_rrule(rrule);
         // The rule counts in wall times of the series' zone: it is iterated on
@@ -435,7 +473,8 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
         icaltimetype wallStart = dtstart;
         wallStart.zone = nullptr;
         // INTERVAL=0 is not a valid rule; read it as the default, every time.
-        if (rule.interval < 1) rule.interval = 1;
+        if (rule.interval < 1)
+            rule.interval = 1;
         if (!icaltime_is_null_time(rule.until) && !rule.until.is_date) {
             icaltimezone* wallZone = zone ? const_cast<icaltimezone*>(zone) : IcalTime::LocalZone();
             const icaltimezone* untilZone = icaltime_get_timezone(rule.until);
@@ -443,12 +482,14 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
             if (untilZone && wallZone && untilZone != wallZone && IcalTime::ToUnix(rule.until, untilInstant))
                 rule.until = IcalTime::WallTimeIn(untilInstant, wallZone);
             rule.until.zone = nullptr;
-            if (wallStart.is_date) rule.until = WallDate(rule.until);
+            if (wallStart.is_date)
+                rule.until = WallDate(rule.until);
         }
         // Nothing past the window is wanted, and a rule whose BY parts never
         // match (the 30th of February) would be stepped through to libical's
         // last year.
-        icaltimetype windowEnd = IcalTime::FromLocalDate(before + kIteratorMarginDays, wallStart.is_date, zone);
+        icaltimetype windowEnd =
+            IcalTime::FromLocalDate(before + kIteratorMarginDays, wallStart.is_date, zone);
         windowEnd.zone = nullptr;
         if (!icaltime_is_null_time(windowEnd) &&
             (icaltime_is_null_time(rule.until) || icaltime_compare(windowEnd, rule.until) < 0))
@@ -463,13 +504,16 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
             }
             occurrence.zone = wallStart.is_date ? nullptr : zone;
             double local = 0.0;
-            if (!IcalTime::ToLocalDate(occurrence, local) || local >= before) return false;
+            if (!IcalTime::ToLocalDate(occurrence, local) || local >= before)
+                return false;
             // A time moved out of a gap can meet the next one (hourly rules).
-            if (local == previous) return true;
+            if (local == previous)
+                return true;
             previous = local;
             const std::size_t size = occurrences.size();
             add(occurrence);
-            if (occurrences.size() != size) ++produced;
+            if (occurrences.size() != size)
+                ++produced;
             return true;
         };
         // Rules without COUNT can start near the window instead of at DTSTART.
@@ -481,17 +525,20 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
             // a counted rule from DTSTART.
             const long step = FixedStepSeconds(rule);
             const std::time_t first = WallSeconds(wallStart);
-            const std::time_t last = icaltime_is_null_time(rule.until) ? std::numeric_limits<std::time_t>::max()
-                                                                       : WallSeconds(rule.until);
+            const std::time_t last = icaltime_is_null_time(rule.until)
+                                         ? std::numeric_limits<std::time_t>::max()
+                                         : WallSeconds(rule.until);
             const long long count = rule.count > 0 ? rule.count : std::numeric_limits<long long>::max();
             long long k = 0;
             if (jumpTo > record_.start) {
                 const icaltimetype start = IcalTime::FromLocalDate(jumpTo, false, zone);
-                if (!icaltime_is_null_time(start)) k = std::max<long long>(0, (WallSeconds(start) - first) / step);
+                if (!icaltime_is_null_time(start))
+                    k = std::max<long long>(0, (WallSeconds(start) - first) / step);
             }
             for (; k < count; ++k) {
                 const std::time_t wall = first + static_cast<std::time_t>(k) * step;
-                if (wall > last || !consider(WallTime(wall, nullptr))) break;
+                if (wall > last || !consider(WallTime(wall, nullptr)))
+                    break;
             }
         } else if (IcalRecurIteratorPtr iterator{icalrecur_iterator_new(rule, wallStart)}) {
             if (rule.count <= 0 && jumpTo > record_.start) {
@@ -501,22 +548,26 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
             }
             for (;;) {
                 const icaltimetype occurrence = icalrecur_iterator_next(iterator.get());
-                if (icaltime_is_null_time(occurrence) || !consider(occurrence)) break;
+                if (icaltime_is_null_time(occurrence) || !consider(occurrence))
+                    break;
             }
         }
     }
     auto firstExtra = std::lower_bound(extraDates_.begin(), extraDates_.end(), from,
                                        [](const auto& extra, double start) { return extra.first < start; });
-    for (auto it = firstExtra; it != extraDates_.end() && it->first < before; ++it) add(it->second);
+    for (auto it = firstExtra; it != extraDates_.end() && it->first < before; ++it)
+        add(it->second);
     // A plain DTSTART counts as an occurrence even when the rule skips it.
     bool startListed = false;
     for (std::size_t i = firstNew; i < occurrences.size(); ++i)
         if (occurrences[i].start == record_.start) startListed = true;
     if (!startListed) add(dtstart);
 
-    auto firstMoved = std::lower_bound(moved_.begin(), moved_.end(), from,
-                                       [](const PimRecord& moved, double start) { return moved.start < start; });
-    for (auto it = firstMoved; it != moved_.end() && it->start < before; ++it) occurrences.push_back(*it);
+    auto firstMoved =
+        std::lower_bound(moved_.begin(), moved_.end(), from,
+                         [](const PimRecord& moved, double start) { return moved.start < start; });
+    for (auto it = firstMoved; it != moved_.end() && it->start < before; ++it)
+        occurrences.push_back(*it);
     std::stable_sort(occurrences.begin() + static_cast<std::ptrdiff_t>(firstNew), occurrences.end(),
                      [](const PimRecord& a, const PimRecord& b) { return a.start < b.start; });
 }

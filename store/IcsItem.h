@@ -67,14 +67,14 @@ private:
     std::string uid_;
     PimRecord record_;
     bool series_ = false;
-    bool wholeDays_ = false;  // Outlook's midnight-to-midnight all-day event
-    bool ruleUsable_ = true;  // false: the RRULE is too costly to expand
+    bool wholeDays_ = false; // Outlook's midnight-to-midnight all-day event
+    bool ruleUsable_ = true; // false: the RRULE is too costly to expand
     bool unrelated_ = false;
     double seriesEnd_ = kNoDate;
     double longest_ = 0.0;
     Exclusions excluded_;
     std::vector<std::pair<double, icaltimetype>> extraDates_; // RDATEs by local start
-    std::vector<PimRecord> moved_;                             // overrides by start
+    std::vector<PimRecord> moved_;                            // overrides by start
 };
 
 } // namespace mirodate

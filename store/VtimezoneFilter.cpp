@@ -18,10 +18,13 @@ bool TameZone(icalcomponent* zone, int& dropped) {
     int observances = 0, dates = 0, ruleYears = 0;
     for (icalcomponent* o = icalcomponent_get_first_component(zone, ICAL_ANY_COMPONENT); o;
          o = icalcomponent_get_next_component(zone, ICAL_ANY_COMPONENT)) {
-        if (!IsObservance(o)) continue;
-        if (++observances > VtimezoneFilter::kMaxObservances) return false;
+        if (!IsObservance(o))
+            continue;
+        if (++observances > VtimezoneFilter::kMaxObservances)
+            return false;
         dates += icalcomponent_count_properties(o, ICAL_RDATE_PROPERTY);
-        if (dates > VtimezoneFilter::kMaxDates) return false;
+        if (dates > VtimezoneFilter::kMaxDates)
+            return false;
         // One yearly rule per observance is all a real zone uses. (Asking for
         // DTSTART inside the walk over the rules would restart the walk.)
         const int from = icalcomponent_get_dtstart(o).year;
@@ -33,7 +36,8 @@ bool TameZone(icalcomponent* zone, int& dropped) {
             if (!keptYearly && rule.freq == ICAL_YEARLY_RECURRENCE && rule.interval >= 1) {
                 keptYearly = true;
                 ruleYears += std::max(0, VtimezoneFilter::kHorizonYear - from) / rule.interval;
-                if (ruleYears > VtimezoneFilter::kMaxRuleYears) return false;
+                if (ruleYears > VtimezoneFilter::kMaxRuleYears)
+                    return false;
                 continue;
             }
             rules.push_back(p);
@@ -50,10 +54,12 @@ bool TameZone(icalcomponent* zone, int& dropped) {
 } // namespace
 
 int VtimezoneFilter::Apply(icalcomponent* root) {
-    if (!root) return 0;
+    if (!root)
+        return 0;
     int dropped = 0;
     std::vector<icalcomponent*> zones, doomed;
-    if (icalcomponent_isa(root) == ICAL_VTIMEZONE_COMPONENT) zones.push_back(root);
+    if (icalcomponent_isa(root) == ICAL_VTIMEZONE_COMPONENT)
+        zones.push_back(root);
     for (icalcomponent* c = icalcomponent_get_first_component(root, ICAL_ANY_COMPONENT); c;
          c = icalcomponent_get_next_component(root, ICAL_ANY_COMPONENT)) {
         const icalcomponent_kind kind = icalcomponent_isa(c);
@@ -67,7 +73,8 @@ int VtimezoneFilter::Apply(icalcomponent* root) {
         }
     }
     for (icalcomponent* zone : zones)
-        if (!TameZone(zone, dropped) && zone != root) doomed.push_back(zone);
+        if (!TameZone(zone, dropped) && zone != root)
+            doomed.push_back(zone);
     for (icalcomponent* zone : doomed) {
         icalcomponent_remove_component(icalcomponent_get_parent(zone), zone);
         icalcomponent_free(zone);

@@ -24,7 +24,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     IcsItem item;
     std::string problem;
-    if (!item.Parse(text, problem)) return 0;
+    if (!item.Parse(text, problem))
+        return 0;
     std::vector<PimRecord> occurrences;
     const PimRecord& record = item.GetRecord();
     const DateTime start(record.start);

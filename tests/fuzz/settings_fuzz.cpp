@@ -56,6 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // A value with every character that needs escaping survives a round trip.
     const std::u16string value = u"a\\b\r\nc=d\u00e9";
     Settings::SetText("FuzzValue", value);
-    if (Settings::GetText("FuzzValue", u"") != value) abort();
+    if (Settings::GetText("FuzzValue", u"") != value)
+        abort();
     return 0;
 }

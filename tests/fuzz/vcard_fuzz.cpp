@@ -18,11 +18,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     PimRecord record;
     std::string problem;
-    if (!VcardReader::Read(text, record, problem)) return 0;
+    if (!VcardReader::Read(text, record, problem))
+        return 0;
     PimRecord again;
-    if (!VcardReader::Read(IcsWriter::NewContact(record, "fuzz-uid"), again, problem)) abort();
+    if (!VcardReader::Read(IcsWriter::NewContact(record, "fuzz-uid"), again, problem))
+        abort();
     if (again.birthday != record.birthday || again.anniversary != record.anniversary ||
-        again.birthdayHasYear != record.birthdayHasYear || again.anniversaryHasYear != record.anniversaryHasYear)
+        again.birthdayHasYear != record.birthdayHasYear ||
+        again.anniversaryHasYear != record.anniversaryHasYear)
         abort();
     return 0;
 }

@@ -13,14 +13,16 @@ namespace {
 using Result = InstanceFrameReader::Result;
 
 TEST(InstanceFrameReader, FramesArriveInAnyPieces) {
-    const std::string stream = instance::EncodeFrame('W', "MirodateMain\nMirodate") + instance::EncodeFrame('B', "") +
+    const std::string stream = instance::EncodeFrame('W', "MirodateMain\nMirodate") +
+                               instance::EncodeFrame('B', "") +
                                instance::EncodeFrame('C', std::string("\0\0\0\0x\0", 6));
     for (std::size_t piece : {std::size_t{1}, std::size_t{3}, std::size_t{7}, stream.size()}) {
         InstanceFrameReader reader;
         std::vector<InstanceFrameReader::Frame> frames;
         for (std::size_t at = 0; at < stream.size(); at += piece) {
             reader.Append(stream.data() + at, std::min(piece, stream.size() - at));
-            for (InstanceFrameReader::Frame frame; reader.Next(frame) == Result::Frame;) frames.push_back(frame);
+            for (InstanceFrameReader::Frame frame; reader.Next(frame) == Result::Frame;)
+                frames.push_back(frame);
         }
         ASSERT_EQ(frames.size(), 3u) << "pieces of " << piece;
         EXPECT_EQ(frames[0].type, 'W');

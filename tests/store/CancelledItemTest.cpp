@@ -22,7 +22,8 @@ protected:
         store_.GetDayAppointments(2026, 3, day, items);
         store_.GetDayTasks(2026, 3, day, items);
         std::vector<std::pair<std::u16string, bool>> out;
-        for (const PimItem& item : items) out.emplace_back(item.subject, item.isCancelled);
+        for (const PimItem& item : items)
+            out.emplace_back(item.subject, item.isCancelled);
         return out;
     }
     PimStore store_;
@@ -31,13 +32,15 @@ protected:
 using Marks = std::vector<std::pair<std::u16string, bool>>;
 
 TEST_F(CancelledItemTest, CancelledItemsAreMarkedInTheStoreAndTheList) {
-    WriteFile("calendar/a.ics", Event("a", "SUMMARY:Concert\r\nSTATUS:CANCELLED\r\nDTSTART:20260310T200000\r\n"
-                                           "DTEND:20260310T220000\r\n"));
-    WriteFile("calendar/b.ics", Event("b", "SUMMARY:Dentist\r\nSTATUS:CONFIRMED\r\nDTSTART:20260310T090000\r\n"
-                                           "DTEND:20260310T100000\r\n"));
-    WriteFile("calendar/c.ics",
-              Event("c", "SUMMARY:Yoga\r\nDTSTART:20260302T180000\r\nDTEND:20260302T190000\r\nRRULE:FREQ=WEEKLY;COUNT=3\r\n") +
-                  "");
+    WriteFile("calendar/a.ics",
+              Event("a", "SUMMARY:Concert\r\nSTATUS:CANCELLED\r\nDTSTART:20260310T200000\r\n"
+                         "DTEND:20260310T220000\r\n"));
+    WriteFile("calendar/b.ics",
+              Event("b", "SUMMARY:Dentist\r\nSTATUS:CONFIRMED\r\nDTSTART:20260310T090000\r\n"
+                         "DTEND:20260310T100000\r\n"));
+    WriteFile("calendar/c.ics", Event("c", "SUMMARY:Yoga\r\nDTSTART:20260302T180000\r\nDTEND:"
+                                           "20260302T190000\r\nRRULE:FREQ=WEEKLY;COUNT=3\r\n") +
+                                    "");
     // One occurrence of the series cancelled by an override.
     std::string series = ReadFile("calendar/c.ics");
     series.insert(series.find("END:VCALENDAR"), "BEGIN:VEVENT\r\nUID:c\r\nRECURRENCE-ID:20260309T180000\r\n"
@@ -49,7 +52,8 @@ TEST_F(CancelledItemTest, CancelledItemsAreMarkedInTheStoreAndTheList) {
     // Once from the files, once from the index they left.
     for (int start = 0; start < 2; ++start) {
         ASSERT_TRUE(store_.Open(OpenSource()));
-        EXPECT_EQ(Day(10), (Marks{{u"Dentist", false}, {u"Concert", true}, {u"Visa", true}})) << "start " << start;
+        EXPECT_EQ(Day(10), (Marks{{u"Dentist", false}, {u"Concert", true}, {u"Visa", true}}))
+            << "start " << start;
         EXPECT_EQ(Day(9), (Marks{{u"Yoga", true}})) << "start " << start;
         EXPECT_EQ(Day(16), (Marks{{u"Yoga", false}})) << "start " << start;
         store_.Close();
@@ -64,7 +68,8 @@ TEST_F(CancelledItemTest, CancelledItemsAreMarkedInTheStoreAndTheList) {
         ASSERT_NE(pipe, nullptr);
         std::string out;
         char buffer[4096];
-        for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) out.append(buffer, n);
+        for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+            out.append(buffer, n);
         pclose(pipe);
         EXPECT_EQ(out, "2026-03-09 18:00-19:00 cancelled Yoga\n"
                        "2026-03-10 09:00-10:00 Dentist\n"

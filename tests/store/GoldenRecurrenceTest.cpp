@@ -25,12 +25,14 @@
 namespace mirodate {
 namespace {
 
-const std::filesystem::path kGoldenDir = std::filesystem::path(MIRODATE_SOURCE_DIR) / "tests" / "store" / "golden";
+const std::filesystem::path kGoldenDir =
+    std::filesystem::path(MIRODATE_SOURCE_DIR) / "tests" / "store" / "golden";
 
 std::vector<std::string> GoldenNames() {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(kGoldenDir))
-        if (entry.path().extension() == ".ics") names.push_back(entry.path().stem().string());
+        if (entry.path().extension() == ".ics")
+            names.push_back(entry.path().stem().string());
     std::sort(names.begin(), names.end());
     return names;
 }
@@ -44,7 +46,8 @@ std::string ReadText(const std::filesystem::path& path) {
 
 bool ParseDay(const std::string& text, DateTime& day) {
     int y = 0, m = 0, d = 0;
-    if (std::sscanf(text.c_str(), "%d-%d-%d", &y, &m, &d) != 3) return false;
+    if (std::sscanf(text.c_str(), "%d-%d-%d", &y, &m, &d) != 3)
+        return false;
     day = DateTime(y, m, d);
     return day.IsValid();
 }
@@ -53,11 +56,13 @@ std::string Describe(const PimRecord& r) {
     const DateTime start(r.start), end(r.end);
     char line[96];
     std::snprintf(line, sizeof line, "%04d-%02d-%02d %02d:%02d - %04d-%02d-%02d %02d:%02d", start.GetYear(),
-                  start.GetMonth(), start.GetDay(), start.GetHour(), start.GetMinute(), end.GetYear(), end.GetMonth(),
-                  end.GetDay(), end.GetHour(), end.GetMinute());
+                  start.GetMonth(), start.GetDay(), start.GetHour(), start.GetMinute(), end.GetYear(),
+                  end.GetMonth(), end.GetDay(), end.GetHour(), end.GetMinute());
     std::string text = line;
-    if (r.allDay) text += " allday";
-    if (r.cancelled) text += " cancelled";
+    if (r.allDay)
+        text += " allday";
+    if (r.cancelled)
+        text += " cancelled";
     return text;
 }
 
@@ -77,8 +82,10 @@ TEST_P(GoldenRecurrence, MatchesTheExpectedOccurrences) {
     bool haveWindow = false;
     std::vector<std::string> expected;
     for (std::string line; std::getline(expectedFile, line);) {
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        if (line.empty() || line[0] == '#') continue;
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
+        if (line.empty() || line[0] == '#')
+            continue;
         if (line.rfind("zone ", 0) == 0) {
             zone = line.substr(5);
         } else if (line.rfind("window ", 0) == 0) {
@@ -98,14 +105,17 @@ TEST_P(GoldenRecurrence, MatchesTheExpectedOccurrences) {
     std::vector<PimRecord> occurrences;
     item.Expand(first.ToDate(), (last + DateTimeSpan(1.0)).ToDate(), occurrences);
     std::vector<std::string> got;
-    for (const PimRecord& r : occurrences) got.push_back(Describe(r));
+    for (const PimRecord& r : occurrences)
+        got.push_back(Describe(r));
     EXPECT_EQ(got, expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, GoldenRecurrence, ::testing::ValuesIn(GoldenNames()),
                          [](const ::testing::TestParamInfo<std::string>& info) {
                              std::string name = info.param;
-                             std::replace_if(name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
+                             std::replace_if(
+                                 name.begin(), name.end(),
+                                 [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
                              return name;
                          });
 

@@ -37,49 +37,70 @@ protected:
         return "BEGIN:VTIMEZONE\r\nTZID:" + tzid + "\r\n" + observances + "END:VTIMEZONE\r\n";
     }
     static std::string Observance(const std::string& extra) {
-        return "BEGIN:STANDARD\r\nDTSTART:16010101T020000\r\nTZOFFSETFROM:-0400\r\nTZOFFSETTO:-0500\r\n" + extra +
-               "END:STANDARD\r\n";
+        return "BEGIN:STANDARD\r\nDTSTART:16010101T020000\r\nTZOFFSETFROM:-0400\r\nTZOFFSETTO:-0500\r\n" +
+               extra + "END:STANDARD\r\n";
     }
 
     void WriteHostileFiles() {
-        WriteFile("calendar/normal.ics", Event("normal", "SUMMARY:Dentist\r\nDTSTART:20260310T090000\r\nDTEND:20260310T100000\r\n"));
-        WriteFile("calendar/secondly.ics",
-                  Event("secondly", "SUMMARY:Secondly\r\nDTSTART:20260301T000000Z\r\nRRULE:FREQ=SECONDLY;COUNT=2000000000\r\n"));
+        WriteFile("calendar/normal.ics",
+                  Event("normal", "SUMMARY:Dentist\r\nDTSTART:20260310T090000\r\nDTEND:20260310T100000\r\n"));
+        WriteFile(
+            "calendar/secondly.ics",
+            Event(
+                "secondly",
+                "SUMMARY:Secondly\r\nDTSTART:20260301T000000Z\r\nRRULE:FREQ=SECONDLY;COUNT=2000000000\r\n"));
         WriteFile("calendar/secondly-old.ics",
-                  Event("secondly-old", "SUMMARY:Secondly old\r\nDTSTART:19700101T000000Z\r\nRRULE:FREQ=SECONDLY;COUNT=2000000000\r\n"));
+                  Event("secondly-old",
+                        "SUMMARY:Secondly "
+                        "old\r\nDTSTART:19700101T000000Z\r\nRRULE:FREQ=SECONDLY;COUNT=2000000000\r\n"));
         WriteFile("calendar/secondly-filtered.ics",
-                  Event("secondly-filtered", "SUMMARY:Secondly in February\r\nDTSTART:20260301T000000Z\r\nRRULE:FREQ=SECONDLY;BYMONTH=2\r\n"));
+                  Event("secondly-filtered",
+                        "SUMMARY:Secondly in "
+                        "February\r\nDTSTART:20260301T000000Z\r\nRRULE:FREQ=SECONDLY;BYMONTH=2\r\n"));
         WriteFile("calendar/february-30.ics",
-                  Event("february-30", "SUMMARY:Never\r\nDTSTART:19700101T090000\r\nRRULE:FREQ=DAILY;COUNT=5;BYMONTH=2;BYMONTHDAY=30\r\n"));
-        WriteFile("calendar/interval-0.ics",
-                  Event("interval-0", "SUMMARY:Interval zero\r\nDTSTART:20260302T080000\r\nRRULE:FREQ=DAILY;INTERVAL=0\r\n"));
+                  Event("february-30", "SUMMARY:Never\r\nDTSTART:19700101T090000\r\nRRULE:FREQ=DAILY;COUNT=5;"
+                                       "BYMONTH=2;BYMONTHDAY=30\r\n"));
+        WriteFile(
+            "calendar/interval-0.ics",
+            Event("interval-0",
+                  "SUMMARY:Interval zero\r\nDTSTART:20260302T080000\r\nRRULE:FREQ=DAILY;INTERVAL=0\r\n"));
         std::string exdates, rdates;
         for (int i = 0; i < 100000; ++i) {
             exdates += "EXDATE:" + Day(i) + "T090000Z\r\n";
             rdates += "RDATE:" + Day(i) + "T120000Z\r\n";
         }
-        WriteFile("calendar/exdates.ics",
-                  Event("exdates", "SUMMARY:Many exdates\r\nDTSTART:19000101T090000Z\r\nRRULE:FREQ=DAILY\r\n" + exdates));
-        WriteFile("calendar/rdates.ics", Event("rdates", "SUMMARY:Many rdates\r\nDTSTART:19000101T120000Z\r\n" + rdates));
+        WriteFile(
+            "calendar/exdates.ics",
+            Event("exdates",
+                  "SUMMARY:Many exdates\r\nDTSTART:19000101T090000Z\r\nRRULE:FREQ=DAILY\r\n" + exdates));
+        WriteFile("calendar/rdates.ics",
+                  Event("rdates", "SUMMARY:Many rdates\r\nDTSTART:19000101T120000Z\r\n" + rdates));
         std::string nested;
-        for (int i = 0; i < 10000; ++i) nested += "BEGIN:VALARM\r\n";
-        nested += "ACTION:DISPLAY\r\n";
-        for (int i = 0; i < 10000; ++i) nested += "END:VALARM\r\n";
-        WriteFile("calendar/nested.ics", Event("nested", "SUMMARY:Nested\r\nDTSTART:20260311T090000\r\n" + nested));
-        std::string overrides = "BEGIN:VEVENT\r\nUID:overrides\r\nSUMMARY:Daily\r\nDTSTART:20000101T090000Z\r\n"
-                                "RRULE:FREQ=DAILY\r\nEND:VEVENT\r\n";
         for (int i = 0; i < 10000; ++i)
-            overrides += "BEGIN:VEVENT\r\nUID:overrides\r\nRECURRENCE-ID:" + Day(i + 100 * 336) + "T090000Z\r\nDTSTART:" +
-                         Day(i + 100 * 336) + "T100000Z\r\nEND:VEVENT\r\n";
+            nested += "BEGIN:VALARM\r\n";
+        nested += "ACTION:DISPLAY\r\n";
+        for (int i = 0; i < 10000; ++i)
+            nested += "END:VALARM\r\n";
+        WriteFile("calendar/nested.ics",
+                  Event("nested", "SUMMARY:Nested\r\nDTSTART:20260311T090000\r\n" + nested));
+        std::string overrides =
+            "BEGIN:VEVENT\r\nUID:overrides\r\nSUMMARY:Daily\r\nDTSTART:20000101T090000Z\r\n"
+            "RRULE:FREQ=DAILY\r\nEND:VEVENT\r\n";
+        for (int i = 0; i < 10000; ++i)
+            overrides += "BEGIN:VEVENT\r\nUID:overrides\r\nRECURRENCE-ID:" + Day(i + 100 * 336) +
+                         "T090000Z\r\nDTSTART:" + Day(i + 100 * 336) + "T100000Z\r\nEND:VEVENT\r\n";
         WriteFile("calendar/overrides.ics", Calendar(overrides));
         WriteFile("calendar/zone-secondly.ics",
                   Calendar(Zone("Bad", Observance("RRULE:FREQ=SECONDLY\r\n")) +
-                           "BEGIN:VEVENT\r\nUID:zone-secondly\r\nSUMMARY:Bad zone\r\nDTSTART;TZID=Bad:20260312T090000\r\nEND:VEVENT\r\n"));
+                           "BEGIN:VEVENT\r\nUID:zone-secondly\r\nSUMMARY:Bad "
+                           "zone\r\nDTSTART;TZID=Bad:20260312T090000\r\nEND:VEVENT\r\n"));
         std::string many;
-        for (int i = 0; i < 10000; ++i) many += Observance("RRULE:FREQ=YEARLY;BYMONTH=11;BYDAY=1SU\r\n");
+        for (int i = 0; i < 10000; ++i)
+            many += Observance("RRULE:FREQ=YEARLY;BYMONTH=11;BYDAY=1SU\r\n");
         WriteFile("calendar/zone-many.ics",
                   Calendar(Zone("Many", many) +
-                           "BEGIN:VEVENT\r\nUID:zone-many\r\nSUMMARY:Many observances\r\nDTSTART;TZID=Many:20260313T090000\r\nEND:VEVENT\r\n"));
+                           "BEGIN:VEVENT\r\nUID:zone-many\r\nSUMMARY:Many "
+                           "observances\r\nDTSTART;TZID=Many:20260313T090000\r\nEND:VEVENT\r\n"));
     }
 
     struct Stamp {
@@ -91,10 +112,11 @@ protected:
     std::map<std::string, Stamp> Stamps() const {
         std::map<std::string, Stamp> stamps;
         for (const auto& entry : std::filesystem::directory_iterator(dir_ / "vdir" / "calendar")) {
-            struct stat st{};
+            struct stat st {};
             stat(entry.path().c_str(), &st);
             const std::string name = "calendar/" + entry.path().filename().string();
-            stamps[name] = {st.st_size, st.st_mtim.tv_sec * 1000000000LL + st.st_mtim.tv_nsec, ReadFile(name)};
+            stamps[name] = {st.st_size, st.st_mtim.tv_sec * 1000000000LL + st.st_mtim.tv_nsec,
+                            ReadFile(name)};
         }
         return stamps;
     }
@@ -110,13 +132,15 @@ TEST_F(HostileStoreTest, QueriesAreBoundedListedAndNothingIsRewritten) {
     std::vector<PimItem> items;
     store_.GetDayAppointments(2026, 3, 10, items);
     std::vector<std::u16string> subjects;
-    for (const PimItem& item : items) subjects.push_back(item.subject);
+    for (const PimItem& item : items)
+        subjects.push_back(item.subject);
     EXPECT_NE(std::find(subjects.begin(), subjects.end(), u"Dentist"), subjects.end());
     // Every hostile item is still there, bounded.
     std::map<std::u16string, int> perSubject;
     items.clear();
     ASSERT_TRUE(store_.QueryAppointments(2026, 3, 1, 2026, 3, 31, items));
-    for (const PimItem& item : items) ++perSubject[item.subject];
+    for (const PimItem& item : items)
+        ++perSubject[item.subject];
     EXPECT_EQ(perSubject[u"Dentist"], 1);
     EXPECT_EQ(perSubject[u"Secondly"], IcsItem::kMaxOccurrences);
     EXPECT_EQ(perSubject[u"Secondly old"], IcsItem::kMaxOccurrences);
@@ -144,7 +168,8 @@ TEST_F(HostileStoreTest, QueriesAreBoundedListedAndNothingIsRewritten) {
         ASSERT_NE(pipe, nullptr);
         std::string out;
         char buffer[65536];
-        for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) out.append(buffer, n);
+        for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+            out.append(buffer, n);
         const int status = pclose(pipe);
         EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
         EXPECT_NE(out.find("2026-03-10 09:00-10:00 Dentist\n"), std::string::npos);

@@ -30,14 +30,17 @@ protected:
     // every other time. Never returns.
     [[noreturn]] void SaveForever(int round) {
         VdirSource source(Root());
-        if (!source.Logon()) _exit(2);
+        if (!source.Logon())
+            _exit(2);
         const std::int32_t oid = VdirSource::HashUid("series");
         for (int i = 0;; ++i) {
             PimRecord record;
-            if (!source.GetItemFromOid(oid, record)) _exit(3);
+            if (!source.GetItemFromOid(oid, record))
+                _exit(3);
             record.subject = Utf8ToUtf16(Version(round, i));
             record.location = u"Room " + Utf8ToUtf16(std::to_string(i % 7));
-            if (source.Save(record, kFolderCalendar) != SaveResult::Saved) _exit(4);
+            if (source.Save(record, kFolderCalendar) != SaveResult::Saved)
+                _exit(4);
             if (i % 2 == 1) {
                 PimRecord moved = record;
                 moved.start = (DateTime(2026, 3, 9 + 7 * (i % 4), 19, 0, 0)).ToDate();
@@ -60,7 +63,8 @@ protected:
             for (const auto& entry : std::filesystem::directory_iterator(dir_ / "vdir" / folder)) {
                 const std::string name = entry.path().filename().string();
                 const bool item = name[0] != '.' && (name.ends_with(".ics") || name.ends_with(".vcf"));
-                if (item) names.insert(std::string(folder) + "/" + name);
+                if (item)
+                    names.insert(std::string(folder) + "/" + name);
             }
         return names;
     }
@@ -83,13 +87,14 @@ TEST_F(PowerLossTest, EveryFileHoldsOneWholeVersionAfterAKill) {
         std::fflush(nullptr);
         const pid_t child = fork();
         ASSERT_GE(child, 0);
-        if (child == 0) SaveForever(round);
+        if (child == 0)
+            SaveForever(round);
         usleep(static_cast<useconds_t>(delay(random)));
         kill(child, SIGKILL);
         int status = 0;
         ASSERT_EQ(waitpid(child, &status, 0), child);
-        ASSERT_TRUE(WIFSIGNALED(status)) << "round " << round << ": the saving child stopped by itself, status "
-                                         << status;
+        ASSERT_TRUE(WIFSIGNALED(status))
+            << "round " << round << ": the saving child stopped by itself, status " << status;
 
         ASSERT_EQ(ItemNames(), items) << "round " << round;
         const std::string text = ReadFile("calendar/series.ics");
@@ -102,7 +107,8 @@ TEST_F(PowerLossTest, EveryFileHoldsOneWholeVersionAfterAKill) {
         const std::string version = Utf16ToUtf8(parsed.GetRecord().subject);
         ASSERT_EQ(version.size(), lastVersion.size()) << "round " << round << ": " << version;
         ASSERT_GE(version, lastVersion) << "round " << round << ": an older version came back";
-        if (version != lastVersion) ++roundsThatSaved;
+        if (version != lastVersion)
+            ++roundsThatSaved;
         lastVersion = version;
         // The files nobody saved are untouched.
         ASSERT_EQ(ReadFile("calendar/single.ics"), single);
