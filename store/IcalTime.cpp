@@ -144,9 +144,24 @@ bool IcalTime::ToLocalDate(const icaltimetype& time, double& date) {
         date = DateTime(time.year, time.month, time.day).ToDate();
         return true;
     }
-    // A local wall time stands as it is unless it falls into a gap.
-    const std::time_t seconds =
-        WallToUnix(time.year, time.month, time.day, time.hour, time.minute, std::min(time.second, 59), zone);
+    const int second = std::min(time.second, 59);
+    if (!zone) {
+        // A local wall time stands as it is unless a change of the clock is
+        // near, which it might fall into.
+        std::tm fields{};
+        fields.tm_year = time.year - 1900;
+        fields.tm_mon = time.month - 1;
+        fields.tm_mday = time.day;
+        fields.tm_hour = time.hour;
+        fields.tm_min = time.minute;
+        fields.tm_sec = second;
+        const std::time_t wall = timegm(&fields);
+        if (OffsetAt(wall - kSecondsPerDay, nullptr) == OffsetAt(wall + kSecondsPerDay, nullptr)) {
+            date = DateTime(time.year, time.month, time.day, time.hour, time.minute, second).ToDate();
+            return true;
+        }
+    }
+    const std::time_t seconds = WallToUnix(time.year, time.month, time.day, time.hour, time.minute, second, zone);
     std::tm tm{};
     if (!localtime_r(&seconds, &tm)) return false;
     const DateTime local(tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday, tm.tm_hour, tm.tm_min, std::min(tm.tm_sec, 59));
