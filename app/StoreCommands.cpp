@@ -49,6 +49,8 @@ void AppendLine(std::string& out, const DateTime& day, const PimItem& item) {
                       item.end.wHour, item.end.wMinute);
         out += times;
     }
+    if (item.isCancelled)
+        out += "cancelled ";
     // One line per item, whatever the subject holds.
     std::string subject = Utf16ToUtf8(item.subject);
     for (char& c : subject)

@@ -27,10 +27,11 @@ void PimItem::SetTaskDates(double startDateDate, double dueDateDate) {
 bool operator==(const PimItem& a, const PimItem& b) {
     return a.type == b.type && a.oid == b.oid && a.colors == b.colors && a.subject == b.subject &&
            a.categories == b.categories && a.kind == b.kind && a.start == b.start && a.end == b.end &&
-           a.isAllDay == b.isAllDay && a.isRecurring == b.isRecurring && a.location == b.location &&
-           a.startDateValue == b.startDateValue && a.dueDateValue == b.dueDateValue &&
-           a.noStartDate == b.noStartDate && a.noDueDate == b.noDueDate && a.isComplete == b.isComplete &&
-           a.importance == b.importance && a.recurrence == b.recurrence && a.body == b.body;
+           a.isAllDay == b.isAllDay && a.isRecurring == b.isRecurring && a.isCancelled == b.isCancelled &&
+           a.location == b.location && a.startDateValue == b.startDateValue &&
+           a.dueDateValue == b.dueDateValue && a.noStartDate == b.noStartDate && a.noDueDate == b.noDueDate &&
+           a.isComplete == b.isComplete && a.importance == b.importance && a.recurrence == b.recurrence &&
+           a.body == b.body;
 }
 
 } // namespace mirodate

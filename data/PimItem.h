@@ -39,6 +39,7 @@ struct PimItem {
     double endValue = 0.0;
     bool isAllDay = false;
     bool isRecurring = false;
+    bool isCancelled = false; // drawn struck through; no reminder
     std::u16string location;
 
     // Task form.

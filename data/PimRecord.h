@@ -28,6 +28,7 @@ struct PimRecord {
     double end = 0.0;
     bool allDay = false;
     bool isRecurring = false; // an occurrence of a series (or a recurring task)
+    bool cancelled = false;   // STATUS:CANCELLED: shown struck through, never reminded of
     RecurrencePattern recurrence;
 
     // Tasks.

@@ -42,6 +42,7 @@ PimItem ToAppointment(const PimRecord& record) {
     item.SetTimes(DateTime(record.start), DateTime(record.end));
     item.isAllDay = record.allDay;
     item.isRecurring = record.isRecurring;
+    item.isCancelled = record.cancelled;
     item.body = record.body;
     return item;
 }
@@ -55,6 +56,7 @@ PimItem ToTask(const PimRecord& record) {
     if (!item.categories.empty()) Categories::GetItemColors(item.categories, item.colors);
     item.body = record.body;
     item.isComplete = record.complete;
+    item.isCancelled = record.cancelled;
     item.importance = record.importance;
     item.SetTaskDates(record.startDate, record.dueDate);
     item.isRecurring = record.isRecurring;

@@ -1,5 +1,6 @@
 #include "platform/InstanceServer.h"
 
+#include "platform/InstanceFrameReader.h"
 #include "platform/InstanceProtocol.h"
 #include "platform/Log.h"
 #include "platform/Paths.h"
@@ -25,7 +26,7 @@ constexpr size_t kMaxClients = 8;
 
 struct Client {
     int fd = -1;
-    std::string buffer;
+    InstanceFrameReader frames;
     std::chrono::steady_clock::time_point lastActivity;
 };
 
@@ -43,12 +44,6 @@ bool SomeoneListens(const sockaddr_un& address) {
     bool live = connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
     close(fd);
     return live;
-}
-
-void SplitClassTitle(const std::string& payload, std::string& className, std::string& title) {
-    auto newline = payload.find('\n');
-    className = payload.substr(0, newline);
-    title = newline == std::string::npos ? std::string() : payload.substr(newline + 1);
 }
 
 bool SendAll(int fd, const std::string& data) {
@@ -148,27 +143,28 @@ void InstanceServer::Serve() {
                 if (n <= 0) {
                     drop = !(n < 0 && (errno == EAGAIN || errno == EINTR));
                 } else {
-                    client.buffer.append(chunk, static_cast<size_t>(n));
+                    client.frames.Append(chunk, static_cast<size_t>(n));
                     client.lastActivity = now;
                 }
             }
             // Answer every complete frame in the buffer.
-            while (!drop && client.buffer.size() >= kHeaderSize) {
-                const char type = client.buffer[0];
-                const std::uint32_t length = DecodeU32(client.buffer.data() + 1);
-                if (length > kMaxPayload) {
-                    Log::Warning("instance link: dropping a client that sent a %u-byte frame", length);
+            InstanceFrameReader::Frame frame;
+            while (!drop) {
+                const InstanceFrameReader::Result result = client.frames.Next(frame);
+                if (result == InstanceFrameReader::Result::NeedMore)
+                    break;
+                if (result == InstanceFrameReader::Result::TooLarge) {
+                    Log::Warning("instance link: dropping a client that sent an oversized frame");
                     drop = true;
                     break;
                 }
-                if (client.buffer.size() < kHeaderSize + length) break;
-                std::string payload = client.buffer.substr(kHeaderSize, length);
-                client.buffer.erase(0, kHeaderSize + length);
+                const char type = frame.type;
+                const std::string& payload = frame.payload;
                 std::string reply;
                 std::string className, title;
                 switch (type) {
                 case kFindWindow:
-                    SplitClassTitle(payload, className, title);
+                    InstanceFrameReader::SplitClassTitle(payload, className, title);
                     reply = handler_.hasWindow && handler_.hasWindow(className, title) ? "1" : "0";
                     break;
                 case kBroadcast:
@@ -185,11 +181,11 @@ void InstanceServer::Serve() {
                     break;
                 }
                 case kBringToFront:
-                    SplitClassTitle(payload, className, title);
+                    InstanceFrameReader::SplitClassTitle(payload, className, title);
                     if (handler_.bringToFront) handler_.bringToFront(className, title);
                     break;
                 case kClose:
-                    SplitClassTitle(payload, className, title);
+                    InstanceFrameReader::SplitClassTitle(payload, className, title);
                     if (handler_.close) handler_.close(className, title);
                     break;
                 default:

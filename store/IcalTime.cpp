@@ -2,10 +2,11 @@
 
 #include "data/DateTime.h"
 
+#include <algorithm>
 #include <climits>
-#include <mutex>
 #include <cstdio>
 #include <cstdlib>
+#include <mutex>
 #include <unistd.h>
 
 namespace mirodate {
@@ -20,6 +21,62 @@ bool FieldsOk(const icaltimetype& t) {
         t.day < 1 || t.day > DaysInMonth(t.year, t.month))
         return false;
     return t.is_date || (t.hour >= 0 && t.hour < 24 && t.minute >= 0 && t.minute < 60 && t.second >= 0 && t.second <= 60);
+}
+
+constexpr std::time_t kSecondsPerDay = 86400;
+// libical works out a zone's changes from its first year up to the year
+// asked for, afresh for every file's own zone: a date in the year 9000 costs
+// seconds. Past this instant (2200-01-01) the offset is read as many 400-year
+// cycles earlier, which have the same weekdays and leap days, so the same
+// rule gives the same change dates.
+constexpr std::time_t kZoneHorizon = 7258118400;
+constexpr std::time_t kGregorianCycle = 146097 * kSecondsPerDay;
+
+// Offset from UTC (seconds east) at an instant, in `zone` or, when null, in
+// the local zone.
+long OffsetAt(std::time_t instant, const icaltimezone* zone) {
+    if (!zone) {
+        std::tm tm{};
+        if (!localtime_r(&instant, &tm))
+            return 0;
+        return tm.tm_gmtoff;
+    }
+    if (instant > kZoneHorizon)
+        instant -= ((instant - kZoneHorizon) / kGregorianCycle + 1) * kGregorianCycle;
+    icaltimetype utc = icaltime_from_timet_with_zone(instant, 0, icaltimezone_get_utc_timezone());
+    return icaltimezone_get_utc_offset_of_utc_time(const_cast<icaltimezone*>(zone), &utc, nullptr);
+}
+
+// The instant of a wall time in `zone` (null: the local zone), read as
+// iCalendar reads it: a time that falls into the gap of a change to summer
+// time takes the offset from before the gap, so it moves forward by the gap;
+// a time that occurs twice is the first of the two. (libical's own lookup and
+// mktime both answer otherwise around the change.)
+std::time_t WallToUnix(int year, int month, int day, int hour, int minute, int second,
+                       const icaltimezone* zone) {
+    std::tm tm{};
+    tm.tm_year = year - 1900;
+    tm.tm_mon = month - 1;
+    tm.tm_mday = day;
+    tm.tm_hour = hour;
+    tm.tm_min = minute;
+    tm.tm_sec = second;
+    const std::time_t wall = timegm(&tm); // the wall time's fields read as UTC
+    if (zone == icaltimezone_get_utc_timezone())
+        return wall;
+    // A day on either side lies clear of the change, if any.
+    const long before = OffsetAt(wall - kSecondsPerDay, zone);
+    const long after = OffsetAt(wall + kSecondsPerDay, zone);
+    if (before == after)
+        return wall - before;
+    const std::time_t early = wall - before, late = wall - after;
+    const bool earlyExists = OffsetAt(early, zone) == before;
+    const bool lateExists = OffsetAt(late, zone) == after;
+    if (earlyExists && lateExists)
+        return std::min(early, late);
+    if (lateExists)
+        return late;
+    return early; // in the gap, or a zone whose data we cannot follow
 }
 
 } // namespace
@@ -70,21 +127,12 @@ bool IcalTime::IsLocalZone(const icaltimezone* zone) {
 bool IcalTime::ToUnix(const icaltimetype& time, std::time_t& seconds) {
     if (!FieldsOk(time)) return false;
     const icaltimezone* zone = icaltime_get_timezone(time);
-    // Wall times of the local zone need no zone arithmetic.
-    if (IsLocalZone(zone)) zone = nullptr;
-    if (time.is_date || !zone) {
-        std::tm tm{};
-        tm.tm_year = time.year - 1900;
-        tm.tm_mon = time.month - 1;
-        tm.tm_mday = time.day;
-        tm.tm_hour = time.is_date ? 0 : time.hour;
-        tm.tm_min = time.is_date ? 0 : time.minute;
-        tm.tm_sec = time.is_date ? 0 : std::min(time.second, 59);
-        tm.tm_isdst = -1;
-        seconds = std::mktime(&tm);
-        return true;
-    }
-    seconds = icaltime_as_timet_with_zone(time, zone);
+    // Wall times of the local zone need no zone data of libical.
+    if (time.is_date || IsLocalZone(zone))
+        zone = nullptr;
+    seconds = time.is_date ? WallToUnix(time.year, time.month, time.day, 0, 0, 0, nullptr)
+                           : WallToUnix(time.year, time.month, time.day, time.hour, time.minute,
+                                        std::min(time.second, 59), zone);
     return true;
 }
 
@@ -96,11 +144,24 @@ bool IcalTime::ToLocalDate(const icaltimetype& time, double& date) {
         date = DateTime(time.year, time.month, time.day).ToDate();
         return true;
     }
+    const int second = std::min(time.second, 59);
     if (!zone) {
-        date = DateTime(time.year, time.month, time.day, time.hour, time.minute, std::min(time.second, 59)).ToDate();
-        return true;
+        // A local wall time stands as it is unless a change of the clock is
+        // near, which it might fall into.
+        std::tm fields{};
+        fields.tm_year = time.year - 1900;
+        fields.tm_mon = time.month - 1;
+        fields.tm_mday = time.day;
+        fields.tm_hour = time.hour;
+        fields.tm_min = time.minute;
+        fields.tm_sec = second;
+        const std::time_t wall = timegm(&fields);
+        if (OffsetAt(wall - kSecondsPerDay, nullptr) == OffsetAt(wall + kSecondsPerDay, nullptr)) {
+            date = DateTime(time.year, time.month, time.day, time.hour, time.minute, second).ToDate();
+            return true;
+        }
     }
-    const std::time_t seconds = icaltime_as_timet_with_zone(time, zone);
+    const std::time_t seconds = WallToUnix(time.year, time.month, time.day, time.hour, time.minute, second, zone);
     std::tm tm{};
     if (!localtime_r(&seconds, &tm)) return false;
     const DateTime local(tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday, tm.tm_hour, tm.tm_min, std::min(tm.tm_sec, 59));
@@ -124,16 +185,25 @@ icaltimetype IcalTime::FromLocalDate(double date, bool isDate, const icaltimezon
     t.second = st.wSecond;
     if (!zone) return t;
     // The local wall time, moved into the wanted zone.
+    const std::time_t seconds =
+        WallToUnix(st.wYear, st.wMonth, st.wDay, st.wHour, st.wMinute, st.wSecond, nullptr);
+    return WallTimeIn(seconds, zone);
+}
+
+icaltimetype IcalTime::WallTimeIn(std::time_t seconds, const icaltimezone* zone) {
+    icaltimetype t = icaltime_null_time();
     std::tm tm{};
-    tm.tm_year = st.wYear - 1900;
-    tm.tm_mon = st.wMonth - 1;
-    tm.tm_mday = st.wDay;
-    tm.tm_hour = st.wHour;
-    tm.tm_min = st.wMinute;
-    tm.tm_sec = st.wSecond;
-    tm.tm_isdst = -1;
-    const std::time_t seconds = std::mktime(&tm);
-    return icaltime_from_timet_with_zone(seconds, 0, const_cast<icaltimezone*>(zone));
+    const std::time_t wall = seconds + (zone ? OffsetAt(seconds, zone) : 0);
+    if (zone ? !gmtime_r(&wall, &tm) : !localtime_r(&seconds, &tm))
+        return t;
+    t.year = tm.tm_year + 1900;
+    t.month = tm.tm_mon + 1;
+    t.day = tm.tm_mday;
+    t.hour = tm.tm_hour;
+    t.minute = tm.tm_min;
+    t.second = tm.tm_sec;
+    t.zone = zone;
+    return t;
 }
 
 std::string IcalTime::LocalZoneName() {

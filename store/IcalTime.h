@@ -17,6 +17,8 @@ public:
     static bool ToUnix(const icaltimetype& time, std::time_t& seconds);
     // A time in `zone` (floating when null) for a local DATE.
     static icaltimetype FromLocalDate(double date, bool isDate, const icaltimezone* zone);
+    // The wall time of an instant in `zone` (the local zone when null).
+    static icaltimetype WallTimeIn(std::time_t seconds, const icaltimezone* zone);
     // The Olson name of the local zone ("Europe/Berlin"), empty when unknown;
     // "UTC" for UTC.
     static std::string LocalZoneName();

@@ -5,8 +5,10 @@
 #include "data/PimRecord.h"
 #include "store/IcalHandle.h"
 
+#include <ctime>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace mirodate {
@@ -18,7 +20,8 @@ public:
     // Bounds on the work one expansion may do, so that a rule asking for
     // millions of occurrences costs no more than a long series.
     static constexpr int kMaxIterations = 200000;
-    static constexpr int kMaxOccurrences = 20000;
+    // A series every ten minutes fills a month with 4,464.
+    static constexpr int kMaxOccurrences = 5000;
 
     // False (with the reason) when the text holds no usable event or task.
     bool Parse(std::string_view text, std::string& problem);
@@ -45,7 +48,21 @@ public:
     std::vector<PimRecord> GetOverrideRecords() const;
 
 private:
+    // Occurrences the rule makes that do not happen as made: EXDATEs and the
+    // originals of overrides. Sorted, so that a series with a hundred
+    // thousand of them costs a search per occurrence, not a walk.
+    struct Exclusions {
+        std::vector<int> wholeDays;        // DATE exclusions, as yyyymmdd
+        std::vector<int> days;             // the day of every exclusion, as yyyymmdd
+        std::vector<std::time_t> instants; // DATE-TIME exclusions
+        void Add(const icaltimetype& time);
+        void Sort();
+        bool Contains(const icaltimetype& occurrence) const;
+    };
+
     bool ReadComponent(icalcomponent* component, PimRecord& record, std::string& problem) const;
+    // Reads what every expansion of a series needs once, at parse time.
+    void PrepareSeries();
 
     IcalComponentPtr calendar_;
     icalcomponent* master_ = nullptr;
@@ -54,9 +71,14 @@ private:
     std::string uid_;
     PimRecord record_;
     bool series_ = false;
+    bool wholeDays_ = false; // Outlook's midnight-to-midnight all-day event
+    bool ruleUsable_ = true; // false: the RRULE is too costly to expand
     bool unrelated_ = false;
     double seriesEnd_ = kNoDate;
     double longest_ = 0.0;
+    Exclusions excluded_;
+    std::vector<std::pair<double, icaltimetype>> extraDates_; // RDATEs by local start
+    std::vector<PimRecord> moved_;                            // overrides by start
 };
 
 } // namespace mirodate

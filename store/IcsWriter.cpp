@@ -6,6 +6,7 @@
 #include "store/IcalText.h"
 #include "store/IcalTime.h"
 #include "store/RecurrenceRule.h"
+#include "store/VtimezoneFilter.h"
 
 #include <cstdio>
 #include <random>
@@ -72,7 +73,9 @@ void Fill(icalcomponent* component, const PimRecord& record) {
         RemoveAll(component, ICAL_COMPLETED_PROPERTY);
         RemoveAll(component, ICAL_PRIORITY_PROPERTY);
         icalcomponent_add_property(component,
-                                   icalproperty_new_status(record.complete ? ICAL_STATUS_COMPLETED : ICAL_STATUS_NEEDSACTION));
+                                   icalproperty_new_status(record.complete    ? ICAL_STATUS_COMPLETED
+                                                           : record.cancelled ? ICAL_STATUS_CANCELLED
+                                                                              : ICAL_STATUS_NEEDSACTION));
         if (record.complete)
             icalcomponent_add_property(
                 component, icalproperty_new_completed(icaltime_current_time_with_zone(icaltimezone_get_utc_timezone())));
@@ -111,6 +114,8 @@ std::string Serialise(icalcomponent* calendar) {
 IcalComponentPtr ParseCalendar(std::string_view text) {
     IcalComponentPtr calendar = IcalText::Parse(text);
     if (calendar && icalcomponent_isa(calendar.get()) != ICAL_VCALENDAR_COMPONENT) calendar.reset();
+    // The times we write are converted through the file's zones.
+    VtimezoneFilter::Apply(calendar.get());
     return calendar;
 }
 

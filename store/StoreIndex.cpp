@@ -122,7 +122,8 @@ void WriteItem(Writer& w, const StoredItem& item) {
     w.Text(rec.categories);
     w.Text(rec.body);
     for (double v : {rec.start, rec.end, rec.startDate, rec.dueDate, rec.birthday, rec.anniversary}) w.Value(v);
-    for (bool v : {rec.allDay, rec.isRecurring, rec.complete, rec.birthdayHasYear, rec.anniversaryHasYear})
+    for (bool v : {rec.allDay, rec.isRecurring, rec.complete, rec.birthdayHasYear, rec.anniversaryHasYear,
+                   rec.cancelled})
         w.Value<std::uint8_t>(v);
     w.Value<std::int32_t>(rec.importance);
     WritePattern(w, rec.recurrence);
@@ -150,7 +151,8 @@ StoredItem ReadItem(Reader& r) {
     rec.body = r.Text();
     for (double* v : {&rec.start, &rec.end, &rec.startDate, &rec.dueDate, &rec.birthday, &rec.anniversary})
         *v = r.Value<double>();
-    for (bool* v : {&rec.allDay, &rec.isRecurring, &rec.complete, &rec.birthdayHasYear, &rec.anniversaryHasYear})
+    for (bool* v : {&rec.allDay, &rec.isRecurring, &rec.complete, &rec.birthdayHasYear,
+                    &rec.anniversaryHasYear, &rec.cancelled})
         *v = r.Value<std::uint8_t>() != 0;
     rec.importance = r.Value<std::int32_t>();
     rec.recurrence = ReadPattern(r);

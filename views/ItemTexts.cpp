@@ -61,6 +61,8 @@ COLORREF ItemTexts::RowColor(const PimItem& item, COLORREF plain, bool colorize)
 }
 
 bool ItemTexts::IsStruckThrough(const PimItem& item, bool strikePast, const DateTime& now) {
+    // A cancelled appointment or occurrence stays listed, struck through.
+    if (item.isCancelled) return true;
     if (item.IsTask()) return item.isComplete;
     if (!strikePast || item.kind != PimItem::kAppointment) return false;
     return item.endValue < now.ToDate();

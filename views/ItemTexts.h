@@ -24,7 +24,7 @@ public:
     // anniversary colour).
     static COLORREF RowColor(const PimItem& item, COLORREF plain, bool colorize);
     // Whether an item is drawn struck through: a past appointment when the
-    // setting asks for it, a completed task always.
+    // setting asks for it, a completed task or a cancelled item always.
     static bool IsStruckThrough(const PimItem& item, bool strikePast, const DateTime& now);
     // The whole days from `from` to `to` (both taken at midnight).
     static int DaysBetween(const DateTime& from, const DateTime& to);

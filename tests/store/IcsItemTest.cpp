@@ -57,10 +57,16 @@ TEST_F(IcsItemTest, SeriesWithExdateRdateAndOverrides) {
     std::vector<std::pair<DateTime, std::u16string>> got;
     for (const auto& r : march) got.emplace_back(DateTime(r.start), r.subject);
     const std::vector<std::pair<DateTime, std::u16string>> want = {
-        {DateTime(2026, 3, 2, 18, 0, 0), u"Yoga"},  {DateTime(2026, 3, 5, 12, 0, 0), u"Yoga"},
-        {DateTime(2026, 3, 10, 19, 0, 0), u"Moved"}, {DateTime(2026, 3, 30, 18, 0, 0), u"Yoga"}};
+        {DateTime(2026, 3, 2, 18, 0, 0), u"Yoga"},
+        {DateTime(2026, 3, 5, 12, 0, 0), u"Yoga"},
+        {DateTime(2026, 3, 10, 19, 0, 0), u"Moved"},
+        {DateTime(2026, 3, 23, 18, 0, 0), u"Yoga"},
+        {DateTime(2026, 3, 30, 18, 0, 0), u"Yoga"}};
     EXPECT_EQ(got, want);
     for (const auto& r : march) EXPECT_TRUE(r.isRecurring);
+    // The cancelled occurrence stays in its place, marked; the others are not.
+    for (const auto& r : march)
+        EXPECT_EQ(r.cancelled, DateTime(r.start) == DateTime(2026, 3, 23, 18, 0, 0));
     // After the change to summer time the series keeps its wall time.
     EXPECT_EQ(DateTime(march.back().end), DateTime(2026, 3, 30, 19, 0, 0));
     // A window far ahead costs no walk from the start and still finds the day.
@@ -81,8 +87,82 @@ TEST_F(IcsItemTest, HugeRulesAreBounded) {
     auto secondly = Parse("DTSTART:19700101T000000Z\r\nRRULE:FREQ=SECONDLY\r\n");
     const auto month = Expand(secondly, DateTime(2026, 3, 1), DateTime(2026, 4, 1));
     EXPECT_LE(month.size(), static_cast<std::size_t>(IcsItem::kMaxOccurrences));
+    // A counted rule from long ago is reached by arithmetic, not by a walk
+    // from its start, and is bounded the same way.
     auto counted = Parse("DTSTART:19700101T000000Z\r\nRRULE:FREQ=MINUTELY;COUNT=900000000\r\n");
-    EXPECT_TRUE(Expand(counted, DateTime(2026, 3, 1), DateTime(2026, 4, 1)).empty());
+    const auto minutes = Expand(counted, DateTime(2026, 3, 1), DateTime(2026, 4, 1));
+    ASSERT_EQ(minutes.size(), static_cast<std::size_t>(IcsItem::kMaxOccurrences));
+    EXPECT_EQ(DateTime(minutes.front().start), DateTime(2026, 3, 1, 0, 0, 0));
+    EXPECT_EQ(DateTime(minutes[1].start), DateTime(2026, 3, 1, 0, 1, 0));
+    auto ended = Parse("DTSTART:19700101T000000Z\r\nRRULE:FREQ=MINUTELY;COUNT=1000\r\n");
+    EXPECT_TRUE(Expand(ended, DateTime(2026, 3, 1), DateTime(2026, 4, 1)).empty());
+    auto every7 =
+        Parse("DTSTART:20260301T100000\r\nRRULE:FREQ=MINUTELY;INTERVAL=7;UNTIL=20260301T102100\r\n");
+    std::vector<DateTime> starts;
+    for (const auto& r : Expand(every7, DateTime(2026, 3, 1), DateTime(2026, 3, 2)))
+        starts.push_back(DateTime(r.start));
+    EXPECT_EQ(starts,
+              (std::vector<DateTime>{DateTime(2026, 3, 1, 10, 0, 0), DateTime(2026, 3, 1, 10, 7, 0),
+                                     DateTime(2026, 3, 1, 10, 14, 0), DateTime(2026, 3, 1, 10, 21, 0)}));
+}
+
+TEST_F(IcsItemTest, RulesLibicalWouldSearchForeverAreNotExpanded) {
+    // Each of these keeps libical inside one call for minutes or for good:
+    // the 30th of February, and BY parts on a rule finer than hourly. The
+    // item keeps its first occurrence.
+    for (const char* rule :
+         {"FREQ=YEARLY;BYMONTH=2;BYMONTHDAY=30", "FREQ=DAILY;COUNT=5;BYMONTH=2,4;BYMONTHDAY=31",
+          "FREQ=SECONDLY;BYMONTH=2", "FREQ=MINUTELY;BYMONTHDAY=30;BYMONTH=2",
+          // found by ics_fuzz: no month has a ninth-last Sunday
+          "FREQ=MONTHLY;BYDAY=-9SU;COUNT=4", "FREQ=YEARLY;BYMONTH=3;BYDAY=6SU"}) {
+        auto item = Parse("DTSTART:20260301T090000\r\nRRULE:" + std::string(rule) + "\r\n");
+        const auto year = Expand(item, DateTime(2026, 1, 1), DateTime(2027, 1, 1));
+        ASSERT_EQ(year.size(), 1u) << rule;
+        EXPECT_EQ(DateTime(year[0].start), DateTime(2026, 3, 1, 9, 0, 0)) << rule;
+    }
+    // A rule that matches rarely but does match is still expanded.
+    auto leap = Parse("DTSTART:20240229T090000\r\nRRULE:FREQ=YEARLY;BYMONTH=2;BYMONTHDAY=29\r\n");
+    EXPECT_EQ(Expand(leap, DateTime(2027, 1, 1), DateTime(2029, 1, 1)).size(), 1u);
+}
+
+TEST_F(IcsItemTest, FarFutureTimesFollowTheZonesRules) {
+    // Found by ics_fuzz: a time in the year 4050 made libical work out New
+    // York's changes for two thousand years (a third of a second, and
+    // seconds for a file's own zone). Far years are read as the same dates
+    // whole 400-year cycles earlier, where the rules give the same changes.
+    for (int month : {1, 3, 4, 7, 10, 11}) {
+        char far[160], near[160];
+        std::snprintf(far, sizeof far, "DTSTART;TZID=America/New_York:4050%02d10T090000\r\n", month);
+        std::snprintf(near, sizeof near, "DTSTART;TZID=America/New_York:2050%02d10T090000\r\n", month);
+        const DateTime farStart(Parse(far).GetRecord().start), nearStart(Parse(near).GetRecord().start);
+        EXPECT_EQ(farStart.GetHour(), nearStart.GetHour()) << "month " << month;
+        EXPECT_EQ(farStart.GetYear(), 4050);
+    }
+    EXPECT_EQ(DateTime(Parse("DTSTART;TZID=America/New_York:40500610T090000\r\n").GetRecord().start),
+              DateTime(4050, 6, 10, 15, 0, 0));
+}
+
+TEST_F(IcsItemTest, OutlookAllDayEventsAreAllDay) {
+    // Midnight to midnight in the writer's zone, marked by Outlook: the
+    // calendar days it names, read in Berlin from New York.
+    auto marked = Parse(
+        "DTSTART;TZID=America/New_York:20260316T000000\r\nDTEND;TZID=America/New_York:20260317T000000\r\n"
+        "X-MICROSOFT-CDO-ALLDAYEVENT:TRUE\r\n");
+    EXPECT_TRUE(marked.GetRecord().allDay);
+    EXPECT_EQ(DateTime(marked.GetRecord().start), DateTime(2026, 3, 16));
+    EXPECT_EQ(DateTime(marked.GetRecord().end), DateTime(2026, 3, 17));
+    // Without the mark, or not at midnight, it is the timed event it says.
+    auto unmarked = Parse(
+        "DTSTART;TZID=America/New_York:20260316T000000\r\nDTEND;TZID=America/New_York:20260317T000000\r\n");
+    EXPECT_FALSE(unmarked.GetRecord().allDay);
+    EXPECT_EQ(DateTime(unmarked.GetRecord().start), DateTime(2026, 3, 16, 5, 0, 0));
+    auto notMidnight = Parse(
+        "DTSTART;TZID=America/New_York:20260316T090000\r\nDTEND;TZID=America/New_York:20260316T100000\r\n"
+        "X-MICROSOFT-CDO-ALLDAYEVENT:TRUE\r\n");
+    EXPECT_FALSE(notMidnight.GetRecord().allDay);
+    auto falseMark =
+        Parse("DTSTART:20260316T000000\r\nDTEND:20260317T000000\r\nX-MICROSOFT-CDO-ALLDAYEVENT:FALSE\r\n");
+    EXPECT_FALSE(falseMark.GetRecord().allDay);
 }
 
 TEST_F(IcsItemTest, BadInputIsRefusedWithAReason) {
