@@ -18,6 +18,7 @@ struct StoredItem {
     std::int64_t size = 0;
     std::int64_t mtimeNs = 0;
     bool readable = false; // false: skipped, never rewritten
+    std::string problem;   // why a skipped file was skipped
     int folder = 0;        // kFolderCalendar, kFolderTasks or kFolderContacts
     std::string uid;
     PimRecord record; // the item; a series as its first occurrence

@@ -103,7 +103,15 @@ StoredItem VdirSource::ReadFile(int directory, const std::string& fileName, bool
     const std::string path = DirectoryPath(directory) + "/" + fileName;
     exists = false;
     const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) return item;
+    if (fd < 0) {
+        // A file we may not read is still the user's: listed as skipped.
+        if (errno == EACCES) {
+            exists = true;
+            item.problem = std::strerror(errno);
+            Log::Warning("store: skipped %s: %s", path.c_str(), item.problem.c_str());
+        }
+        return item;
+    }
     struct stat st{};
     if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
         close(fd);
@@ -115,6 +123,7 @@ StoredItem VdirSource::ReadFile(int directory, const std::string& fileName, bool
     if (st.st_size > kMaxFileBytes) {
         close(fd);
         Log::Warning("store: skipped %s: larger than %lld bytes", path.c_str(), static_cast<long long>(kMaxFileBytes));
+        item.problem = "larger than " + std::to_string(kMaxFileBytes / (1024 * 1024)) + " MB";
         return item;
     }
     std::string text(static_cast<std::size_t>(st.st_size), '\0');
@@ -150,6 +159,7 @@ StoredItem VdirSource::ReadFile(int directory, const std::string& fileName, bool
     }
     if (!item.readable) {
         Log::Warning("store: skipped %s: %s", path.c_str(), problem.c_str());
+        item.problem = problem.empty() ? "not a calendar item" : problem;
         return item;
     }
     item.uid = item.record.uid.empty() ? stem : item.record.uid;
@@ -232,6 +242,7 @@ void VdirSource::AssignOids() {
             Log::Warning("store: skipped %s/%s: UID %s is used by %s", kFolderNames[item->directory],
                          item->fileName.c_str(), item->uid.c_str(), it->second->fileName.c_str());
             item->readable = false;
+            item->problem = "UID " + item->uid + " is used by " + it->second->fileName;
             continue;
         }
         hashes.emplace_back(HashUid(item->uid), item.get());
@@ -282,6 +293,7 @@ void VdirSource::Publish(Entry entry) {
                 Log::Warning("store: skipped %s: UID %s is used by %s", entry->fileName.c_str(), entry->uid.c_str(),
                              holder->second->fileName.c_str());
                 entry->readable = false;
+                entry->problem = "UID " + entry->uid + " is used by " + holder->second->fileName;
             }
         }
     }
@@ -604,6 +616,23 @@ std::vector<std::u16string> VdirSource::GetCategoryNames() {
 int VdirSource::GetSkippedCount() {
     std::lock_guard lock(mutex_);
     return static_cast<int>(std::count_if(files_.begin(), files_.end(), [](const auto& pair) { return !pair.second->readable; }));
+}
+
+StoreSummary VdirSource::Summarize() {
+    StoreSummary summary;
+    summary.location = root_;
+    std::lock_guard lock(mutex_);
+    for (const auto& [key, item] : files_) {
+        if (!item->readable) {
+            summary.skipped.push_back({DirectoryPath(item->directory) + "/" + item->fileName, item->problem});
+            continue;
+        }
+        if (item->folder == kFolderCalendar) ++summary.appointments;
+        else if (item->folder == kFolderTasks) ++summary.tasks;
+        else if (item->folder == kFolderContacts) ++summary.contacts;
+    }
+    std::sort(summary.skipped.begin(), summary.skipped.end());
+    return summary;
 }
 
 bool VdirSource::ExportItem(std::int32_t oid, std::string& text) {
