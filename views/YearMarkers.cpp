@@ -1,53 +1,56 @@
 #include "views/YearMarkers.h"
 
 #include "data/DateTime.h"
-#include "data/ItemFilter.h"
 #include "data/PimStore.h"
 #include "platform/Settings.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace mirodate {
 
 namespace {
 constexpr int kMaxDaysInYear = 366;
-// An end at midnight belongs to the day before (all-day items end so).
-constexpr double kEndSlack = 1.0 / (24 * 60 * 60);
 } // namespace
 
-void YearMarkers::Load(int year) {
-    year_ = year;
-    yearStart_ = DateTime(year, 1, 1).ToDate();
-    days_.assign(kMaxDaysInYear, false);
-    PimStore& store = PimStore::Instance();
-    items_.clear();
-    // The range queries do not filter; the days should show what the month view shows.
-    const ItemFilter filter(store.GetFilters());
-    store.QueryAppointments(year, 1, 1, year, 12, 31, items_);
-    for (const PimItem& item : items_)
-        if (filter.Keep(item)) MarkSpan(item.startValue, std::max(item.startValue, item.endValue - kEndSlack));
-    if (Settings::IsTaskViewEnabled(u"Month")) {
-        items_.clear();
-        store.QueryTasks(year, 1, 1, year, 12, 31, items_);
-        const bool byDue = Settings::GetShowTasksByDueDate();
-        const bool byStart = Settings::GetShowTasksByStartDate();
-        for (const PimItem& task : items_) {
-            if (!filter.Keep(task)) continue;
-            if (byDue && task.dueDateValue != kNoDate) MarkSpan(task.dueDateValue, task.dueDateValue);
-            if (byStart && task.startDateValue != kNoDate) MarkSpan(task.startDateValue, task.startDateValue);
-        }
-    }
+void YearMarkers::Load(int year) { Set(year, Compute(year, WithTasks())); }
+
+bool YearMarkers::WithTasks() { return Settings::IsTaskViewEnabled(u"Month"); }
+
+bool YearMarkers::IsCached(int year, bool withTasks) {
+    const PimStore& store = PimStore::Instance();
+    for (int month = 1; month <= 12; ++month)
+        if (!store.IsMonthLoaded(year, month, false) || (withTasks && !store.IsMonthLoaded(year, month, true)))
+            return false;
+    return true;
 }
 
-void YearMarkers::MarkSpan(double first, double last) {
-    const double firstDay = std::floor(first) - yearStart_;
-    const double lastDay = std::floor(last) - yearStart_;
-    if (lastDay < 0 || firstDay >= kMaxDaysInYear) return;
-    const int from = static_cast<int>(std::max(0.0, firstDay));
-    const int to = static_cast<int>(std::min<double>(kMaxDaysInYear - 1, lastDay));
-    for (int day = from; day <= to; ++day) days_[static_cast<size_t>(day)] = true;
+std::vector<bool> YearMarkers::Compute(int year, bool withTasks) {
+    std::vector<bool> days(kMaxDaysInYear, false);
+    PimStore& store = PimStore::Instance();
+    std::vector<PimItem> items;
+    // Through the month cache, as the month grid reads its days: filtered,
+    // spans split into days, and the months kept for the month view after.
+    int index = 0;
+    for (int month = 1; month <= 12; ++month) {
+        store.FillMonth(year, month, true, withTasks);
+        for (int day = 1; day <= DaysInMonth(year, month); ++day, ++index) {
+            items.clear();
+            store.GetDayAppointments(year, month, day, items);
+            if (items.empty() && withTasks) store.GetDayTasks(year, month, day, items);
+            days[static_cast<size_t>(index)] = !items.empty();
+        }
+    }
+    return days;
 }
+
+void YearMarkers::Set(int year, std::vector<bool> days) {
+    year_ = year;
+    yearStart_ = DateTime(year, 1, 1).ToDate();
+    days_ = std::move(days);
+    days_.resize(kMaxDaysInYear, false);
+}
+
+void YearMarkers::Clear(int year) { Set(year, {}); }
 
 bool YearMarkers::HasItems(int month, int day) const {
     if (days_.empty() || month < 1 || month > 12 || day < 1 || day > DaysInMonth(year_, month)) return false;

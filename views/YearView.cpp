@@ -47,7 +47,47 @@ std::u16string Number(int value) { return Utf8ToUtf16(std::to_string(value)); }
 
 YearView::YearView(int year) : year_(year), mondayFirst_(Locale::FirstDayOfWeek() == 1) {}
 
-YearView::~YearView() = default;
+namespace {
+// Deferred command: the worker has read the marks.
+constexpr UINT kCmdMarkersRead = 0x7C01;
+} // namespace
+
+YearView::~YearView() { JoinReader(); }
+
+void YearView::JoinReader() {
+    if (reading_ && reading_->thread.joinable()) reading_->thread.join();
+    reading_.reset();
+}
+
+void YearView::LoadMarkers() {
+    JoinReader();
+    const bool withTasks = YearMarkers::WithTasks();
+    if (YearMarkers::IsCached(year_, withTasks)) {
+        markers_.Load(year_);
+        return;
+    }
+    markers_.Clear(year_);
+    reading_ = std::make_unique<Reading>();
+    reading_->year = year_;
+    Reading* reading = reading_.get();
+    const HWND page = window;
+    WindowManager* windows = &Wm();
+    reading_->thread = std::thread([reading, page, windows, withTasks] {
+        reading->days = YearMarkers::Compute(reading->year, withTasks);
+        windows->PostMessage(page, WM_DEFERRED_COMMAND, kCmdMarkersRead, 0);
+    });
+}
+
+void YearView::OnDeferredCommand(UINT id) {
+    if (id != kCmdMarkersRead || !reading_) return;
+    const int year = reading_->year;
+    if (reading_->thread.joinable()) reading_->thread.join();
+    std::vector<bool> days = std::move(reading_->days);
+    reading_.reset();
+    if (year != year_) return; // the user has moved on
+    markers_.Set(year, std::move(days));
+    InvalidateRect(window, nullptr, false);
+}
 
 HWND YearView::Open(HWND owner) {
     if (!CreateModeless(owner)) return nullptr;
@@ -69,7 +109,7 @@ BOOL YearView::OnInitDialog() {
     title_.SetGradient(look.colorHeaderGradient, look.colorSelectionMark);
     menuBar_.Create(window, {{"Today", MenuBarIcon::Month}, {"Back", MenuBarIcon::Back}}, 0, height - 1, width);
     Layout();
-    markers_.Load(year_);
+    LoadMarkers();
     SetFocus(window);
     return DialogWnd::OnInitDialog();
 }
@@ -128,7 +168,7 @@ RECT YearView::DayRect(int month, int day) const {
 void YearView::SetYear(int year) {
     if (year < 1601 || year > 9998 || year == year_) return;
     year_ = year;
-    markers_.Load(year_);
+    LoadMarkers();
     title_.SetLabel(Title());
     InvalidateRect(window, nullptr, false);
 }
@@ -242,7 +282,7 @@ void YearView::OnScreenReset() {
 
 INT_PTR YearView::DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == dataChangedMessage_ && dataChangedMessage_ != 0) {
-        markers_.Load(year_);
+        LoadMarkers();
         InvalidateRect(window, nullptr, false);
         return 0;
     }

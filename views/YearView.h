@@ -11,8 +11,11 @@
 #include "ui/MenuBar.h"
 #include "views/YearMarkers.h"
 
+#include <atomic>
 #include <functional>
 #include <memory>
+#include <thread>
+#include <vector>
 
 namespace mirodate {
 
@@ -29,6 +32,8 @@ public:
     void SetYear(int year);
     int Year() const { return year_; }
     const YearMarkers& Markers() const { return markers_; }
+    // Whether the marks of the shown year are still being read.
+    bool MarkersPending() const { return reading_ != nullptr; }
     // The month's rectangle on the page.
     RECT MonthRect(int month) const;
     // The rectangle of a day's number within its month.
@@ -44,6 +49,7 @@ public:
     LRESULT OnPointerUp(int button, int x, int y, WPARAM keys) override;
     void OnKeyDown(UINT key, UINT flags) override;
     void OnScreenReset() override;
+    void OnDeferredCommand(UINT id) override;
     INT_PTR DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override;
 
 private:
@@ -52,6 +58,17 @@ private:
     void DrawMonth(Dc& dc, int month);
     void Close();
     std::u16string Title() const;
+    // Reads the marks now when the months are cached, else on a worker
+    // thread, so that the page shows at once.
+    void LoadMarkers();
+    void JoinReader();
+
+    // One reading of a year's marks on the worker thread.
+    struct Reading {
+        int year = 0;
+        std::vector<bool> days;
+        std::thread thread;
+    };
 
     int year_;
     YearMarkers markers_;
@@ -67,6 +84,7 @@ private:
     UINT dataChangedMessage_ = 0;
     UINT closeAllMessage_ = 0;
     std::function<void(YearView&)> closeHandler_;
+    std::unique_ptr<Reading> reading_;
 };
 
 } // namespace mirodate

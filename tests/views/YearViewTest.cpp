@@ -8,6 +8,9 @@
 #include "views/QuickView.h"
 #include "views/YearView.h"
 
+#include <chrono>
+#include <thread>
+
 namespace mirodate::test {
 namespace {
 
@@ -23,12 +26,20 @@ protected:
         AddTask("t", "File taxes", "20240520");
         OpenStore();
     }
+    // The marks are read away from the page; this waits for them.
+    void AwaitMarkers(const YearView& view) {
+        for (int i = 0; i < 2000 && view.MarkersPending(); ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            windows_->RunUntilIdle();
+        }
+        ASSERT_FALSE(view.MarkersPending());
+    }
 };
 
 TEST_F(YearViewTest, MarksEveryDayAnItemTouches) {
     YearView view(2024);
     ASSERT_TRUE(view.Open(nullptr));
-    windows_->RunUntilIdle();
+    AwaitMarkers(view);
     const YearMarkers& marks = view.Markers();
     EXPECT_TRUE(marks.HasItems(3, 15));
     EXPECT_FALSE(marks.HasItems(3, 16));
@@ -55,6 +66,7 @@ TEST_F(YearViewTest, FilterHidesWhatItHidesElsewhere) {
     PimStore::Instance().SetFilters(u"Private", u"", false, false, false);
     YearView view(2024);
     ASSERT_TRUE(view.Open(nullptr));
+    AwaitMarkers(view);
     EXPECT_FALSE(view.Markers().HasItems(4, 1));
     EXPECT_TRUE(view.Markers().HasItems(3, 15));
 }
@@ -72,6 +84,7 @@ TEST_F(YearViewTest, SwipesChangeTheYearAndShortMovesDoNot) {
     };
     swipe(400, 150);
     EXPECT_EQ(view.Year(), 2025);
+    AwaitMarkers(view);
     EXPECT_TRUE(view.Markers().HasItems(1, 10));
     EXPECT_FALSE(view.Markers().HasItems(3, 15));
     swipe(100, 380);
