@@ -13,6 +13,8 @@
 #include "ui/WinApi.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 #ifndef MIRODATE_VERSION
 #define MIRODATE_VERSION "0"
@@ -68,7 +70,9 @@ AboutPage::AboutPage() {
     add(skinLine);
     StoreSummary summary;
     if (PimSource* source = PimStore::Instance().Source()) summary = source->Summarize();
-    add(Replace(Lang("about.Store"), u"%s", Utf8ToUtf16(summary.location)));
+    std::error_code error;
+    const std::filesystem::path folder = std::filesystem::absolute(summary.location, error);
+    add(Replace(Lang("about.Store"), u"%s", Utf8ToUtf16(error ? summary.location : folder.lexically_normal().string())));
     add(Count(u"about.Appointments", summary.appointments) + u"\n" + Count(u"about.Tasks", summary.tasks) + u"\n" +
         Count(u"about.Contacts", summary.contacts));
     if (summary.skipped.empty()) {

@@ -34,6 +34,8 @@ constexpr int kButtonHeight = 26;
 constexpr int kSwatch = 12;
 constexpr int kTextHeight = 11;
 constexpr int kMargin = 4;
+// Keeps values clear of the list's scroll strip at the right edge.
+constexpr int kRightMargin = 9;
 
 using Kind = ConfigEntry::Kind;
 
@@ -47,7 +49,7 @@ public:
         text_ = style.colorText;
         background_ = index % 2 ? style.colorBg2 : style.colorBg;
         selection_ = style.colorSelectionMark;
-        const int room = width - Scale(3 * kMargin);
+        const int room = width - Scale(2 * kMargin + kRightMargin);
         // The value keeps its natural width up to half the row; the label wraps in the rest.
         value_ = TextLayout(value, font, 0, false);
         if (value_.Width() > room / 2) value_ = TextLayout(value, font, room / 2, false);
@@ -60,14 +62,14 @@ public:
         const COLORREF ink = highlighted_ ? RGB(255, 255, 255) : text_;
         label_.Draw(dc, rect.left + Scale(kMargin), rect.top + (rect.Height() - label_.Height()) / 2, ink);
         if (swatch_) {
-            const RECT box{rect.right - Scale(kMargin + 2 * kSwatch), rect.top + (rect.Height() - Scale(kSwatch)) / 2,
-                           rect.right - Scale(kMargin), rect.top + (rect.Height() + Scale(kSwatch)) / 2};
+            const RECT box{rect.right - Scale(kRightMargin + 2 * kSwatch), rect.top + (rect.Height() - Scale(kSwatch)) / 2,
+                           rect.right - Scale(kRightMargin), rect.top + (rect.Height() + Scale(kSwatch)) / 2};
             dc.FillRect(box, *swatch_);
             dc.FrameRect(box, ink);
             return;
         }
-        value_.Draw(dc, rect.right - Scale(kMargin) - value_.Width(), rect.top + (rect.Height() - value_.Height()) / 2,
-                    ink);
+        value_.Draw(dc, rect.right - Scale(kRightMargin) - value_.Width(),
+                    rect.top + (rect.Height() - value_.Height()) / 2, ink);
     }
     int Height() const override { return height_; }
     void Click(HWND list, int, int) override {

@@ -13,7 +13,21 @@
 
 namespace mirodate {
 
-QuickView::QuickView() : ViewPage(SkinStyles::Current().quickView) {}
+namespace {
+// The skin's quick-view colours; the section has no header of its own, so
+// the day headers and the title take the agenda's.
+const TimeViewStyle& QuickViewStyle() {
+    static TimeViewStyle style;
+    const SkinStyles& skin = SkinStyles::Current();
+    style = skin.quickView;
+    style.colorHeaderBg = skin.agendaView.colorHeaderBg;
+    style.colorHeaderGradient = skin.agendaView.colorHeaderGradient;
+    style.colorHeaderText = skin.agendaView.colorHeaderText;
+    return style;
+}
+} // namespace
+
+QuickView::QuickView() : ViewPage(QuickViewStyle()) {}
 
 std::vector<MenuBarEntry> QuickView::MenuEntries() const {
     return {{"Menu", MenuBarIcon::Menu},
