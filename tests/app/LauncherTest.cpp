@@ -2,12 +2,15 @@
 // month to a running headless instance, and reads dates of files that are
 // no calendars without harm.
 #include "app/Launcher.h"
+#include "platform/DefaultApps.h"
+#include "platform/Settings.h"
 #include "platform/InstanceClient.h"
 #include "tests/platform/TempDir.h"
 #include "ui/WindowClasses.h"
 
 #include <chrono>
 #include <fcntl.h>
+#include <filesystem>
 #include <functional>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -83,6 +86,38 @@ TEST(Launcher, HandsTasksAndACalendarFileToTheRunningInstance) {
     }));
     kill(first, SIGTERM);
     EXPECT_EQ(WaitExit(first), 0);
+}
+
+TEST(Launcher, DashFStartRunsThePreviousProgramWithoutUsAndTakesOverAgain) {
+    TempDir dir;
+    setenv("XDG_CONFIG_HOME", dir.File("config").c_str(), 1);
+    setenv("XDG_DATA_HOME", dir.File("data").c_str(), 1);
+    setenv("XDG_DATA_DIRS", dir.File("usr").c_str(), 1);
+    setenv("XDG_CONFIG_DIRS", dir.File("etc").c_str(), 1);
+    std::filesystem::create_directories(dir.File("config/mirodate"));
+    std::filesystem::create_directories(dir.File("data/applications"));
+    // The previous calendar program writes down its arguments and the
+    // defaults it saw while it ran.
+    const std::string script = dir.File("othercal.sh");
+    std::ofstream(script) << "#!/bin/sh\necho \"$@\" > " << dir.File("ran.txt") << "\ncat " << dir.File("config/mimeapps.list")
+                          << " >> " << dir.File("ran.txt") << "\n";
+    std::filesystem::permissions(script, std::filesystem::perms::owner_all);
+    std::ofstream(dir.File("data/applications/othercal.desktop"))
+        << "[Desktop Entry]\nType=Application\nName=Other\nExec=" << script << " %f\nMimeType=text/calendar;\n";
+    const std::string original = "[Default Applications]\ntext/calendar=othercal.desktop;\n";
+    std::ofstream(dir.File("config/mimeapps.list")) << original;
+    // "firstrun" as the running program does it, through the settings of this process.
+    Settings::UseFile(dir.File("config/mirodate/settings.conf"));
+    std::string error;
+    ASSERT_TRUE(DefaultApps::Replace(DefaultApps::Role::Calendar, error)) << error;
+    ASSERT_TRUE(DefaultApps::Replace(DefaultApps::Role::Tasks, error)) << error;
+
+    EXPECT_EQ(WaitExit(Start(MIRODATE_BINARY_DIR "/mirodate", {"-f", dir.File("invite.ics")}, dir.File("f.out"))), 0);
+    EXPECT_EQ(ReadAll(dir.File("ran.txt")), dir.File("invite.ics") + "\n" + original);
+    EXPECT_TRUE(DefaultApps::IsCalendarReplaced());
+    EXPECT_TRUE(DefaultApps::IsTasksReplaced());
+    unsetenv("XDG_DATA_DIRS");
+    unsetenv("XDG_CONFIG_DIRS");
 }
 
 TEST(Launcher, CommandsForFilesThatAreNoCalendars) {
