@@ -28,7 +28,7 @@ namespace mirodate {
 namespace {
 // Unscaled sizes for a 240-pixel-wide screen.
 constexpr int kTitleHeight = 24;
-constexpr int kTabHeight = 24;
+constexpr int kTabHeight = 20;
 constexpr int kRowHeight = 28;
 constexpr int kButtonHeight = 26;
 constexpr int kSwatch = 12;
@@ -50,12 +50,13 @@ public:
         background_ = index % 2 ? style.colorBg2 : style.colorBg;
         selection_ = style.colorSelectionMark;
         const int room = width - Scale(2 * kMargin + kRightMargin);
-        // The value keeps its natural width up to half the row; the label wraps in the rest.
+        // The value keeps its natural width up to half the row (wrapping
+        // beyond); the label wraps in the rest.
         value_ = TextLayout(value, font, 0, false);
-        if (value_.Width() > room / 2) value_ = TextLayout(value, font, room / 2, false);
+        if (value_.Width() > room / 2) value_ = TextLayout(value, font, room / 2, true);
         const int valueWidth = swatch ? Scale(kSwatch * 2) : value_.Width();
         label_ = TextLayout(label, font, std::max(1, room - valueWidth - Scale(kMargin)), true);
-        height_ = std::max(Scale(kRowHeight), label_.Height() + Scale(2 * kMargin));
+        height_ = std::max(Scale(kRowHeight), std::max(label_.Height(), value_.Height()) + Scale(2 * kMargin));
     }
     void Draw(Dc& dc, const RECT& rect) override {
         dc.FillRect(rect, highlighted_ ? selection_ : background_);
@@ -267,6 +268,7 @@ void ConfigDialog::OpenChoices(int index) {
         items.push_back({entry.options[i].label, kCmdOptionBase + static_cast<UINT>(i), static_cast<int>(i) == current});
     auto* menu = new ContextMenu(this, std::move(items), 0); // owned by our deferred command, or by itself
     if (current >= 0) menu->SetPreselected(current);
+    menu->SetHeaderText(Label(entry));
     menu->Open();
 }
 
