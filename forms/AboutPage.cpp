@@ -87,8 +87,6 @@ AboutPage::AboutPage() {
 AboutPage::~AboutPage() = default;
 
 BOOL AboutPage::OnInitDialog() {
-    const int width = GetScreenWidth(), height = GetScreenHeight();
-    MoveWindow(window, 0, 0, width, height, false);
     SetWindowText(window, Lang("About"));
     LOGFONT logFont;
     DefaultFont(logFont);
@@ -96,29 +94,42 @@ BOOL AboutPage::OnInitDialog() {
     font_ = std::make_unique<Font>(logFont);
     logFont.lfWeight = FW_BOLD;
     bold_ = std::make_unique<Font>(logFont);
+    list_.Create(window, 0, 0, 1, 1, false, false);
+    list_.SetHeaderHeight(0);
+    TouchListColors colors = TouchListColors::FromSkin();
+    colors.background = SkinStyles::Current().listViews.colorBg;
+    list_.SetColors(colors);
+    const InputFormsStyle& form = SkinStyles::Current().inputForms;
+    ok_.Create(window, Lang("OK"), 0, 0, 1, 1, IDOK);
+    ok_.SetColors(form.buttons.colorButtonBg, form.buttons.colorButtonText, form.buttons.colorButtonBgPressed,
+                  form.buttons.colorButtonTextPressed);
+    ok_.SetGradient(form.buttons.colorButtonGradient, form.buttons.colorButtonGradientPressed);
+    Layout();
+    SetFocus(window);
+    return DialogWnd::OnInitDialog();
+}
+
+void AboutPage::Layout() {
+    const int width = GetScreenWidth(), height = GetScreenHeight();
+    MoveWindow(window, 0, 0, width, height, false);
     const int top = Scale(kTitleHeight);
     const int buttons = Scale(kButtonHeight) + 2 * Scale(kMargin);
-    list_.Create(window, 0, top, width, std::max(1, height - top - buttons), false, false);
-    list_.SetHeaderHeight(0);
-    const ListViewStyle& style = SkinStyles::Current().listViews;
-    TouchListColors colors = TouchListColors::FromSkin();
-    colors.background = style.colorBg;
-    list_.SetColors(colors);
+    MoveWindow(list_.GetHwnd(), 0, top, width, std::max(1, height - top - buttons), true);
+    MoveWindow(ok_.GetHwnd(), Scale(kMargin), height - Scale(kMargin) - Scale(kButtonHeight), width - 2 * Scale(kMargin),
+               Scale(kButtonHeight), true);
+    // The paragraphs wrap to the list's width.
+    list_.ClearItems();
     RECT client;
     GetClientRect(list_.GetHwnd(), &client);
+    const ListViewStyle& style = SkinStyles::Current().listViews;
     for (size_t i = 0; i < lines_.size(); ++i)
         list_.AddItem(std::make_unique<ParagraphRow>(lines_[i], headings_[i] ? *bold_ : *font_, client.Width(),
                                                      style.colorText, style.colorBg));
     list_.Relayout();
-    const InputFormsStyle& form = SkinStyles::Current().inputForms;
-    ok_.Create(window, Lang("OK"), Scale(kMargin), height - Scale(kMargin) - Scale(kButtonHeight),
-               width - 2 * Scale(kMargin), Scale(kButtonHeight), IDOK);
-    ok_.SetColors(form.buttons.colorButtonBg, form.buttons.colorButtonText, form.buttons.colorButtonBgPressed,
-                  form.buttons.colorButtonTextPressed);
-    ok_.SetGradient(form.buttons.colorButtonGradient, form.buttons.colorButtonGradientPressed);
-    SetFocus(window);
-    return DialogWnd::OnInitDialog();
+    InvalidateRect(window, nullptr, false);
 }
+
+void AboutPage::OnScreenReset() { Layout(); }
 
 void AboutPage::OnPaint(HDC dc) {
     if (!dc) return;

@@ -27,8 +27,10 @@ public:
     void OnPaint(HDC dc) override;
     void OnCommand(UINT id, UINT code, HWND control) override;
     void OnKeyDown(UINT key, UINT flags) override;
+    void OnScreenReset() override;
 
 private:
+    void Layout();
     std::vector<std::u16string> lines_;
     std::vector<bool> headings_;
     TouchListCtrlWnd list_;

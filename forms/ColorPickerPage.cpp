@@ -49,24 +49,31 @@ RECT ColorPickerPage::SwatchRect(int index) const {
 }
 
 BOOL ColorPickerPage::OnInitDialog() {
-    const int width = GetScreenWidth(), height = GetScreenHeight();
-    MoveWindow(window, 0, 0, width, height, false);
     SetWindowText(window, title_);
     LOGFONT logFont;
     DefaultFont(logFont);
     logFont.lfHeight = -std::clamp(Scale(kTextHeight) + FontSizeDelta(), 6, 200);
     font_ = std::make_unique<Font>(logFont);
-    const int buttonTop = height - Scale(kMargin) - Scale(kButtonHeight);
-    cancel_.Create(window, Lang("Cancel"), Scale(kMargin), buttonTop, width - 2 * Scale(kMargin), Scale(kButtonHeight),
-                   IDCANCEL);
+    cancel_.Create(window, Lang("Cancel"), 0, 0, 1, 1, IDCANCEL);
     const InputFormsStyle& form = SkinStyles::Current().inputForms;
     cancel_.SetColors(form.buttons.colorButtonBg, form.buttons.colorButtonText, form.buttons.colorButtonBgPressed,
                       form.buttons.colorButtonTextPressed);
     cancel_.SetGradient(form.buttons.colorButtonGradient, form.buttons.colorButtonGradientPressed);
-    grid_ = RECT{Scale(kMargin), Scale(kTitleHeight) + Scale(kMargin), width - Scale(kMargin), buttonTop - Scale(kMargin)};
+    Layout();
     SetFocus(window);
     return DialogWnd::OnInitDialog();
 }
+
+void ColorPickerPage::Layout() {
+    const int width = GetScreenWidth(), height = GetScreenHeight();
+    MoveWindow(window, 0, 0, width, height, false);
+    const int buttonTop = height - Scale(kMargin) - Scale(kButtonHeight);
+    MoveWindow(cancel_.GetHwnd(), Scale(kMargin), buttonTop, width - 2 * Scale(kMargin), Scale(kButtonHeight), true);
+    grid_ = RECT{Scale(kMargin), Scale(kTitleHeight) + Scale(kMargin), width - Scale(kMargin), buttonTop - Scale(kMargin)};
+    InvalidateRect(window, nullptr, false);
+}
+
+void ColorPickerPage::OnScreenReset() { Layout(); }
 
 void ColorPickerPage::OnPaint(HDC dc) {
     if (!dc) return;

@@ -29,8 +29,10 @@ public:
     LRESULT OnPointerDown(int button, int x, int y, WPARAM keys) override;
     void OnCommand(UINT id, UINT code, HWND control) override;
     void OnKeyDown(UINT key, UINT flags) override;
+    void OnScreenReset() override;
 
 private:
+    void Layout();
     std::u16string title_;
     COLORREF color_;
     ButtonWnd cancel_;

@@ -124,34 +124,45 @@ int ConfigDialog::FindRow(const std::string& key) const {
 }
 
 BOOL ConfigDialog::OnInitDialog() {
-    const int width = GetScreenWidth(), height = GetScreenHeight();
-    MoveWindow(window, 0, 0, width, height, false);
     SetWindowText(window, Lang("config.Title"));
     LOGFONT logFont;
     DefaultFont(logFont);
     logFont.lfHeight = -std::clamp(Scale(kTextHeight) + FontSizeDelta(), 6, 200);
     font_ = std::make_unique<Font>(logFont);
-    const int tabTop = Scale(kTitleHeight);
-    tabBar_.Create(window, RECT{0, tabTop, width, tabTop + Scale(kTabHeight)});
+    tabBar_.Create(window, RECT{0, 0, 1, 1});
     for (const ConfigTab& tab : tabs_) tabBar_.AddTab(Lang(tab.labelKey));
     tabBar_.SetSelectedTab(tab_);
-    const int listTop = tabTop + Scale(kTabHeight);
-    const int buttons = Scale(kButtonHeight) + 2 * Scale(kMargin);
-    list_.Create(window, 0, listTop, width, std::max(1, height - listTop - buttons), false, false);
+    list_.Create(window, 0, 0, 1, 1, false, false);
     list_.SetHeaderHeight(0);
     TouchListColors colors = TouchListColors::FromSkin();
     colors.background = SkinStyles::Current().listViews.colorBg;
     list_.SetColors(colors);
     const InputFormsStyle& form = SkinStyles::Current().inputForms;
-    done_.Create(window, Lang("OK"), Scale(kMargin), height - Scale(kMargin) - Scale(kButtonHeight),
-                 width - 2 * Scale(kMargin), Scale(kButtonHeight), IDOK);
+    done_.Create(window, Lang("OK"), 0, 0, 1, 1, IDOK);
     done_.SetColors(form.buttons.colorButtonBg, form.buttons.colorButtonText, form.buttons.colorButtonBgPressed,
                     form.buttons.colorButtonTextPressed);
     done_.SetGradient(form.buttons.colorButtonGradient, form.buttons.colorButtonGradientPressed);
-    Fill();
+    Layout();
     SetFocus(window);
     return DialogWnd::OnInitDialog();
 }
+
+void ConfigDialog::Layout() {
+    const int width = GetScreenWidth(), height = GetScreenHeight();
+    MoveWindow(window, 0, 0, width, height, false);
+    const int tabTop = Scale(kTitleHeight);
+    MoveWindow(tabBar_.GetHwnd(), 0, tabTop, width, Scale(kTabHeight), true);
+    const int listTop = tabTop + Scale(kTabHeight);
+    const int buttons = Scale(kButtonHeight) + 2 * Scale(kMargin);
+    MoveWindow(list_.GetHwnd(), 0, listTop, width, std::max(1, height - listTop - buttons), true);
+    MoveWindow(done_.GetHwnd(), Scale(kMargin), height - Scale(kMargin) - Scale(kButtonHeight),
+               width - 2 * Scale(kMargin), Scale(kButtonHeight), true);
+    // The rows are laid out for the list's width.
+    Fill();
+    InvalidateRect(window, nullptr, false);
+}
+
+void ConfigDialog::OnScreenReset() { Layout(); }
 
 void ConfigDialog::Fill() {
     if (!list_.GetHwnd()) return;

@@ -50,8 +50,10 @@ public:
     LRESULT OnNotify(UINT_PTR id, NMHDR* header) override;
     void OnKeyDown(UINT key, UINT flags) override;
     void OnDeferredCommand(UINT id) override;
+    void OnScreenReset() override;
 
 private:
+    void Layout();
     const ConfigEntry& Entry(int index) const;
     void Fill();
     void Changed(const std::string& setting);
