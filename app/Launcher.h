@@ -12,8 +12,8 @@ namespace mirodate {
 class Launcher {
 public:
     struct Options {
-        std::string socketPath;              // the instance link; default when empty
-        std::vector<std::string> arguments;  // mode word and files
+        std::string socketPath;             // the instance link; default when empty
+        std::vector<std::string> arguments; // mode word and files
     };
     // Reads "--socket PATH" and the words; false with a message for bad ones.
     static bool Parse(const std::vector<std::string>& args, Options& options, std::string& error);

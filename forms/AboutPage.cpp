@@ -33,7 +33,8 @@ constexpr int kMargin = 6;
 class ParagraphRow : public TouchListItem {
 public:
     ParagraphRow(const std::u16string& text, const Font& font, int width, COLORREF ink, COLORREF background)
-        : layout_(text, font, std::max(1, width - Scale(2 * kMargin)), true), ink_(ink), background_(background) {}
+        : layout_(text, font, std::max(1, width - Scale(2 * kMargin)), true), ink_(ink),
+          background_(background) {}
     void Draw(Dc& dc, const RECT& rect) override {
         dc.FillRect(rect, background_);
         layout_.Draw(dc, rect.left + Scale(kMargin), rect.top + Scale(kMargin) / 2, ink_);
@@ -48,7 +49,8 @@ private:
 
 std::u16string Replace(std::u16string text, std::u16string_view placeholder, const std::u16string& value) {
     const size_t at = text.find(placeholder);
-    if (at != std::u16string::npos) text.replace(at, placeholder.size(), value);
+    if (at != std::u16string::npos)
+        text.replace(at, placeholder.size(), value);
     return text;
 }
 std::u16string Count(std::u16string_view key, int count) {
@@ -66,15 +68,18 @@ AboutPage::AboutPage() {
     std::u16string skinLine = Lang("about.Skin");
     skinLine = Replace(skinLine, u"%s", Settings::GetSkin());
     skinLine = Replace(skinLine, u"%s", skin.info.author.empty() ? Lang("about.Unknown") : skin.info.author);
-    if (!skin.info.version.empty()) skinLine += u" (" + skin.info.version + u")";
+    if (!skin.info.version.empty())
+        skinLine += u" (" + skin.info.version + u")";
     add(skinLine);
     StoreSummary summary;
-    if (PimSource* source = PimStore::Instance().Source()) summary = source->Summarize();
+    if (PimSource* source = PimStore::Instance().Source())
+        summary = source->Summarize();
     std::error_code error;
     const std::filesystem::path folder = std::filesystem::absolute(summary.location, error);
-    add(Replace(Lang("about.Store"), u"%s", Utf8ToUtf16(error ? summary.location : folder.lexically_normal().string())));
-    add(Count(u"about.Appointments", summary.appointments) + u"\n" + Count(u"about.Tasks", summary.tasks) + u"\n" +
-        Count(u"about.Contacts", summary.contacts));
+    add(Replace(Lang("about.Store"), u"%s",
+                Utf8ToUtf16(error ? summary.location : folder.lexically_normal().string())));
+    add(Count(u"about.Appointments", summary.appointments) + u"\n" + Count(u"about.Tasks", summary.tasks) +
+        u"\n" + Count(u"about.Contacts", summary.contacts));
     if (summary.skipped.empty()) {
         add(Lang("about.AllRead"));
         return;
@@ -115,24 +120,27 @@ void AboutPage::Layout() {
     const int top = Scale(kTitleHeight);
     const int buttons = Scale(kButtonHeight) + 2 * Scale(kMargin);
     MoveWindow(list_.GetHwnd(), 0, top, width, std::max(1, height - top - buttons), true);
-    MoveWindow(ok_.GetHwnd(), Scale(kMargin), height - Scale(kMargin) - Scale(kButtonHeight), width - 2 * Scale(kMargin),
-               Scale(kButtonHeight), true);
+    MoveWindow(ok_.GetHwnd(), Scale(kMargin), height - Scale(kMargin) - Scale(kButtonHeight),
+               width - 2 * Scale(kMargin), Scale(kButtonHeight), true);
     // The paragraphs wrap to the list's width.
     list_.ClearItems();
     RECT client;
     GetClientRect(list_.GetHwnd(), &client);
     const ListViewStyle& style = SkinStyles::Current().listViews;
     for (size_t i = 0; i < lines_.size(); ++i)
-        list_.AddItem(std::make_unique<ParagraphRow>(lines_[i], headings_[i] ? *bold_ : *font_, client.Width(),
-                                                     style.colorText, style.colorBg));
+        list_.AddItem(std::make_unique<ParagraphRow>(lines_[i], headings_[i] ? *bold_ : *font_,
+                                                     client.Width(), style.colorText, style.colorBg));
     list_.Relayout();
     InvalidateRect(window, nullptr, false);
 }
 
-void AboutPage::OnScreenReset() { Layout(); }
+void AboutPage::OnScreenReset() {
+    Layout();
+}
 
 void AboutPage::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     const ListViewStyle& lists = SkinStyles::Current().listViews;
     RECT client;
     GetClientRect(window, &client);
@@ -147,11 +155,13 @@ void AboutPage::OnPaint(HDC dc) {
 }
 
 void AboutPage::OnCommand(UINT, UINT, HWND control) {
-    if (control == ok_.GetHwnd()) EndDialog(window, IDOK);
+    if (control == ok_.GetHwnd())
+        EndDialog(window, IDOK);
 }
 
 void AboutPage::OnKeyDown(UINT key, UINT) {
-    if (key == VK_ESCAPE || key == VK_RETURN) EndDialog(window, IDOK);
+    if (key == VK_ESCAPE || key == VK_RETURN)
+        EndDialog(window, IDOK);
 }
 
 } // namespace mirodate

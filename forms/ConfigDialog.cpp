@@ -42,9 +42,9 @@ using Kind = ConfigEntry::Kind;
 // One setting: its label on the left, its value (text, switch or swatch) on the right.
 class ConfigRow : public TouchListItem {
 public:
-    ConfigRow(ConfigDialog& dialog, int index, const std::u16string& label, const std::u16string& value,
+    ConfigRow(int index, const std::u16string& label, const std::u16string& value,
               std::optional<COLORREF> swatch, const Font& font, int width)
-        : dialog_(dialog), index_(index), swatch_(swatch) {
+        : index_(index), swatch_(swatch) {
         const ListViewStyle& style = SkinStyles::Current().listViews;
         text_ = style.colorText;
         background_ = index % 2 ? style.colorBg2 : style.colorBg;
@@ -53,18 +53,21 @@ public:
         // The value keeps its natural width up to half the row (wrapping
         // beyond); the label wraps in the rest.
         value_ = TextLayout(value, font, 0, false);
-        if (value_.Width() > room / 2) value_ = TextLayout(value, font, room / 2, true);
+        if (value_.Width() > room / 2)
+            value_ = TextLayout(value, font, room / 2, true);
         const int valueWidth = swatch ? Scale(kSwatch * 2) : value_.Width();
         label_ = TextLayout(label, font, std::max(1, room - valueWidth - Scale(kMargin)), true);
-        height_ = std::max(Scale(kRowHeight), std::max(label_.Height(), value_.Height()) + Scale(2 * kMargin));
+        height_ =
+            std::max(Scale(kRowHeight), std::max(label_.Height(), value_.Height()) + Scale(2 * kMargin));
     }
     void Draw(Dc& dc, const RECT& rect) override {
         dc.FillRect(rect, highlighted_ ? selection_ : background_);
         const COLORREF ink = highlighted_ ? RGB(255, 255, 255) : text_;
         label_.Draw(dc, rect.left + Scale(kMargin), rect.top + (rect.Height() - label_.Height()) / 2, ink);
         if (swatch_) {
-            const RECT box{rect.right - Scale(kRightMargin + 2 * kSwatch), rect.top + (rect.Height() - Scale(kSwatch)) / 2,
-                           rect.right - Scale(kRightMargin), rect.top + (rect.Height() + Scale(kSwatch)) / 2};
+            const RECT box{rect.right - Scale(kRightMargin + 2 * kSwatch),
+                           rect.top + (rect.Height() - Scale(kSwatch)) / 2, rect.right - Scale(kRightMargin),
+                           rect.top + (rect.Height() + Scale(kSwatch)) / 2};
             dc.FillRect(box, *swatch_);
             dc.FrameRect(box, ink);
             return;
@@ -80,7 +83,6 @@ public:
     void Highlight(int, int) override {}
 
 private:
-    ConfigDialog& dialog_;
     int index_;
     std::optional<COLORREF> swatch_;
     COLORREF text_, background_, selection_;
@@ -89,12 +91,15 @@ private:
     int height_ = 0;
 };
 
-std::u16string SwitchText(bool on) { return on ? u"\u2611" : u"\u2610"; }
+std::u16string SwitchText(bool on) {
+    return on ? u"\u2611" : u"\u2610";
+}
 
 // Whether a skin archive can be used: it opens and has its style file.
 bool SkinUsable(const std::string& path) {
     SkinArchive archive;
-    if (archive.Open(path) != SkinArchive::kOk) return false;
+    if (archive.Open(path) != SkinArchive::kOk)
+        return false;
     std::string text;
     return archive.ReadItem("skin.ini", text) == SkinArchive::kOk && !text.empty();
 }
@@ -119,7 +124,8 @@ std::u16string ConfigDialog::Label(const ConfigEntry& entry) const {
 int ConfigDialog::FindRow(const std::string& key) const {
     const auto& entries = tabs_[static_cast<size_t>(tab_)].entries;
     for (size_t i = 0; i < entries.size(); ++i)
-        if (entries[i].labelKey == key || entries[i].setting == key) return static_cast<int>(i);
+        if (entries[i].labelKey == key || entries[i].setting == key)
+            return static_cast<int>(i);
     return -1;
 }
 
@@ -130,7 +136,8 @@ BOOL ConfigDialog::OnInitDialog() {
     logFont.lfHeight = -std::clamp(Scale(kTextHeight) + FontSizeDelta(), 6, 200);
     font_ = std::make_unique<Font>(logFont);
     tabBar_.Create(window, RECT{0, 0, 1, 1});
-    for (const ConfigTab& tab : tabs_) tabBar_.AddTab(Lang(tab.labelKey));
+    for (const ConfigTab& tab : tabs_)
+        tabBar_.AddTab(Lang(tab.labelKey));
     tabBar_.SetSelectedTab(tab_);
     list_.Create(window, 0, 0, 1, 1, false, false);
     list_.SetHeaderHeight(0);
@@ -139,8 +146,8 @@ BOOL ConfigDialog::OnInitDialog() {
     list_.SetColors(colors);
     const InputFormsStyle& form = SkinStyles::Current().inputForms;
     done_.Create(window, Lang("OK"), 0, 0, 1, 1, IDOK);
-    done_.SetColors(form.buttons.colorButtonBg, form.buttons.colorButtonText, form.buttons.colorButtonBgPressed,
-                    form.buttons.colorButtonTextPressed);
+    done_.SetColors(form.buttons.colorButtonBg, form.buttons.colorButtonText,
+                    form.buttons.colorButtonBgPressed, form.buttons.colorButtonTextPressed);
     done_.SetGradient(form.buttons.colorButtonGradient, form.buttons.colorButtonGradientPressed);
     Layout();
     SetFocus(window);
@@ -162,10 +169,13 @@ void ConfigDialog::Layout() {
     InvalidateRect(window, nullptr, false);
 }
 
-void ConfigDialog::OnScreenReset() { Layout(); }
+void ConfigDialog::OnScreenReset() {
+    Layout();
+}
 
 void ConfigDialog::Fill() {
-    if (!list_.GetHwnd()) return;
+    if (!list_.GetHwnd())
+        return;
     const int position = list_.Scroller().Position();
     list_.ClearItems();
     RECT client;
@@ -177,13 +187,23 @@ void ConfigDialog::Fill() {
         std::optional<COLORREF> swatch;
         switch (entry.kind) {
         case Kind::Switch:
-        case Kind::TaskView: value = SwitchText(ConfigEntries::SwitchValue(entry)); break;
-        case Kind::ReplaceCalendar: value = SwitchText(DefaultApps::IsCalendarReplaced()); break;
-        case Kind::ReplaceTasks: value = SwitchText(DefaultApps::IsTasksReplaced()); break;
-        case Kind::Choice: value = ConfigEntries::ValueText(entry); break;
-        case Kind::Colour: swatch = ConfigEntries::ColourValue(entry); break;
+        case Kind::TaskView:
+            value = SwitchText(ConfigEntries::SwitchValue(entry));
+            break;
+        case Kind::ReplaceCalendar:
+            value = SwitchText(DefaultApps::IsCalendarReplaced());
+            break;
+        case Kind::ReplaceTasks:
+            value = SwitchText(DefaultApps::IsTasksReplaced());
+            break;
+        case Kind::Choice:
+            value = ConfigEntries::ValueText(entry);
+            break;
+        case Kind::Colour:
+            swatch = ConfigEntries::ColourValue(entry);
+            break;
         }
-        list_.AddItem(std::make_unique<ConfigRow>(*this, static_cast<int>(i), Label(entry), value, swatch, *font_,
+        list_.AddItem(std::make_unique<ConfigRow>(static_cast<int>(i), Label(entry), value, swatch, *font_,
                                                   client.Width()));
     }
     list_.Relayout();
@@ -192,11 +212,14 @@ void ConfigDialog::Fill() {
 }
 
 void ConfigDialog::SelectTab(int index) {
-    if (index < 0 || index >= static_cast<int>(tabs_.size())) return;
+    if (index < 0 || index >= static_cast<int>(tabs_.size()))
+        return;
     const bool moved = index != tab_;
     tab_ = index;
-    if (tabBar_.GetHwnd()) tabBar_.SetSelectedTab(index);
-    if (moved && list_.GetHwnd()) list_.Scroller().SetPosition(0);
+    if (tabBar_.GetHwnd())
+        tabBar_.SetSelectedTab(index);
+    if (moved && list_.GetHwnd())
+        list_.Scroller().SetPosition(0);
     Fill();
 }
 
@@ -215,19 +238,29 @@ void ConfigDialog::Relabel() {
 }
 
 void ConfigDialog::Changed(const std::string& setting) {
-    if (onChange_) onChange_(setting);
+    if (onChange_)
+        onChange_(setting);
 }
 
 void ConfigDialog::ActivateRow(int index) {
-    if (index < 0 || index >= static_cast<int>(tabs_[static_cast<size_t>(tab_)].entries.size())) return;
+    if (index < 0 || index >= static_cast<int>(tabs_[static_cast<size_t>(tab_)].entries.size()))
+        return;
     const ConfigEntry& entry = Entry(index);
     switch (entry.kind) {
     case Kind::Switch:
-    case Kind::TaskView: FlipSwitch(entry); break;
+    case Kind::TaskView:
+        FlipSwitch(entry);
+        break;
     case Kind::ReplaceCalendar:
-    case Kind::ReplaceTasks: SwitchReplacement(entry); break;
-    case Kind::Choice: OpenChoices(index); return;
-    case Kind::Colour: OpenColourPage(index); return;
+    case Kind::ReplaceTasks:
+        SwitchReplacement(entry);
+        break;
+    case Kind::Choice:
+        OpenChoices(index);
+        return;
+    case Kind::Colour:
+        OpenColourPage(index);
+        return;
     }
     Fill();
 }
@@ -239,8 +272,10 @@ void ConfigDialog::FlipSwitch(const ConfigEntry& entry) {
         std::u16string views;
         for (const char16_t* view : {u"Month", u"Week", u"Agenda", u"Day"}) {
             const bool enabled = view == Utf8ToUtf16(entry.setting) ? on : Settings::IsTaskViewEnabled(view);
-            if (!enabled) continue;
-            if (!views.empty()) views += u'|';
+            if (!enabled)
+                continue;
+            if (!views.empty())
+                views += u'|';
             views += view;
         }
         Settings::SetShowTasksInViews(views);
@@ -248,12 +283,13 @@ void ConfigDialog::FlipSwitch(const ConfigEntry& entry) {
         return;
     }
     Settings::SetBool(entry.setting.c_str(), on);
-    if (entry.setting == "ShowWindowsTaskBar") Shell::SetHideTaskBar(!on);
+    if (entry.setting == "ShowWindowsTaskBar")
+        Shell::SetHideTaskBar(!on);
     if (entry.setting == "HideCompleteTasks" || entry.setting == "ShowContactsBirthdays" ||
         entry.setting == "ShowContactsAnniversaries") {
-        PimStore::Instance().SetFilters(Settings::GetExcludeFilter(), Settings::GetLastFilter(),
-                                        Settings::GetHideCompleteTasks(), Settings::GetShowContactsBirthdays(),
-                                        Settings::GetShowContactsAnniversaries());
+        PimStore::Instance().SetFilters(
+            Settings::GetExcludeFilter(), Settings::GetLastFilter(), Settings::GetHideCompleteTasks(),
+            Settings::GetShowContactsBirthdays(), Settings::GetShowContactsAnniversaries());
     }
     Changed(entry.setting);
 }
@@ -262,7 +298,8 @@ void ConfigDialog::SwitchReplacement(const ConfigEntry& entry) {
     const DefaultApps::Role role =
         entry.kind == Kind::ReplaceCalendar ? DefaultApps::Role::Calendar : DefaultApps::Role::Tasks;
     std::string error;
-    const bool ok = DefaultApps::IsReplaced(role) ? DefaultApps::Restore(role, error) : DefaultApps::Replace(role, error);
+    const bool ok =
+        DefaultApps::IsReplaced(role) ? DefaultApps::Restore(role, error) : DefaultApps::Replace(role, error);
     if (!ok) {
         Log::Warning("default program: %s", error.c_str());
         MessagePage::Tell(window, Lang("config.DefaultsNotWritten") + u"\n" + Utf8ToUtf16(error));
@@ -271,26 +308,32 @@ void ConfigDialog::SwitchReplacement(const ConfigEntry& entry) {
 
 void ConfigDialog::OpenChoices(int index) {
     const ConfigEntry& entry = Entry(index);
-    if (entry.options.empty()) return;
+    if (entry.options.empty())
+        return;
     pendingRow_ = index;
     const int current = ConfigEntries::CurrentOption(entry);
     std::vector<ContextMenuItem> items;
     for (size_t i = 0; i < entry.options.size(); ++i)
-        items.push_back({entry.options[i].label, kCmdOptionBase + static_cast<UINT>(i), static_cast<int>(i) == current});
+        items.push_back(
+            {entry.options[i].label, kCmdOptionBase + static_cast<UINT>(i), static_cast<int>(i) == current});
     auto* menu = new ContextMenu(this, std::move(items), 0); // owned by our deferred command, or by itself
-    if (current >= 0) menu->SetPreselected(current);
+    if (current >= 0)
+        menu->SetPreselected(current);
     menu->SetHeaderText(Label(entry));
     menu->Open();
 }
 
 void ConfigDialog::ChooseOption(int index, int option) {
-    if (index < 0 || index >= static_cast<int>(tabs_[static_cast<size_t>(tab_)].entries.size())) return;
+    if (index < 0 || index >= static_cast<int>(tabs_[static_cast<size_t>(tab_)].entries.size()))
+        return;
     const ConfigEntry entry = Entry(index);
-    if (entry.kind != Kind::Choice || option < 0 || option >= static_cast<int>(entry.options.size())) return;
+    if (entry.kind != Kind::Choice || option < 0 || option >= static_cast<int>(entry.options.size()))
+        return;
     const ConfigOption& chosen = entry.options[static_cast<size_t>(option)];
     const std::u16string& value = chosen.value;
     if (entry.setting == "Skin") {
-        if (value == Settings::GetSkin()) return;
+        if (value == Settings::GetSkin())
+            return;
         if (!SkinUsable(chosen.path)) {
             MessagePage::Tell(window, Lang("config.SkinUnusable"));
             return;
@@ -318,12 +361,14 @@ void ConfigDialog::ChooseOption(int index, int option) {
 void ConfigDialog::OpenColourPage(int index) {
     const ConfigEntry& entry = Entry(index);
     ColorPickerPage page(Label(entry), ConfigEntries::ColourValue(entry));
-    if (page.DoModal(window) == IDOK) SetColour(index, page.Color());
+    if (page.DoModal(window) == IDOK)
+        SetColour(index, page.Color());
 }
 
 void ConfigDialog::SetColour(int index, COLORREF color) {
     const ConfigEntry& entry = Entry(index);
-    if (entry.kind != Kind::Colour) return;
+    if (entry.kind != Kind::Colour)
+        return;
     Settings::SetText(entry.setting.c_str(), ConfigEntries::ColourText(color));
     Categories::LoadCategoryColors();
     Fill();
@@ -331,7 +376,8 @@ void ConfigDialog::SetColour(int index, COLORREF color) {
 }
 
 void ConfigDialog::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     const ListViewStyle& lists = SkinStyles::Current().listViews;
     RECT client;
     GetClientRect(window, &client);
@@ -346,22 +392,28 @@ void ConfigDialog::OnPaint(HDC dc) {
 }
 
 void ConfigDialog::OnCommand(UINT, UINT, HWND control) {
-    if (control == done_.GetHwnd()) EndDialog(window, IDOK);
+    if (control == done_.GetHwnd())
+        EndDialog(window, IDOK);
 }
 
 LRESULT ConfigDialog::OnNotify(UINT_PTR, NMHDR* header) {
     if (header && header->hwndFrom == tabBar_.GetHwnd()) {
         // A press beside the tabs keeps the tab in use.
-        if (tabBar_.SelectedTab() < 0) tabBar_.SetSelectedTab(tab_);
-        else SelectTab(tabBar_.SelectedTab());
+        if (tabBar_.SelectedTab() < 0)
+            tabBar_.SetSelectedTab(tab_);
+        else
+            SelectTab(tabBar_.SelectedTab());
     }
     return 0;
 }
 
 void ConfigDialog::OnKeyDown(UINT key, UINT) {
-    if (key == VK_ESCAPE || key == VK_RETURN) EndDialog(window, IDOK);
-    else if (key == VK_LEFT) SelectTab((tab_ + static_cast<int>(tabs_.size()) - 1) % static_cast<int>(tabs_.size()));
-    else if (key == VK_RIGHT) SelectTab((tab_ + 1) % static_cast<int>(tabs_.size()));
+    if (key == VK_ESCAPE || key == VK_RETURN)
+        EndDialog(window, IDOK);
+    else if (key == VK_LEFT)
+        SelectTab((tab_ + static_cast<int>(tabs_.size()) - 1) % static_cast<int>(tabs_.size()));
+    else if (key == VK_RIGHT)
+        SelectTab((tab_ + 1) % static_cast<int>(tabs_.size()));
 }
 
 void ConfigDialog::OnDeferredCommand(UINT id) {
@@ -369,7 +421,8 @@ void ConfigDialog::OnDeferredCommand(UINT id) {
         ChooseOption(pendingRow_, static_cast<int>(id - kCmdOptionBase));
         return;
     }
-    if (id < kCmdOptionBase && id >= kCmdOptionBase - kRowCommandLimit) ActivateRow(static_cast<int>(kCmdOptionBase - 1 - id));
+    if (id < kCmdOptionBase && id >= kCmdOptionBase - kRowCommandLimit)
+        ActivateRow(static_cast<int>(kCmdOptionBase - 1 - id));
 }
 
 } // namespace mirodate

@@ -29,7 +29,9 @@ std::string Env(const char* name, const std::string& fallback) {
     const char* value = std::getenv(name);
     return value && value[0] == '/' ? std::string(value) : fallback;
 }
-std::string Home() { return Env("HOME", "/tmp"); }
+std::string Home() {
+    return Env("HOME", "/tmp");
+}
 
 const char* PreviousValueSetting(DefaultApps::Role role) {
     return role == DefaultApps::Role::Calendar ? "PreviousCalendarHandler" : "PreviousTasksHandler";
@@ -40,15 +42,18 @@ const char* PreviousKindSetting(DefaultApps::Role role) {
 
 std::string LauncherPath() {
     const std::string beside = Paths::ProgramDir() + "/mirodate-launcher";
-    if (access(beside.c_str(), X_OK) == 0) return beside;
+    if (access(beside.c_str(), X_OK) == 0)
+        return beside;
     return "mirodate-launcher";
 }
 
 std::string QuoteExecArgument(const std::string& text) {
-    if (text.find_first_of(" \t\"'\\$`") == std::string::npos) return text;
+    if (text.find_first_of(" \t\"'\\$`") == std::string::npos)
+        return text;
     std::string quoted = "\"";
     for (char c : text) {
-        if (c == '"' || c == '`' || c == '$' || c == '\\') quoted += '\\';
+        if (c == '"' || c == '`' || c == '$' || c == '\\')
+            quoted += '\\';
         quoted += c;
     }
     return quoted + "\"";
@@ -69,7 +74,8 @@ std::string DesktopEntryText(DefaultApps::Role role) {
 bool WriteFileAtomically(const std::string& path, const std::string& text) {
     std::string temp = path + ".XXXXXX";
     const int fd = mkstemp(temp.data());
-    if (fd < 0) return false;
+    if (fd < 0)
+        return false;
     bool ok = static_cast<size_t>(write(fd, text.data(), text.size())) == text.size();
     ok = fchmod(fd, 0644) == 0 && ok;
     close(fd);
@@ -83,22 +89,30 @@ bool WriteFileAtomically(const std::string& path, const std::string& text) {
 bool IsOwnDesktopFile(const std::string& path) {
     std::ifstream file(path);
     for (std::string line; std::getline(file, line);)
-        if (line == kOwnMarker) return true;
+        if (line == kOwnMarker)
+            return true;
     return false;
 }
 
 bool NamesUs(const std::optional<std::string>& value, DefaultApps::Role role) {
-    if (!value) return false;
+    if (!value)
+        return false;
     // The first id of the list is the default.
     const std::string first = value->substr(0, value->find(';'));
     return first == DefaultApps::DesktopId(role);
 }
 } // namespace
 
-const char* DefaultApps::MimeType(Role role) { return role == Role::Calendar ? kCalendarMimeType : kTasksMimeType; }
-const char* DefaultApps::DesktopId(Role role) { return role == Role::Calendar ? kCalendarDesktopId : kTasksDesktopId; }
+const char* DefaultApps::MimeType(Role role) {
+    return role == Role::Calendar ? kCalendarMimeType : kTasksMimeType;
+}
+const char* DefaultApps::DesktopId(Role role) {
+    return role == Role::Calendar ? kCalendarDesktopId : kTasksDesktopId;
+}
 
-std::string DefaultApps::MimeApps() { return Env("XDG_CONFIG_HOME", Home() + "/.config") + "/mimeapps.list"; }
+std::string DefaultApps::MimeApps() {
+    return Env("XDG_CONFIG_HOME", Home() + "/.config") + "/mimeapps.list";
+}
 
 std::string DefaultApps::DesktopFile(Role role) {
     return Env("XDG_DATA_HOME", Home() + "/.local/share") + "/applications/" + DesktopId(role);
@@ -107,7 +121,8 @@ std::string DefaultApps::DesktopFile(Role role) {
 bool DefaultApps::IsReplaced(Role role) {
     MimeAppsList list;
     std::string error;
-    if (!list.Load(MimeApps(), error)) return false;
+    if (!list.Load(MimeApps(), error))
+        return false;
     return NamesUs(list.Get(MimeAppsList::kDefaultsSection, MimeType(role)), role);
 }
 
@@ -117,9 +132,11 @@ std::string DefaultApps::PreviousHandler(Role role) {
 
 bool DefaultApps::Replace(Role role, std::string& error) {
     MimeAppsList list;
-    if (!list.Load(MimeApps(), error)) return false;
+    if (!list.Load(MimeApps(), error))
+        return false;
     const auto current = list.Get(MimeAppsList::kDefaultsSection, MimeType(role));
-    if (NamesUs(current, role)) return true;
+    if (NamesUs(current, role))
+        return true;
 
     const std::string desktop = DesktopFile(role);
     const std::string folder = desktop.substr(0, desktop.rfind('/'));
@@ -127,7 +144,9 @@ bool DefaultApps::Replace(Role role, std::string& error) {
         error = desktop + ": " + std::strerror(errno);
         return false;
     }
-    const int kind = current ? kHadValue : list.HasSection(MimeAppsList::kDefaultsSection) ? kHadNoLine : kHadNoSection;
+    const int kind = current                                           ? kHadValue
+                     : list.HasSection(MimeAppsList::kDefaultsSection) ? kHadNoLine
+                                                                       : kHadNoSection;
     list.Set(MimeAppsList::kDefaultsSection, MimeType(role), std::string(DesktopId(role)) + ";");
     const std::string configFolder = MimeApps().substr(0, MimeApps().rfind('/'));
     Paths::MakeDirs(configFolder);
@@ -143,18 +162,27 @@ bool DefaultApps::Replace(Role role, std::string& error) {
 
 bool DefaultApps::Restore(Role role, std::string& error) {
     MimeAppsList list;
-    if (!list.Load(MimeApps(), error)) return false;
+    if (!list.Load(MimeApps(), error))
+        return false;
     if (NamesUs(list.Get(MimeAppsList::kDefaultsSection, MimeType(role)), role)) {
         const std::string previous = PreviousHandler(role);
         switch (Settings::GetNumber(PreviousKindSetting(role), kNoRecord)) {
-        case kHadValue: list.Set(MimeAppsList::kDefaultsSection, MimeType(role), previous); break;
-        case kHadNoSection: list.Remove(MimeAppsList::kDefaultsSection, MimeType(role), true); break;
-        default: list.Remove(MimeAppsList::kDefaultsSection, MimeType(role), false); break;
+        case kHadValue:
+            list.Set(MimeAppsList::kDefaultsSection, MimeType(role), previous);
+            break;
+        case kHadNoSection:
+            list.Remove(MimeAppsList::kDefaultsSection, MimeType(role), true);
+            break;
+        default:
+            list.Remove(MimeAppsList::kDefaultsSection, MimeType(role), false);
+            break;
         }
-        if (!list.Save(MimeApps(), error)) return false;
+        if (!list.Save(MimeApps(), error))
+            return false;
     }
     const std::string desktop = DesktopFile(role);
-    if (IsOwnDesktopFile(desktop)) unlink(desktop.c_str());
+    if (IsOwnDesktopFile(desktop))
+        unlink(desktop.c_str());
     Settings::SetText(PreviousValueSetting(role), u"");
     Settings::SetNumber(PreviousKindSetting(role), kNoRecord);
     return true;
@@ -166,13 +194,17 @@ std::optional<std::vector<std::string>> DefaultApps::OtherHandlerCommand(Role ro
     const std::string previous = PreviousHandler(role);
     for (size_t start = 0; start < previous.size();) {
         const size_t end = std::min(previous.find(';', start), previous.size());
-        if (end > start) ids.push_back(previous.substr(start, end - start));
+        if (end > start)
+            ids.push_back(previous.substr(start, end - start));
         start = end + 1;
     }
-    for (const std::string& id : DesktopHandlers::HandlersFor(MimeType(role))) ids.push_back(id);
+    for (const std::string& id : DesktopHandlers::HandlersFor(MimeType(role)))
+        ids.push_back(id);
     for (const std::string& id : ids) {
-        if (id == kCalendarDesktopId || id == kTasksDesktopId) continue;
-        if (auto command = DesktopHandlers::CommandOf(id, file)) return command;
+        if (id == kCalendarDesktopId || id == kTasksDesktopId)
+            continue;
+        if (auto command = DesktopHandlers::CommandOf(id, file))
+            return command;
     }
     return std::nullopt;
 }
@@ -186,9 +218,12 @@ void DefaultApps::RunPreviousHandler(const std::vector<std::string>& arguments) 
     Role role = Role::Calendar;
     std::string file;
     for (const std::string& argument : arguments) {
-        if (argument == "tasks") role = Role::Tasks;
-        else if (argument == "calendar") role = Role::Calendar;
-        else if (file.empty()) file = argument;
+        if (argument == "tasks")
+            role = Role::Tasks;
+        else if (argument == "calendar")
+            role = Role::Calendar;
+        else if (file.empty())
+            file = argument;
     }
     std::string error;
     if (calendar || tasks) {
@@ -199,11 +234,15 @@ void DefaultApps::RunPreviousHandler(const std::vector<std::string>& arguments) 
     Settings::SetText(PreviousValueSetting(role), recorded);
     const auto command = OtherHandlerCommand(role, file);
     Settings::SetText(PreviousValueSetting(role), u"");
-    if (command) PlatformServices::Instance().RunProgramAndWait(*command);
-    else std::fprintf(stderr, "mirodate: no other %s program is set up on this desktop\n",
-                      role == Role::Calendar ? "calendar" : "tasks");
-    if (calendar && !Replace(Role::Calendar, error)) Log::Warning("cannot take the calendar back: %s", error.c_str());
-    if (tasks && !Replace(Role::Tasks, error)) Log::Warning("cannot take the tasks back: %s", error.c_str());
+    if (command)
+        PlatformServices::Instance().RunProgramAndWait(*command);
+    else
+        std::fprintf(stderr, "mirodate: no other %s program is set up on this desktop\n",
+                     role == Role::Calendar ? "calendar" : "tasks");
+    if (calendar && !Replace(Role::Calendar, error))
+        Log::Warning("cannot take the calendar back: %s", error.c_str());
+    if (tasks && !Replace(Role::Tasks, error))
+        Log::Warning("cannot take the tasks back: %s", error.c_str());
 }
 
 } // namespace mirodate

@@ -13,7 +13,8 @@ namespace mirodate {
 namespace {
 std::string Trim(const std::string& text) {
     const size_t begin = text.find_first_not_of(" \t");
-    if (begin == std::string::npos) return {};
+    if (begin == std::string::npos)
+        return {};
     const size_t end = text.find_last_not_of(" \t");
     return text.substr(begin, end - begin + 1);
 }
@@ -26,15 +27,19 @@ bool IsHeader(const std::string& line) {
 // The file a path stands for: a link's final target, so that the link stays.
 std::string ResolveLink(const std::string& path) {
     struct stat st {};
-    if (lstat(path.c_str(), &st) != 0 || !S_ISLNK(st.st_mode)) return path;
+    if (lstat(path.c_str(), &st) != 0 || !S_ISLNK(st.st_mode))
+        return path;
     char resolved[PATH_MAX];
-    if (realpath(path.c_str(), resolved)) return resolved;
+    if (realpath(path.c_str(), resolved))
+        return resolved;
     // A dangling link: write where it points.
     char target[PATH_MAX];
     const ssize_t n = readlink(path.c_str(), target, sizeof target - 1);
-    if (n <= 0) return path;
+    if (n <= 0)
+        return path;
     std::string text(target, static_cast<size_t>(n));
-    if (text.front() == '/') return text;
+    if (text.front() == '/')
+        return text;
     const size_t slash = path.rfind('/');
     return (slash == std::string::npos ? std::string() : path.substr(0, slash + 1)) + text;
 }
@@ -43,8 +48,10 @@ bool WriteAll(int fd, const std::string& text) {
     size_t done = 0;
     while (done < text.size()) {
         const ssize_t n = write(fd, text.data() + done, text.size() - done);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) return false;
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return false;
         done += static_cast<size_t>(n);
     }
     return true;
@@ -55,7 +62,8 @@ bool MimeAppsList::Load(const std::string& path, std::string& error) {
     lines_.clear();
     const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) {
-        if (errno == ENOENT) return true;
+        if (errno == ENOENT)
+            return true;
         error = path + ": " + std::strerror(errno);
         return false;
     }
@@ -70,9 +78,12 @@ bool MimeAppsList::Load(const std::string& path, std::string& error) {
     bool failed = false;
     while (done < text.size()) {
         const ssize_t n = read(fd, text.data() + done, text.size() - done);
-        if (n < 0 && errno == EINTR) continue;
-        if (n < 0) failed = true;
-        if (n <= 0) break;
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0)
+            failed = true;
+        if (n <= 0)
+            break;
         done += static_cast<size_t>(n);
     }
     close(fd);
@@ -113,7 +124,8 @@ void MimeAppsList::SetText(const std::string& text) {
 
 std::string MimeAppsList::Text() const {
     std::string text;
-    for (const Line& line : lines_) text += line.text + line.ending;
+    for (const Line& line : lines_)
+        text += line.text + line.ending;
     return text;
 }
 
@@ -153,15 +165,19 @@ bool MimeAppsList::Save(const std::string& path, std::string& error) const {
 
 int MimeAppsList::FindSection(const std::string& section) const {
     for (size_t i = 0; i < lines_.size(); ++i)
-        if (Trim(lines_[i].text) == "[" + section + "]") return static_cast<int>(i);
+        if (Trim(lines_[i].text) == "[" + section + "]")
+            return static_cast<int>(i);
     return -1;
 }
 
-bool MimeAppsList::HasSection(const std::string& section) const { return FindSection(section) >= 0; }
+bool MimeAppsList::HasSection(const std::string& section) const {
+    return FindSection(section) >= 0;
+}
 
 int MimeAppsList::SectionEnd(int header) const {
     size_t i = static_cast<size_t>(header) + 1;
-    while (i < lines_.size() && !IsHeader(lines_[i].text)) ++i;
+    while (i < lines_.size() && !IsHeader(lines_[i].text))
+        ++i;
     return static_cast<int>(i);
 }
 
@@ -170,23 +186,27 @@ int MimeAppsList::FindKey(int header, const std::string& key) const {
     for (int i = header + 1; i < end; ++i) {
         const std::string& text = lines_[static_cast<size_t>(i)].text;
         const size_t equals = text.find('=');
-        if (equals != std::string::npos && Trim(text.substr(0, equals)) == key) return i;
+        if (equals != std::string::npos && Trim(text.substr(0, equals)) == key)
+            return i;
     }
     return -1;
 }
 
 std::optional<std::string> MimeAppsList::Get(const std::string& section, const std::string& key) const {
     const int header = FindSection(section);
-    if (header < 0) return std::nullopt;
+    if (header < 0)
+        return std::nullopt;
     const int at = FindKey(header, key);
-    if (at < 0) return std::nullopt;
+    if (at < 0)
+        return std::nullopt;
     const std::string& text = lines_[static_cast<size_t>(at)].text;
     return Trim(text.substr(text.find('=') + 1));
 }
 
 std::string MimeAppsList::NewLineEnding() const {
     for (const Line& line : lines_)
-        if (!line.ending.empty()) return line.ending;
+        if (!line.ending.empty())
+            return line.ending;
     return "\n";
 }
 
@@ -200,20 +220,25 @@ void MimeAppsList::Set(const std::string& section, const std::string& key, const
         }
         // After the section's last non-blank line.
         int at = SectionEnd(header);
-        while (at > header + 1 && Trim(lines_[static_cast<size_t>(at - 1)].text).empty()) --at;
-        if (lines_[static_cast<size_t>(at - 1)].ending.empty()) lines_[static_cast<size_t>(at - 1)].ending = ending;
+        while (at > header + 1 && Trim(lines_[static_cast<size_t>(at - 1)].text).empty())
+            --at;
+        if (lines_[static_cast<size_t>(at - 1)].ending.empty())
+            lines_[static_cast<size_t>(at - 1)].ending = ending;
         lines_.insert(lines_.begin() + at, Line{key + "=" + value, ending});
         return;
     }
-    if (!lines_.empty() && lines_.back().ending.empty()) lines_.back().ending = ending;
+    if (!lines_.empty() && lines_.back().ending.empty())
+        lines_.back().ending = ending;
     lines_.push_back(Line{"[" + section + "]", ending});
     lines_.push_back(Line{key + "=" + value, ending});
 }
 
 void MimeAppsList::Remove(const std::string& section, const std::string& key, bool dropEmptySection) {
     const int header = FindSection(section);
-    if (header < 0) return;
-    if (const int at = FindKey(header, key); at >= 0) lines_.erase(lines_.begin() + at);
+    if (header < 0)
+        return;
+    if (const int at = FindKey(header, key); at >= 0)
+        lines_.erase(lines_.begin() + at);
     if (dropEmptySection && SectionEnd(header) == header + 1)
         lines_.erase(lines_.begin() + header);
 }

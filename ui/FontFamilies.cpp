@@ -14,7 +14,8 @@ std::vector<std::u16string> ListFontFamilies() {
     PangoFontFamily** families = nullptr;
     int count = 0;
     pango_font_map_list_families(map, &families, &count);
-    for (int i = 0; i < count; ++i) names.push_back(Utf8ToUtf16(pango_font_family_get_name(families[i])));
+    for (int i = 0; i < count; ++i)
+        names.push_back(Utf8ToUtf16(pango_font_family_get_name(families[i])));
     g_free(families);
     std::sort(names.begin(), names.end());
     names.erase(std::unique(names.begin(), names.end()), names.end());

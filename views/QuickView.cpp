@@ -36,10 +36,13 @@ std::vector<MenuBarEntry> QuickView::MenuEntries() const {
             {"MonthView", MenuBarIcon::Month}};
 }
 
-std::u16string QuickView::Title() const { return Lang("QuickView"); }
+std::u16string QuickView::Title() const {
+    return Lang("QuickView");
+}
 
 void QuickView::Reload() {
-    if (!window) return;
+    if (!window)
+        return;
     BeginFill(list_);
     shown_.clear();
     const DateTime today = DateTime::Today();
@@ -52,12 +55,16 @@ void QuickView::Reload() {
         appointments_.clear();
         tasks_.clear();
         store.GetDayAppointments(day.GetYear(), day.GetMonth(), day.GetDay(), appointments_);
-        if (withTasks) store.GetDayTasks(day.GetYear(), day.GetMonth(), day.GetDay(), tasks_);
+        if (withTasks)
+            store.GetDayTasks(day.GetYear(), day.GetMonth(), day.GetDay(), tasks_);
         bool header = false;
         auto add = [&](const PimItem& item) {
-            if (static_cast<int>(shown_.size()) >= kMaxItems) return;
+            if (static_cast<int>(shown_.size()) >= kMaxItems)
+                return;
             if (!header) {
-                const std::u16string caption = index == 0 ? Lang("Today") : index == 1 ? Lang("Tomorrow") : u"";
+                const std::u16string caption = index == 0   ? Lang("Today")
+                                               : index == 1 ? Lang("Tomorrow")
+                                                            : u"";
                 list_.AddItem(std::make_unique<DayHeaderRow>(look_, dayDate, caption));
                 header = true;
             }
@@ -66,12 +73,15 @@ void QuickView::Reload() {
         };
         for (const PimItem& item : appointments_) {
             // What is over already is not next; what runs now is.
-            if (index == 0 && !item.IsTask() && item.kind == PimItem::kAppointment && item.endValue <= now) continue;
+            if (index == 0 && !item.IsTask() && item.kind == PimItem::kAppointment && item.endValue <= now)
+                continue;
             add(item);
         }
-        for (const PimItem& task : tasks_) add(task);
+        for (const PimItem& task : tasks_)
+            add(task);
     }
-    if (shown_.empty()) list_.AddItem(std::make_unique<MessageRow>(look_, Lang("NoAppointments"), today.ToDate()));
+    if (shown_.empty())
+        list_.AddItem(std::make_unique<MessageRow>(look_, Lang("NoAppointments"), today.ToDate()));
     EndFill(list_);
 }
 

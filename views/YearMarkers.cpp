@@ -12,14 +12,19 @@ namespace {
 constexpr int kMaxDaysInYear = 366;
 } // namespace
 
-void YearMarkers::Load(int year) { Set(year, Compute(year, WithTasks())); }
+void YearMarkers::Load(int year) {
+    Set(year, Compute(year, WithTasks()));
+}
 
-bool YearMarkers::WithTasks() { return Settings::IsTaskViewEnabled(u"Month"); }
+bool YearMarkers::WithTasks() {
+    return Settings::IsTaskViewEnabled(u"Month");
+}
 
 bool YearMarkers::IsCached(int year, bool withTasks) {
     const PimStore& store = PimStore::Instance();
     for (int month = 1; month <= 12; ++month)
-        if (!store.IsMonthLoaded(year, month, false) || (withTasks && !store.IsMonthLoaded(year, month, true)))
+        if (!store.IsMonthLoaded(year, month, false) ||
+            (withTasks && !store.IsMonthLoaded(year, month, true)))
             return false;
     return true;
 }
@@ -36,7 +41,8 @@ std::vector<bool> YearMarkers::Compute(int year, bool withTasks) {
         for (int day = 1; day <= DaysInMonth(year, month); ++day, ++index) {
             items.clear();
             store.GetDayAppointments(year, month, day, items);
-            if (items.empty() && withTasks) store.GetDayTasks(year, month, day, items);
+            if (items.empty() && withTasks)
+                store.GetDayTasks(year, month, day, items);
             days[static_cast<size_t>(index)] = !items.empty();
         }
     }
@@ -50,14 +56,19 @@ void YearMarkers::Set(int year, std::vector<bool> days) {
     days_.resize(kMaxDaysInYear, false);
 }
 
-void YearMarkers::Clear(int year) { Set(year, {}); }
+void YearMarkers::Clear(int year) {
+    Set(year, {});
+}
 
 bool YearMarkers::HasItems(int month, int day) const {
-    if (days_.empty() || month < 1 || month > 12 || day < 1 || day > DaysInMonth(year_, month)) return false;
+    if (days_.empty() || month < 1 || month > 12 || day < 1 || day > DaysInMonth(year_, month))
+        return false;
     const auto index = static_cast<long>(DateTime(year_, month, day).ToDate() - yearStart_);
     return index >= 0 && index < kMaxDaysInYear && days_[static_cast<size_t>(index)];
 }
 
-int YearMarkers::MarkedDays() const { return static_cast<int>(std::count(days_.begin(), days_.end(), true)); }
+int YearMarkers::MarkedDays() const {
+    return static_cast<int>(std::count(days_.begin(), days_.end(), true));
+}
 
 } // namespace mirodate

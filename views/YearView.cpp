@@ -42,7 +42,9 @@ YearColors ColorsFromSkin() {
     return c;
 }
 
-std::u16string Number(int value) { return Utf8ToUtf16(std::to_string(value)); }
+std::u16string Number(int value) {
+    return Utf8ToUtf16(std::to_string(value));
+}
 } // namespace
 
 YearView::YearView(int year) : year_(year), mondayFirst_(Locale::FirstDayOfWeek() == 1) {}
@@ -52,10 +54,13 @@ namespace {
 constexpr UINT kCmdMarkersRead = 0x7C01;
 } // namespace
 
-YearView::~YearView() { JoinReader(); }
+YearView::~YearView() {
+    JoinReader();
+}
 
 void YearView::JoinReader() {
-    if (reading_ && reading_->thread.joinable()) reading_->thread.join();
+    if (reading_ && reading_->thread.joinable())
+        reading_->thread.join();
     reading_.reset();
 }
 
@@ -79,23 +84,29 @@ void YearView::LoadMarkers() {
 }
 
 void YearView::OnDeferredCommand(UINT id) {
-    if (id != kCmdMarkersRead || !reading_) return;
+    if (id != kCmdMarkersRead || !reading_)
+        return;
     const int year = reading_->year;
-    if (reading_->thread.joinable()) reading_->thread.join();
+    if (reading_->thread.joinable())
+        reading_->thread.join();
     std::vector<bool> days = std::move(reading_->days);
     reading_.reset();
-    if (year != year_) return; // the user has moved on
+    if (year != year_)
+        return; // the user has moved on
     markers_.Set(year, std::move(days));
     InvalidateRect(window, nullptr, false);
 }
 
 HWND YearView::Open(HWND owner) {
-    if (!CreateModeless(owner)) return nullptr;
+    if (!CreateModeless(owner))
+        return nullptr;
     SetForegroundWindow(window);
     return window;
 }
 
-std::u16string YearView::Title() const { return Number(year_); }
+std::u16string YearView::Title() const {
+    return Number(year_);
+}
 
 BOOL YearView::OnInitDialog() {
     dataChangedMessage_ = RegisterWindowMessage(kPoomDataChangedName);
@@ -105,9 +116,11 @@ BOOL YearView::OnInitDialog() {
     SetWindowText(window, Lang("YearView"));
     const TimeViewStyle& look = SkinStyles::Current().agendaView;
     title_.Create(window, Title(), 0, 0, width, Scale(kTitleHeight));
-    title_.SetColors(look.colorHeaderBg, look.colorHeaderText, look.colorSelectionMark, look.colorTextSelected);
+    title_.SetColors(look.colorHeaderBg, look.colorHeaderText, look.colorSelectionMark,
+                     look.colorTextSelected);
     title_.SetGradient(look.colorHeaderGradient, look.colorSelectionMark);
-    menuBar_.Create(window, {{"Today", MenuBarIcon::Month}, {"Back", MenuBarIcon::Back}}, 0, height - 1, width);
+    menuBar_.Create(window, {{"Today", MenuBarIcon::Month}, {"Back", MenuBarIcon::Back}}, 0, height - 1,
+                    width);
     Layout();
     LoadMarkers();
     SetFocus(window);
@@ -115,7 +128,8 @@ BOOL YearView::OnInitDialog() {
 }
 
 void YearView::Layout() {
-    if (!window) return;
+    if (!window)
+        return;
     RECT client;
     GetClientRect(window, &client);
     const int top = ScreenBars::TopBarHeight() > 0 ? ScreenBars::TopBarHeight() : Scale(kTitleHeight);
@@ -157,8 +171,8 @@ RECT YearView::DayRect(int month, int day) const {
     const RECT box = MonthRect(month);
     const int line = box.Height() / kMonthLines;
     const int cell = box.Width() / kDaysPerWeek;
-    const int firstColumn = (DateTime(year_, month, 1).GetDayOfWeek() - (mondayFirst_ ? 1 : 0) + kDaysPerWeek) %
-                            kDaysPerWeek;
+    const int firstColumn =
+        (DateTime(year_, month, 1).GetDayOfWeek() - (mondayFirst_ ? 1 : 0) + kDaysPerWeek) % kDaysPerWeek;
     const int slot = firstColumn + day - 1;
     const int left = box.left + (slot % kDaysPerWeek) * cell;
     const int top = box.top + (2 + slot / kDaysPerWeek) * line;
@@ -166,7 +180,8 @@ RECT YearView::DayRect(int month, int day) const {
 }
 
 void YearView::SetYear(int year) {
-    if (year < 1601 || year > 9998 || year == year_) return;
+    if (year < 1601 || year > 9998 || year == year_)
+        return;
     year_ = year;
     LoadMarkers();
     title_.SetLabel(Title());
@@ -179,11 +194,13 @@ void YearView::Relabel() {
 }
 
 void YearView::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     RECT client;
     GetClientRect(window, &client);
     dc->FillRect(client, ColorsFromSkin().background);
-    for (int month = 1; month <= 12; ++month) DrawMonth(*dc, month);
+    for (int month = 1; month <= 12; ++month)
+        DrawMonth(*dc, month);
 }
 
 void YearView::DrawMonth(Dc& dc, int month) {
@@ -203,14 +220,16 @@ void YearView::DrawMonth(Dc& dc, int month) {
     for (int column = 0; column < kDaysPerWeek; ++column) {
         const int dayOfWeek = (column + (mondayFirst_ ? 1 : 0)) % kDaysPerWeek;
         const std::u16string name = Locale::DayName(dayOfWeek, true).substr(0, 1);
-        RECT rect{box.left + column * cell, box.top + line, box.left + (column + 1) * cell, box.top + 2 * line};
+        RECT rect{box.left + column * cell, box.top + line, box.left + (column + 1) * cell,
+                  box.top + 2 * line};
         dc.DrawText(name, rect, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
     }
     const DateTime today = DateTime::Today();
     for (int day = 1; day <= DaysInMonth(year_, month); ++day) {
         RECT rect = DayRect(month, day);
         const bool marked = markers_.HasItems(month, day);
-        if (marked) dc.FillRect(RECT{rect.left + 1, rect.top + 1, rect.right - 1, rect.bottom - 1}, colors.marked);
+        if (marked)
+            dc.FillRect(RECT{rect.left + 1, rect.top + 1, rect.right - 1, rect.bottom - 1}, colors.marked);
         if (today.GetYear() == year_ && today.GetMonth() == month && today.GetDay() == day)
             dc.FrameRect(rect, colors.today);
         dc.SetTextColor(marked ? colors.markedText : colors.text);
@@ -220,7 +239,8 @@ void YearView::DrawMonth(Dc& dc, int month) {
 }
 
 LRESULT YearView::OnPointerDown(int button, int x, int y, WPARAM) {
-    if (button != 0) return 0;
+    if (button != 0)
+        return 0;
     down_ = true;
     downX_ = x;
     downY_ = y;
@@ -229,7 +249,8 @@ LRESULT YearView::OnPointerDown(int button, int x, int y, WPARAM) {
 }
 
 LRESULT YearView::OnPointerUp(int button, int x, int y, WPARAM) {
-    if (button != 0 || !down_) return 0;
+    if (button != 0 || !down_)
+        return 0;
     down_ = false;
     ReleaseCapture();
     const int dx = x - downX_;
@@ -238,13 +259,17 @@ LRESULT YearView::OnPointerUp(int button, int x, int y, WPARAM) {
         SetYear(year_ + (dx < 0 ? 1 : -1));
         return 0;
     }
-    if (std::abs(dx) > Scale(kSwipeDistance) / 2 || std::abs(y - downY_) > Scale(kSwipeDistance) / 2) return 0;
+    if (std::abs(dx) > Scale(kSwipeDistance) / 2 || std::abs(y - downY_) > Scale(kSwipeDistance) / 2)
+        return 0;
     for (int month = 1; month <= 12; ++month) {
-        if (!MonthRect(month).Contains(x, y)) continue;
+        if (!MonthRect(month).Contains(x, y))
+            continue;
         int day = 1;
         for (int d = 1; d <= DaysInMonth(year_, month); ++d)
-            if (DayRect(month, d).Contains(x, y)) day = d;
-        if (ViewNavigator* navigator = ViewNavigator::Current()) navigator->ShowMonth(DateTime(year_, month, day));
+            if (DayRect(month, d).Contains(x, y))
+                day = d;
+        if (ViewNavigator* navigator = ViewNavigator::Current())
+            navigator->ShowMonth(DateTime(year_, month, day));
         Close();
         return 0;
     }
@@ -252,8 +277,10 @@ LRESULT YearView::OnPointerUp(int button, int x, int y, WPARAM) {
 }
 
 void YearView::Close() {
-    if (window) ShowWindow(window, SW_HIDE);
-    if (closeHandler_) closeHandler_(*this);
+    if (window)
+        ShowWindow(window, SW_HIDE);
+    if (closeHandler_)
+        closeHandler_(*this);
 }
 
 void YearView::OnCommand(UINT, UINT, HWND control) {
@@ -262,16 +289,24 @@ void YearView::OnCommand(UINT, UINT, HWND control) {
         return;
     }
     switch (menuBar_.IndexOf(control)) {
-    case 0: SetYear(DateTime::Today().GetYear()); break;
-    case 1: Close(); break;
-    default: break;
+    case 0:
+        SetYear(DateTime::Today().GetYear());
+        break;
+    case 1:
+        Close();
+        break;
+    default:
+        break;
     }
 }
 
 void YearView::OnKeyDown(UINT key, UINT) {
-    if (key == VK_LEFT) SetYear(year_ - 1);
-    else if (key == VK_RIGHT) SetYear(year_ + 1);
-    else if (key == VK_ESCAPE) Close();
+    if (key == VK_LEFT)
+        SetYear(year_ - 1);
+    else if (key == VK_RIGHT)
+        SetYear(year_ + 1);
+    else if (key == VK_ESCAPE)
+        Close();
 }
 
 void YearView::OnScreenReset() {

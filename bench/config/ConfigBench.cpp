@@ -32,19 +32,25 @@ using namespace mirodate;
 using Steady = std::chrono::steady_clock;
 
 namespace {
-double Ms(Steady::duration d) { return std::chrono::duration<double, std::milli>(d).count(); }
+double Ms(Steady::duration d) {
+    return std::chrono::duration<double, std::milli>(d).count();
+}
 double Median(std::vector<double> values) {
-    if (values.empty()) return 0;
+    if (values.empty())
+        return 0;
     std::sort(values.begin(), values.end());
     return values[values.size() / 2];
 }
-double Max(const std::vector<double>& values) { return values.empty() ? 0 : *std::max_element(values.begin(), values.end()); }
+double Max(const std::vector<double>& values) {
+    return values.empty() ? 0 : *std::max_element(values.begin(), values.end());
+}
 } // namespace
 
 int main(int argc, char** argv) {
     int runs = 20;
     for (int i = 1; i + 1 < argc; ++i)
-        if (std::string(argv[i]) == "--runs") runs = std::max(1, std::atoi(argv[++i]));
+        if (std::string(argv[i]) == "--runs")
+            runs = std::max(1, std::atoi(argv[++i]));
     setenv("TZ", "Europe/Berlin", 1);
     setenv("LANG", "en_US.UTF-8", 1);
     char pattern[] = "/tmp/mirodate-bench-config-XXXXXX";
@@ -113,19 +119,22 @@ int main(int argc, char** argv) {
                     windows.RunUntilIdle();
                 }
                 windows.Compose();
-                if (!warm) yearMarked.push_back(Ms(Steady::now() - t0));
+                if (!warm)
+                    yearMarked.push_back(Ms(Steady::now() - t0));
                 marked = view.Markers().MarkedDays();
                 DestroyWindow(view.GetHwnd());
                 windows.RunUntilIdle();
             }
         }
 
-        std::printf("config dialog open to painted frame: first %.2f ms, median %.2f ms, max %.2f ms over %d runs "
-                    "(target < 30 ms)\n",
-                    configOpens.front(), Median(configOpens), Max(configOpens), runs);
-        std::printf("year view, cold cache: first painted frame median %.2f ms, max %.2f ms (target < 50 ms); "
-                    "markers of the year (%d days) painted median %.2f ms, max %.2f ms\n",
-                    Median(yearOpens), Max(yearOpens), marked, Median(yearMarked), Max(yearMarked));
+        std::printf(
+            "config dialog open to painted frame: first %.2f ms, median %.2f ms, max %.2f ms over %d runs "
+            "(target < 30 ms)\n",
+            configOpens.front(), Median(configOpens), Max(configOpens), runs);
+        std::printf(
+            "year view, cold cache: first painted frame median %.2f ms, max %.2f ms (target < 50 ms); "
+            "markers of the year (%d days) painted median %.2f ms, max %.2f ms\n",
+            Median(yearOpens), Max(yearOpens), marked, Median(yearMarked), Max(yearMarked));
         std::printf("year view, months cached: painted with markers median %.2f ms, max %.2f ms over %d runs "
                     "(target < 50 ms)\n",
                     Median(warmOpens), Max(warmOpens), runs);

@@ -59,7 +59,8 @@ TEST_F(ConfigFromMainTest, ANewLanguageRelabelsTheMenuBarAtOnce) {
     const auto& options = dialog.Tabs()[0].entries[0].options;
     int french = -1;
     for (size_t i = 0; i < options.size(); ++i)
-        if (options[i].value == u"lang.fr.txt") french = static_cast<int>(i);
+        if (options[i].value == u"lang.fr.txt")
+            french = static_cast<int>(i);
     ASSERT_GE(french, 0);
     dialog.ChooseOption(row, french);
     EXPECT_EQ(main_->Menu().Button(0)->Label(), Lang("Menu"));

@@ -3,16 +3,16 @@
 // no calendars without harm.
 #include "app/Launcher.h"
 #include "platform/DefaultApps.h"
-#include "platform/Settings.h"
 #include "platform/InstanceClient.h"
+#include "platform/Settings.h"
 #include "tests/platform/TempDir.h"
 #include "ui/WindowClasses.h"
 
 #include <chrono>
 #include <fcntl.h>
 #include <filesystem>
-#include <functional>
 #include <fstream>
+#include <functional>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -28,7 +28,8 @@ pid_t Start(const std::string& binary, const std::vector<std::string>& args, con
         const int out = open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         dup2(out, 1);
         std::vector<char*> argv{const_cast<char*>(binary.c_str())};
-        for (const std::string& arg : args) argv.push_back(const_cast<char*>(arg.c_str()));
+        for (const std::string& arg : args)
+            argv.push_back(const_cast<char*>(arg.c_str()));
         argv.push_back(nullptr);
         execv(binary.c_str(), argv.data());
         _exit(127);
@@ -39,7 +40,8 @@ pid_t Start(const std::string& binary, const std::vector<std::string>& args, con
 int WaitExit(pid_t pid) {
     for (int i = 0; i < 3000; ++i) {
         int status = 0;
-        if (waitpid(pid, &status, WNOHANG) == pid) return WIFEXITED(status) ? WEXITSTATUS(status) : 128;
+        if (waitpid(pid, &status, WNOHANG) == pid)
+            return WIFEXITED(status) ? WEXITSTATUS(status) : 128;
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     kill(pid, SIGKILL);
@@ -54,7 +56,8 @@ std::string ReadAll(const std::string& path) {
 
 bool WaitFor(const std::function<bool()>& condition) {
     for (int i = 0; i < 1500; ++i) {
-        if (condition()) return true;
+        if (condition())
+            return true;
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
     return false;
@@ -66,8 +69,8 @@ TEST(Launcher, HandsTasksAndACalendarFileToTheRunningInstance) {
     const std::string socket = dir.File("link.sock");
     std::ofstream(dir.File("hold.script")) << "wait 600000\n";
     const pid_t first = Start(MIRODATE_BINARY_DIR "/mirodate",
-                              {"--socket", socket, "--headless", "--script", dir.File("hold.script"), "--store",
-                               dir.File("store"), "calendar"},
+                              {"--socket", socket, "--headless", "--script", dir.File("hold.script"),
+                               "--store", dir.File("store"), "calendar"},
                               dir.File("first.out"));
     ASSERT_TRUE(WaitFor([&] {
         InstanceClient client;
@@ -76,11 +79,15 @@ TEST(Launcher, HandsTasksAndACalendarFileToTheRunningInstance) {
 
     const std::string launcher = MIRODATE_BINARY_DIR "/mirodate-launcher";
     EXPECT_EQ(WaitExit(Start(launcher, {"--socket", socket, "tasks"}, dir.File("l1.out"))), 0);
-    EXPECT_TRUE(WaitFor([&] { return ReadAll(dir.File("first.out")).find("command \"tasks\"") != std::string::npos; }));
+    EXPECT_TRUE(WaitFor(
+        [&] { return ReadAll(dir.File("first.out")).find("command \"tasks\"") != std::string::npos; }));
 
-    std::ofstream(dir.File("invite.ics")) << "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nUID:x\r\n"
-                                             "DTSTART;TZID=Europe/Berlin:20270214T190000\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
-    EXPECT_EQ(WaitExit(Start(launcher, {"--socket", socket, "calendar", dir.File("invite.ics")}, dir.File("l2.out"))), 0);
+    std::ofstream(dir.File("invite.ics"))
+        << "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nUID:x\r\n"
+           "DTSTART;TZID=Europe/Berlin:20270214T190000\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
+    EXPECT_EQ(WaitExit(Start(launcher, {"--socket", socket, "calendar", dir.File("invite.ics")},
+                             dir.File("l2.out"))),
+              0);
     EXPECT_TRUE(WaitFor([&] {
         return ReadAll(dir.File("first.out")).find("command \"calendar -d20270214\"") != std::string::npos;
     }));
@@ -99,11 +106,12 @@ TEST(Launcher, DashFStartRunsThePreviousProgramWithoutUsAndTakesOverAgain) {
     // The previous calendar program writes down its arguments and the
     // defaults it saw while it ran.
     const std::string script = dir.File("othercal.sh");
-    std::ofstream(script) << "#!/bin/sh\necho \"$@\" > " << dir.File("ran.txt") << "\ncat " << dir.File("config/mimeapps.list")
-                          << " >> " << dir.File("ran.txt") << "\n";
+    std::ofstream(script) << "#!/bin/sh\necho \"$@\" > " << dir.File("ran.txt") << "\ncat "
+                          << dir.File("config/mimeapps.list") << " >> " << dir.File("ran.txt") << "\n";
     std::filesystem::permissions(script, std::filesystem::perms::owner_all);
     std::ofstream(dir.File("data/applications/othercal.desktop"))
-        << "[Desktop Entry]\nType=Application\nName=Other\nExec=" << script << " %f\nMimeType=text/calendar;\n";
+        << "[Desktop Entry]\nType=Application\nName=Other\nExec=" << script
+        << " %f\nMimeType=text/calendar;\n";
     const std::string original = "[Default Applications]\ntext/calendar=othercal.desktop;\n";
     std::ofstream(dir.File("config/mimeapps.list")) << original;
     // "firstrun" as the running program does it, through the settings of this process.
@@ -112,7 +120,9 @@ TEST(Launcher, DashFStartRunsThePreviousProgramWithoutUsAndTakesOverAgain) {
     ASSERT_TRUE(DefaultApps::Replace(DefaultApps::Role::Calendar, error)) << error;
     ASSERT_TRUE(DefaultApps::Replace(DefaultApps::Role::Tasks, error)) << error;
 
-    EXPECT_EQ(WaitExit(Start(MIRODATE_BINARY_DIR "/mirodate", {"-f", dir.File("invite.ics")}, dir.File("f.out"))), 0);
+    EXPECT_EQ(
+        WaitExit(Start(MIRODATE_BINARY_DIR "/mirodate", {"-f", dir.File("invite.ics")}, dir.File("f.out"))),
+        0);
     EXPECT_EQ(ReadAll(dir.File("ran.txt")), dir.File("invite.ics") + "\n" + original);
     EXPECT_TRUE(DefaultApps::IsCalendarReplaced());
     EXPECT_TRUE(DefaultApps::IsTasksReplaced());

@@ -1,7 +1,7 @@
 // The about box on a real vdir: the counts of what could be read and every
 // file that could not, with its reason.
-#include "data/PimStore.h"
 #include "forms/AboutPage.h"
+#include "data/PimStore.h"
 #include "lang/LanguageTable.h"
 #include "platform/TextUtil.h"
 #include "store/VdirSource.h"
@@ -31,7 +31,8 @@ protected:
     }
     static std::string Event(const std::string& uid) {
         return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VEVENT\r\nUID:" + uid +
-               "\r\nSUMMARY:x\r\nDTSTART:20240315T090000\r\nDTEND:20240315T100000\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
+               "\r\nSUMMARY:x\r\nDTSTART:20240315T090000\r\nDTEND:20240315T100000\r\nEND:VEVENT\r\nEND:"
+               "VCALENDAR\r\n";
     }
 };
 
@@ -40,7 +41,8 @@ TEST_F(AboutPageTest, ListsCountsAndEveryFileThatCouldNotBeRead) {
     Write("calendar/b.ics", Event("b"));
     Write("calendar/copy-of-a.ics", Event("a"));
     Write("calendar/broken.ics", "BEGIN:VCALENDAR\r\nthis is not a calendar\r\n");
-    Write("tasks/t.ics", "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VTODO\r\nUID:t\r\nSUMMARY:t\r\nEND:VTODO\r\nEND:VCALENDAR\r\n");
+    Write("tasks/t.ics", "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VTODO\r\nUID:t\r\nSUMMARY:t\r\nEND:"
+                         "VTODO\r\nEND:VCALENDAR\r\n");
     VdirSource::Options options;
     options.useIndex = false;
     ASSERT_TRUE(PimStore::Instance().Open(std::make_unique<VdirSource>(dir_ + "/vdir", options)));
@@ -49,7 +51,8 @@ TEST_F(AboutPageTest, ListsCountsAndEveryFileThatCouldNotBeRead) {
     ASSERT_TRUE(page.CreateModeless(nullptr));
     windows_->RunUntilIdle();
     std::string all;
-    for (const std::u16string& line : page.Lines()) all += Utf16ToUtf8(line) + "\n";
+    for (const std::u16string& line : page.Lines())
+        all += Utf16ToUtf8(line) + "\n";
     EXPECT_NE(all.find("Calendar files: " + dir_ + "/vdir"), std::string::npos) << all;
     EXPECT_NE(all.find("Appointments: 2\nTasks: 1\nContacts: 0"), std::string::npos) << all;
     EXPECT_NE(all.find("Files that could not be read: 2"), std::string::npos) << all;

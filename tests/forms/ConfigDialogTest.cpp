@@ -2,9 +2,9 @@
 // row writes (read back through Settings), values edited to garbage by hand,
 // the language applied at once, the skin list of a folder and a skin
 // archive that does not open, the colour page and the tabs.
+#include "forms/ConfigDialog.h"
 #include "data/Categories.h"
 #include "forms/ColorPickerPage.h"
-#include "forms/ConfigDialog.h"
 #include "lang/LanguageTable.h"
 #include "platform/Settings.h"
 #include "platform/TextUtil.h"
@@ -42,8 +42,8 @@ protected:
         UiTest::TearDown();
     }
     ConfigDialog& Open() {
-        dialog_ = std::make_unique<ConfigDialog>([this](const std::string& name) { changed_.push_back(name); },
-                                                 folders_);
+        dialog_ = std::make_unique<ConfigDialog>(
+            [this](const std::string& name) { changed_.push_back(name); }, folders_);
         EXPECT_TRUE(dialog_->CreateModeless(nullptr));
         windows_->RunUntilIdle();
         return *dialog_;
@@ -51,7 +51,8 @@ protected:
     int Row(const std::string& key) {
         for (int tab = 0; tab < static_cast<int>(dialog_->Tabs().size()); ++tab) {
             dialog_->SelectTab(tab);
-            if (const int row = dialog_->FindRow(key); row >= 0) return row;
+            if (const int row = dialog_->FindRow(key); row >= 0)
+                return row;
         }
         ADD_FAILURE() << "no row " << key;
         return -1;
@@ -62,7 +63,8 @@ protected:
     int OptionOf(int row, const std::u16string& value) const {
         const auto& options = Entry(row).options;
         for (size_t i = 0; i < options.size(); ++i)
-            if (options[i].value == value) return static_cast<int>(i);
+            if (options[i].value == value)
+                return static_cast<int>(i);
         return -1;
     }
 
@@ -150,7 +152,8 @@ TEST_F(ConfigDialogTest, LanguageIsListedByNameAndAppliedAtOnce) {
     Open();
     const int row = Row("Language");
     std::vector<std::u16string> labels;
-    for (const ConfigOption& option : Entry(row).options) labels.push_back(option.label);
+    for (const ConfigOption& option : Entry(row).options)
+        labels.push_back(option.label);
     EXPECT_NE(std::find(labels.begin(), labels.end(), u"Deutsch"), labels.end());
     EXPECT_NE(std::find(labels.begin(), labels.end(), u"xx"), labels.end());
     EXPECT_EQ(labels.size(), 8u);

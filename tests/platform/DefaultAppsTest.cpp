@@ -31,14 +31,17 @@ protected:
         Settings::UseFile(dir_.File("settings.conf"));
     }
     std::string MimeApps() const { return dir_.File("config/mimeapps.list"); }
-    void Write(const std::string& path, const std::string& text) const { std::ofstream(path, std::ios::binary) << text; }
+    void Write(const std::string& path, const std::string& text) const {
+        std::ofstream(path, std::ios::binary) << text;
+    }
     std::string Read(const std::string& path) const {
         std::ifstream file(path, std::ios::binary);
         return std::string(std::istreambuf_iterator<char>(file), {});
     }
     void AddOtherCalendar() const {
         Write(dir_.File("data/applications/other-cal.desktop"),
-              "[Desktop Entry]\nType=Application\nName=Other\nExec=othercal --open %f\nMimeType=text/calendar;\n");
+              "[Desktop Entry]\nType=Application\nName=Other\nExec=othercal --open "
+              "%f\nMimeType=text/calendar;\n");
     }
 
     TempDir dir_;
@@ -67,8 +70,10 @@ TEST_F(DefaultAppsTest, ReplaceThenRestoreGivesTheFileBackByteForByte) {
               std::string::npos)
         << replaced;
     // Only the default changed: the added association and every other line stay.
-    EXPECT_NE(replaced.find("[Added Associations]\r\ntext/calendar=other-cal.desktop;\r\n"), std::string::npos);
-    EXPECT_EQ(replaced.size(), std::string(kUserList).size() - std::string("other-cal.desktop;second.desktop;").size() +
+    EXPECT_NE(replaced.find("[Added Associations]\r\ntext/calendar=other-cal.desktop;\r\n"),
+              std::string::npos);
+    EXPECT_EQ(replaced.size(), std::string(kUserList).size() -
+                                   std::string("other-cal.desktop;second.desktop;").size() +
                                    std::string("mirodate.desktop;").size());
     EXPECT_EQ(DefaultApps::PreviousHandler(Role::Calendar), "other-cal.desktop;second.desktop;");
     const std::string entry = Read(DefaultApps::DesktopFile(Role::Calendar));
@@ -95,12 +100,14 @@ TEST_F(DefaultAppsTest, MissingLinesAndSectionsAreAddedAndTakenAwayAgain) {
         MimeAppsList list;
         ASSERT_TRUE(list.Load(MimeApps(), error));
         EXPECT_EQ(list.Get("Default Applications", "text/x-vtodo"), "mirodate-tasks.desktop;");
-        EXPECT_EQ(list.Get("Default Applications", "text/html"), original == noLine ? "firefox.desktop" : std::optional<std::string>());
+        EXPECT_EQ(list.Get("Default Applications", "text/html"),
+                  original == noLine ? "firefox.desktop" : std::optional<std::string>());
         EXPECT_EQ(DefaultApps::PreviousHandler(Role::Tasks), "");
         ASSERT_TRUE(DefaultApps::Restore(Role::Tasks, error));
         // The text differs only by the final newline a section needed.
         std::string after = Read(MimeApps());
-        if (original == noSection) after = after.substr(0, original.size());
+        if (original == noSection)
+            after = after.substr(0, original.size());
         EXPECT_EQ(after, original);
     }
     // No file at all: one is made, and restoring leaves it without our line.

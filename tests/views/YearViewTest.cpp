@@ -1,12 +1,12 @@
 // The year view and the quick view on a real vdir: which days are marked
 // (spans over several days, all-day items, the filter), the marks on the
 // screen, swiping between years, and the next items from now.
+#include "views/YearView.h"
 #include "data/Categories.h"
 #include "platform/VirtualKeys.h"
 #include "skin/SkinStyles.h"
 #include "tests/views/ViewFixture.h"
 #include "views/QuickView.h"
-#include "views/YearView.h"
 
 #include <chrono>
 #include <thread>
@@ -43,7 +43,8 @@ TEST_F(YearViewTest, MarksEveryDayAnItemTouches) {
     const YearMarkers& marks = view.Markers();
     EXPECT_TRUE(marks.HasItems(3, 15));
     EXPECT_FALSE(marks.HasItems(3, 16));
-    for (auto [month, day] : {std::pair{6, 30}, {7, 1}, {7, 2}}) EXPECT_TRUE(marks.HasItems(month, day)) << day;
+    for (auto [month, day] : {std::pair{6, 30}, {7, 1}, {7, 2}})
+        EXPECT_TRUE(marks.HasItems(month, day)) << day;
     EXPECT_FALSE(marks.HasItems(7, 3));
     // An all-day item ends at midnight: the next day stays free.
     EXPECT_TRUE(marks.HasItems(12, 25));
@@ -127,7 +128,8 @@ TEST_F(YearViewTest, QuickViewListsTheNextItemsFromNow) {
     ASSERT_TRUE(view.Open(nullptr));
     windows_->RunUntilIdle();
     std::vector<std::u16string> subjects;
-    for (const PimItem& item : view.Shown()) subjects.push_back(item.subject);
+    for (const PimItem& item : view.Shown())
+        subjects.push_back(item.subject);
     EXPECT_EQ(subjects, (std::vector<std::u16string>{u"Running", u"Lunch", u"Monday meeting"}));
 }
 
