@@ -8,6 +8,7 @@
 #include "data/Categories.h"
 #include "data/PimStore.h"
 #include "platform/Clock.h"
+#include "platform/DefaultApps.h"
 #include "platform/InstanceClient.h"
 #include "platform/InstanceServer.h"
 #include "platform/Log.h"
@@ -96,10 +97,13 @@ int Application::Run() {
     if (options_.list) return StoreCommands::List(options_);
     const std::u16string& commandLine = options_.commandLine;
 
-    // "-f" hands the request to the platform's own PIM program, which we do
-    // not replace here: nothing of ours starts on that path.
+    // "-f": the desktop's previous calendar or tasks program takes the
+    // request, with our defaults taken away while it runs. Nothing of ours
+    // starts on that path.
     if (commandLine.rfind(u"-f", 0) == 0) {
-        Log::Info("-f: no platform PIM program is replaced; nothing to run");
+        std::vector<std::string> arguments;
+        for (size_t i = 1; i < options_.arguments.size(); ++i) arguments.push_back(options_.arguments[i]);
+        DefaultApps::RunPreviousHandler(arguments);
         return 0;
     }
 

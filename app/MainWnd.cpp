@@ -5,6 +5,7 @@
 #include "data/PimStore.h"
 #include "lang/LanguageTable.h"
 #include "platform/Clock.h"
+#include "platform/DefaultApps.h"
 #include "platform/Locale.h"
 #include "platform/Log.h"
 #include "platform/Settings.h"
@@ -47,7 +48,9 @@ std::u16string TextOfCopyData(const COPYDATASTRUCT& data) {
 
 MainWnd::MainWnd()
     : router_(*this, [this](const DateTime& date) { ShowDate(date); }, [this] { Refresh(true, 0, 0); }),
-      splitView_(Settings::GetSplitMonthView()) {}
+      splitView_(Settings::GetSplitMonthView()) {
+    router_.SetSettingChangedHandler([this](const std::string& setting) { OnSettingChanged(setting); });
+}
 
 MainWnd::~MainWnd() = default;
 
@@ -142,6 +145,21 @@ void MainWnd::SetSplitView(bool on) {
 void MainWnd::Relabel() {
     menuBar_.Relabel();
     router_.Relabel();
+}
+
+void MainWnd::OnSettingChanged(const std::string& setting) {
+    if (setting == "Language") {
+        Relabel();
+        grid_.Redraw(false);
+        statusBar_.Refresh();
+    } else if (setting == "SplitMonthView") {
+        if (Settings::GetSplitMonthView() != splitView_) SetSplitView(!splitView_);
+    } else if (setting == "Skin" || setting == "FontSizeDelta" || setting == "FontFamily") {
+        // Taken at the next start.
+    } else {
+        // Filters, task placement, colours and the like: everything is read again.
+        Refresh(true, 0, 0);
+    }
 }
 
 void MainWnd::Refresh(bool reload, int year, int month) {
@@ -277,6 +295,10 @@ void MainWnd::OnCommand(UINT, UINT, HWND control) {
 void MainWnd::OpenMainMenu() {
     std::vector<ContextMenuItem> items = {{Lang("Today"), kCmdToday},
                                           {Lang("config.SplitMonthView"), kCmdToggleSplit, splitView_},
+                                          {Lang("YearView"), kCmdYearView},
+                                          {Lang("QuickView"), kCmdQuickView},
+                                          {Lang("Config"), kCmdConfig},
+                                          {Lang("About"), kCmdAbout},
                                           {Lang("Exit"), kCmdExit}};
     auto* menu = new ContextMenu(this, std::move(items), -1); // owns itself until chosen or closed
     menu->Open();
@@ -365,6 +387,14 @@ void MainWnd::OnDeferredCommand(UINT id) {
         ShowDate(DateTime::FromSystemTime(Clock::Current().GetLocalTime()));
     } else if (id == kCmdToggleSplit) {
         SetSplitView(!splitView_);
+    } else if (id == kCmdYearView) {
+        router_.OpenYearView(SelectedDate());
+    } else if (id == kCmdQuickView) {
+        router_.OpenQuickView();
+    } else if (id == kCmdConfig) {
+        router_.OpenConfig(window);
+    } else if (id == kCmdAbout) {
+        router_.OpenAbout(window);
     } else if (id == kCmdExit) {
         SendMessage(window, WM_CLOSE, 0, 0);
     } else if (id > kCmdMonthBase && id <= kCmdMonthBase + 12) {
@@ -380,7 +410,10 @@ HWND MainWnd::ProcessCommand(const std::u16string& text) {
     if (commandObserver_) commandObserver_(text);
     const CommandRequest request = CommandRequest::Parse(text);
     if (request.kind == CommandRequest::Kind::FirstRun) {
-        Log::Info("firstrun: the calendar and tasks replacements are not part of this build");
+        std::string error;
+        if (!DefaultApps::Replace(DefaultApps::Role::Calendar, error) ||
+            !DefaultApps::Replace(DefaultApps::Role::Tasks, error))
+            Log::Warning("firstrun: %s", error.c_str());
         return window;
     }
     if (request.kind == CommandRequest::Kind::Restore) {

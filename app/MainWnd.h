@@ -34,6 +34,10 @@ public:
     static constexpr UINT kCmdToggleSplit = 0x7E02;
     static constexpr UINT kCmdExit = 0x7E03;
     static constexpr UINT kCmdOpenTappedItem = 0x7E04;
+    static constexpr UINT kCmdConfig = 0x7E05;
+    static constexpr UINT kCmdAbout = 0x7E06;
+    static constexpr UINT kCmdYearView = 0x7E07;
+    static constexpr UINT kCmdQuickView = 0x7E08;
     static constexpr UINT kCmdMonthBase = 100;   // + month 1..12
     static constexpr UINT kCmdYearBase = 10000;  // + year
     // Years the year picker offers on each side of the shown one.
@@ -60,6 +64,8 @@ public:
     void SetSplitView(bool on);
     bool IsSplitView() const { return splitView_; }
     void Relabel();
+    // A setting changed in the configuration dialog: relabel, relayout or reload.
+    void OnSettingChanged(const std::string& setting);
     // The month view on a date (and the split list under it).
     void ShowDate(const DateTime& date);
 

@@ -25,6 +25,7 @@ bool ProgramOptions::Parse(const std::vector<std::string>& args, ProgramOptions&
         if (arg.rfind("--", 0) != 0) {
             if (!commandLine.empty()) commandLine += ' ';
             commandLine += arg;
+            options.arguments.push_back(arg);
         } else if (arg == "--store") {
             if (!needValue(1)) return false;
             options.storeDir = args[++i];

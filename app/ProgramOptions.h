@@ -23,6 +23,7 @@ struct ProgramOptions {
     bool verbose = false;       // --verbose
     std::string socketPath;     // --socket PATH (instance link; default under the runtime dir)
     std::u16string commandLine; // everything else, joined by single spaces
+    std::vector<std::string> arguments; // the same words one by one (file names keep their blanks)
 
     // Reads argv[1..]; on a bad option returns false with a one-line message.
     static bool Parse(const std::vector<std::string>& args, ProgramOptions& options, std::string& error);

@@ -1,7 +1,9 @@
 #include "app/ViewRouter.h"
 
 #include "data/PimStore.h"
+#include "forms/AboutPage.h"
 #include "forms/CategoryFilterDialog.h"
+#include "forms/ConfigDialog.h"
 #include "lang/LanguageTable.h"
 #include "platform/Log.h"
 #include "platform/Settings.h"
@@ -10,6 +12,8 @@
 #include "ui/WinApi.h"
 #include "views/AgendaView.h"
 #include "views/DayView.h"
+#include "views/QuickView.h"
+#include "views/YearView.h"
 
 namespace mirodate {
 
@@ -24,6 +28,8 @@ ViewRouter::~ViewRouter() {
 }
 
 void ViewRouter::CloseAll() {
+    year_.reset();
+    quick_.reset();
     day_.reset();
     agenda_.reset();
 }
@@ -31,6 +37,8 @@ void ViewRouter::CloseAll() {
 void ViewRouter::Relabel() {
     if (agenda_) agenda_->Relabel();
     if (day_) day_->Relabel();
+    if (quick_) quick_->Relabel();
+    if (year_) year_->Relabel();
 }
 
 namespace {
@@ -54,6 +62,7 @@ void ViewRouter::OnPageClosed(ViewPage& page) {
         // Deleted from the loop, where no caller of the page is on the stack.
         main_.PostDeferredCommand(kCmdPageClosed, day_.release());
     }
+    if (&page == quick_.get()) main_.PostDeferredCommand(kCmdPageClosed, quick_.release());
     if (&page == agenda_.get()) SetLastViewMode(0);
     if (HWND main = main_.GetHwnd(); main && IsWindowVisible(main)) SetForegroundWindow(main);
 }
@@ -72,6 +81,49 @@ HWND ViewRouter::OpenDayView(const DateTime& date) {
         return nullptr;
     }
     return day_->GetHwnd();
+}
+
+void ViewRouter::ShowMonth(const DateTime& date) {
+    HideWeekAndAgenda();
+    if (showInMonth_) showInMonth_(date);
+    if (HWND main = main_.GetHwnd()) SetForegroundWindow(main);
+}
+
+HWND ViewRouter::OpenYearView(const DateTime& date) {
+    const int year = date.IsValid() ? date.GetYear() : DateTime::Today().GetYear();
+    if (year_) {
+        year_->SetYear(year);
+        ShowWindow(year_->GetHwnd(), SW_SHOW);
+        SetForegroundWindow(year_->GetHwnd());
+        return year_->GetHwnd();
+    }
+    year_ = std::make_unique<YearView>(year);
+    year_->SetCloseHandler([this](YearView&) {
+        // Deleted from the loop, where no caller of the page is on the stack.
+        main_.PostDeferredCommand(kCmdPageClosed, year_.release());
+        if (HWND main = main_.GetHwnd(); main && IsWindowVisible(main)) SetForegroundWindow(main);
+    });
+    if (!year_->Open(main_.GetHwnd())) {
+        year_.reset();
+        return nullptr;
+    }
+    return year_->GetHwnd();
+}
+
+HWND ViewRouter::OpenQuickView() {
+    if (quick_) {
+        quick_->Reload();
+        ShowWindow(quick_->GetHwnd(), SW_SHOW);
+        SetForegroundWindow(quick_->GetHwnd());
+        return quick_->GetHwnd();
+    }
+    quick_ = std::make_unique<QuickView>();
+    quick_->SetCloseHandler([this](ViewPage& page) { OnPageClosed(page); });
+    if (!quick_->Open(main_.GetHwnd())) {
+        quick_.reset();
+        return nullptr;
+    }
+    return quick_->GetHwnd();
 }
 
 HWND ViewRouter::ShowWeekView(const DateTime& date) { return InMonth("Week", date); }
@@ -131,9 +183,21 @@ bool ViewRouter::OpenFilter(HWND owner) {
 }
 
 void ViewRouter::OpenSearch(const DateTime& date) { InMonth("Search", date); }
-void ViewRouter::OpenConfig(HWND) { Log::Info("settings page: not part of this build"); }
+std::function<void(const std::string&)> ViewRouter::ConfigChangeHandler() {
+    return [this](const std::string& setting) {
+        if (setting == "Language") Relabel();
+        if (onSettingChanged_) onSettingChanged_(setting);
+    };
+}
+
+void ViewRouter::OpenConfig(HWND owner) {
+    ConfigDialog dialog(ConfigChangeHandler());
+    dialog.DoModal(owner ? owner : main_.GetHwnd());
+}
+
 void ViewRouter::OpenAbout(HWND owner) {
-    MessagePage::Tell(owner ? owner : main_.GetHwnd(), u"Mirodate 0.1");
+    AboutPage page;
+    page.DoModal(owner ? owner : main_.GetHwnd());
 }
 
 } // namespace mirodate

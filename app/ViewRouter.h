@@ -11,11 +11,14 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 
 namespace mirodate {
 
 class AgendaView;
 class DayView;
+class QuickView;
+class YearView;
 class DialogWnd;
 class ViewPage;
 
@@ -43,7 +46,12 @@ public:
     void OpenSearch(const DateTime& date) override;
     void OpenConfig(HWND owner) override;
     void OpenAbout(HWND owner) override;
+    void ShowMonth(const DateTime& date) override;
+    HWND OpenYearView(const DateTime& date) override;
+    HWND OpenQuickView() override;
     HWND MainWindow() override;
+    YearView* Year() { return year_.get(); }
+    QuickView* Quick() { return quick_.get(); }
 
     // Open day and tasks views.
     int DayViewCount() const { return day_ ? 1 : 0; }
@@ -57,6 +65,12 @@ public:
     void CloseAll();
     // New language texts on every open page.
     void Relabel();
+    // What the configuration dialog calls for each changed setting.
+    std::function<void(const std::string&)> ConfigChangeHandler();
+    // Told of every setting the configuration dialog changes.
+    void SetSettingChangedHandler(std::function<void(const std::string&)> handler) {
+        onSettingChanged_ = std::move(handler);
+    }
 
 private:
     HWND InMonth(const char* view, const DateTime& date);
@@ -66,8 +80,11 @@ private:
     DialogWnd& main_;
     ShowInMonth showInMonth_;
     std::function<void()> onFilterChanged_; // the main window reloads and tells every view
+    std::function<void(const std::string&)> onSettingChanged_;
     std::unique_ptr<AgendaView> agenda_;
     std::unique_ptr<DayView> day_;
+    std::unique_ptr<YearView> year_;
+    std::unique_ptr<QuickView> quick_;
 };
 
 } // namespace mirodate

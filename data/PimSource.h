@@ -26,6 +26,20 @@ enum class SaveResult {
     Failed,
 };
 
+// What the about box tells of a store.
+struct StoreSummary {
+    struct Skipped {
+        std::string path;
+        std::string reason;
+        friend bool operator<(const Skipped& a, const Skipped& b) { return a.path < b.path; }
+    };
+    std::string location;
+    int appointments = 0;
+    int tasks = 0;
+    int contacts = 0;
+    std::vector<Skipped> skipped; // by path
+};
+
 class PimSource {
 public:
     using NotificationSink = std::function<void(const PimNotification&)>;
@@ -59,6 +73,8 @@ public:
     virtual std::vector<std::u16string> GetCategoryNames() = 0;
     // Files that could not be read (never rewritten).
     virtual int GetSkippedCount() = 0;
+
+    virtual StoreSummary Summarize() { return {}; }
 
     // The file that holds an item, for handing it to other programs; empty
     // when the source keeps no files or does not know the item.

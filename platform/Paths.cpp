@@ -54,6 +54,13 @@ std::string Paths::ProgramDir() {
 std::string Paths::FindResourceDir(const std::string& fileName) {
     std::string programDir = ProgramDir();
     if (FileExists(programDir + "/" + fileName)) return programDir;
+    // Installed under a prefix: <prefix>/bin/mirodate finds <prefix>/share/mirodate,
+    // wherever the prefix was moved to.
+    const size_t slash = programDir.rfind('/');
+    if (slash != std::string::npos) {
+        const std::string shared = programDir.substr(0, slash) + "/share/mirodate";
+        if (FileExists(shared + "/" + fileName)) return shared;
+    }
     std::string installed = MIRODATE_INSTALL_DATADIR;
     if (FileExists(installed + "/" + fileName)) return installed;
     return programDir;

@@ -16,8 +16,9 @@ public:
     static std::string RuntimeDir();
     // The directory of the running executable (/proc/self/exe).
     static std::string ProgramDir();
-    // The first of ProgramDir() and <prefix>/share/mirodate that holds
-    // `fileName`; ProgramDir() when neither does.
+    // The first of ProgramDir(), ProgramDir()/../share/mirodate and the
+    // configured <prefix>/share/mirodate that holds `fileName`; ProgramDir()
+    // when none does.
     static std::string FindResourceDir(const std::string& fileName);
     // Creates a directory and its parents; true when it exists afterwards.
     static bool MakeDirs(const std::string& path, unsigned mode = 0755);

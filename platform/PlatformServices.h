@@ -25,6 +25,9 @@ public:
     // Starts argv[0] (looked up in PATH) with the rest as its arguments,
     // without a shell and without waiting for it.
     virtual bool RunProgram(const std::vector<std::string>& argv) = 0;
+    // Starts a program the same way and waits, without a time limit, until
+    // it ends; its exit status, or -1 when it could not be started.
+    virtual int RunProgramAndWait(const std::vector<std::string>& argv) = 0;
 
     // The instance the program hands off through.
     static PlatformServices& Instance();

@@ -24,6 +24,12 @@ bool RecordingPlatformServices::RunProgram(const std::vector<std::string>& argv)
     return result_;
 }
 
+int RecordingPlatformServices::RunProgramAndWait(const std::vector<std::string>& argv) {
+    if (!RunProgram(argv)) return -1;
+    if (waitHook_) waitHook_(argv);
+    return 0;
+}
+
 void RecordingPlatformServices::Clear() {
     calls_.clear();
     programs_.clear();

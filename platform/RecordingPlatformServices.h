@@ -5,6 +5,8 @@
 // instance for its lifetime.
 #include "platform/PlatformServices.h"
 
+#include <functional>
+
 namespace mirodate {
 
 class RecordingPlatformServices : public PlatformServices {
@@ -15,6 +17,10 @@ public:
     RecordingPlatformServices& operator=(const RecordingPlatformServices&) = delete;
 
     bool RunProgram(const std::vector<std::string>& argv) override;
+    // Recorded like RunProgram; the hook runs in place of the program, while
+    // the caller waits (0 is the exit status then).
+    int RunProgramAndWait(const std::vector<std::string>& argv) override;
+    void SetWaitHook(std::function<void(const std::vector<std::string>&)> hook) { waitHook_ = std::move(hook); }
 
     // The calls so far, arguments joined by single blanks.
     const std::vector<std::string>& Calls() const { return calls_; }
@@ -29,6 +35,7 @@ private:
     std::vector<std::string> calls_;
     std::vector<std::vector<std::string>> programs_;
     bool result_ = true;
+    std::function<void(const std::vector<std::string>&)> waitHook_;
 };
 
 } // namespace mirodate

@@ -10,6 +10,7 @@ namespace mirodate {
 class SpawnedPlatformServices : public PlatformServices {
 public:
     bool RunProgram(const std::vector<std::string>& argv) override;
+    int RunProgramAndWait(const std::vector<std::string>& argv) override;
 };
 
 } // namespace mirodate

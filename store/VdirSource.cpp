@@ -109,6 +109,12 @@ StoredItem VdirSource::ReadFile(int directory, const std::string& fileName, bool
     if (fd < 0) {
         if (errno == ELOOP)
             Log::Warning("store: skipped %s: a loop of symbolic links", PrintableText(path).c_str());
+        // A file we may not read is still the user's: listed as skipped.
+        if (errno == EACCES) {
+            exists = true;
+            item.problem = std::strerror(errno);
+            Log::Warning("store: skipped %s: %s", PrintableText(path).c_str(), item.problem.c_str());
+        }
         return item;
     }
     struct stat st{};
@@ -159,8 +165,8 @@ StoredItem VdirSource::ReadFile(int directory, const std::string& fileName, bool
         }
     }
     if (!item.readable) {
-        item.problem = problem;
-        Log::Warning("store: skipped %s: %s", PrintableText(path).c_str(), PrintableText(problem).c_str());
+        item.problem = problem.empty() ? "not a calendar item" : problem;
+        Log::Warning("store: skipped %s: %s", PrintableText(path).c_str(), PrintableText(item.problem).c_str());
         return item;
     }
     item.uid = item.record.uid.empty() ? stem : item.record.uid;
@@ -274,6 +280,7 @@ void VdirSource::AssignOids() {
             Log::Warning("store: skipped %s/%s: %s", kFolderNames[item->directory],
                          PrintableText(item->fileName).c_str(), PrintableText(item->problem).c_str());
             item->readable = false;
+            item->problem = "UID " + item->uid + " is used by " + it->second->fileName;
             continue;
         }
         hashes.emplace_back(HashUid(item->uid), item.get());
@@ -325,6 +332,7 @@ void VdirSource::Publish(Entry entry) {
                 Log::Warning("store: skipped %s: %s", PrintableText(entry->fileName).c_str(),
                              PrintableText(entry->problem).c_str());
                 entry->readable = false;
+                entry->problem = "UID " + entry->uid + " is used by " + holder->second->fileName;
             }
         }
     }
@@ -647,6 +655,23 @@ std::vector<std::u16string> VdirSource::GetCategoryNames() {
 int VdirSource::GetSkippedCount() {
     std::lock_guard lock(mutex_);
     return static_cast<int>(std::count_if(files_.begin(), files_.end(), [](const auto& pair) { return !pair.second->readable; }));
+}
+
+StoreSummary VdirSource::Summarize() {
+    StoreSummary summary;
+    summary.location = root_;
+    std::lock_guard lock(mutex_);
+    for (const auto& [key, item] : files_) {
+        if (!item->readable) {
+            summary.skipped.push_back({DirectoryPath(item->directory) + "/" + item->fileName, item->problem});
+            continue;
+        }
+        if (item->folder == kFolderCalendar) ++summary.appointments;
+        else if (item->folder == kFolderTasks) ++summary.tasks;
+        else if (item->folder == kFolderContacts) ++summary.contacts;
+    }
+    std::sort(summary.skipped.begin(), summary.skipped.end());
+    return summary;
 }
 
 bool VdirSource::ExportItem(std::int32_t oid, std::string& text) {

@@ -53,6 +53,7 @@ public:
     bool IsSynchronizing() override;
     std::vector<std::u16string> GetCategoryNames() override;
     int GetSkippedCount() override;
+    StoreSummary Summarize() override;
     std::string ItemFilePath(std::int32_t oid) override { return FilePath(oid); }
     bool ExportItem(std::int32_t oid, std::string& text) override;
 

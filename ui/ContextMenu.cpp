@@ -67,7 +67,7 @@ BOOL ContextMenu::OnInitDialog() {
     lf.lfHeight = -Scale(kHeaderFontHeight);
     lf.lfWeight = FW_BOLD;
     headerFont_ = std::make_unique<Font>(lf);
-    list.SetHeader(Lang("Action"), headerFont_.get());
+    list.SetHeader(headerText.empty() ? Lang("Action") : headerText, headerFont_.get());
     const ContextMenuStyle& style = SkinStyles::Current().contextMenu;
     ListColors colors;
     colors.border = style.colorBorder;

@@ -43,6 +43,8 @@ public:
 
     void SetFixedTop(int top);
     void SetPreselected(int index) { preselected = index; }
+    // The heading over the items; empty gives the generic "Action".
+    void SetHeaderText(std::u16string text) { headerText = std::move(text); }
     // Creates the page (modeless, owned by the owner's window) below the screen.
     HWND Open();
 
@@ -75,6 +77,7 @@ public:
     int fixedTop = 0;
     bool hasFixedTop = false;
     int preselected = -1;
+    std::u16string headerText;
     UINT chosenCommand = 0;
     DWORD lastChoiceTime = 0;
 

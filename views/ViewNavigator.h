@@ -33,6 +33,10 @@ public:
     virtual void OpenSearch(const DateTime& date) = 0;
     virtual void OpenConfig(HWND owner) = 0;
     virtual void OpenAbout(HWND owner) = 0;
+    // The month view on a date, with the week and agenda views out of the way.
+    virtual void ShowMonth(const DateTime& date) = 0;
+    virtual HWND OpenYearView(const DateTime& date) = 0;
+    virtual HWND OpenQuickView() = 0;
     // The main window (the month view).
     virtual HWND MainWindow() = 0;
 

@@ -1,0 +1,146 @@
+// Pages of the "Menu" pop-up on the generated store (10,000 events, 500
+// series, 2,000 tasks, 1,000 contacts), headless at 480x640:
+//   - opening the configuration dialog to its first painted frame
+//     (languages, skins and font families listed, rows laid out); target < 30 ms
+//   - opening the year view of the store's year to its first painted frame,
+//     with the markers of the whole year read; target < 50 ms (the first
+//     opening reads the year from the files' records; later ones are reported too)
+//
+//   bench_config [--runs N]
+#include "app/MainWnd.h"
+#include "bench/store/StoreGenerator.h"
+#include "data/Categories.h"
+#include "data/PimStore.h"
+#include "forms/ConfigDialog.h"
+#include "platform/Clock.h"
+#include "platform/HeadlessDisplay.h"
+#include "platform/Settings.h"
+#include "store/VdirSource.h"
+#include "ui/WinApi.h"
+#include "views/YearView.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
+
+using namespace mirodate;
+using Steady = std::chrono::steady_clock;
+
+namespace {
+double Ms(Steady::duration d) {
+    return std::chrono::duration<double, std::milli>(d).count();
+}
+double Median(std::vector<double> values) {
+    if (values.empty())
+        return 0;
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+double Max(const std::vector<double>& values) {
+    return values.empty() ? 0 : *std::max_element(values.begin(), values.end());
+}
+} // namespace
+
+int main(int argc, char** argv) {
+    int runs = 20;
+    for (int i = 1; i + 1 < argc; ++i)
+        if (std::string(argv[i]) == "--runs")
+            runs = std::max(1, std::atoi(argv[++i]));
+    setenv("TZ", "Europe/Berlin", 1);
+    setenv("LANG", "en_US.UTF-8", 1);
+    char pattern[] = "/tmp/mirodate-bench-config-XXXXXX";
+    const std::string dir = mkdtemp(pattern);
+    setenv("XDG_CACHE_HOME", dir.c_str(), 1);
+    setenv("XDG_CONFIG_HOME", dir.c_str(), 1);
+    setenv("XDG_DATA_HOME", dir.c_str(), 1);
+    Settings::UseFile(dir + "/settings.conf");
+
+    StoreGeneratorOptions generator;
+    generator.root = dir + "/store";
+    if (!StoreGenerator::Generate(generator)) {
+        std::fprintf(stderr, "bench_config: cannot write %s\n", generator.root.c_str());
+        return 1;
+    }
+    std::printf("store: %d events (%d series), %d tasks, %d contacts\n", generator.events, generator.series,
+                generator.tasks, generator.contacts);
+    SYSTEMTIME start{};
+    start.wYear = static_cast<WORD>(generator.year);
+    start.wMonth = static_cast<WORD>(generator.month);
+    start.wDay = static_cast<WORD>(generator.day);
+    start.wHour = 8;
+    Clock::Install(std::make_unique<VirtualClock>(start, 1000));
+
+    HeadlessDisplay display(480, 640);
+    {
+        WindowManager windows(display);
+        PimStore& store = PimStore::Instance();
+        store.Open(std::make_unique<VdirSource>(generator.root, VdirSource::Options{}));
+        Categories::LoadCategoryColors();
+        store.SetFilters(u"", u"", false, true, true);
+        store.FillMonth(generator.year, generator.month, true, true);
+        MainWnd main;
+        main.Create(u"");
+        windows.RunUntilIdle();
+        windows.Compose();
+
+        std::vector<double> configOpens;
+        for (int i = 0; i < runs; ++i) {
+            const auto t0 = Steady::now();
+            {
+                ConfigDialog dialog;
+                dialog.CreateModeless(main.GetHwnd());
+                windows.RunUntilIdle();
+                windows.Compose();
+                configOpens.push_back(Ms(Steady::now() - t0));
+                DestroyWindow(dialog.GetHwnd());
+            }
+            windows.RunUntilIdle();
+        }
+
+        // Each run on a cold cache (the first opening of a year), and warm.
+        std::vector<double> yearOpens, yearMarked, warmOpens;
+        int marked = 0;
+        for (int i = 0; i < runs; ++i) {
+            PimStore::Instance().ClearCache();
+            for (bool warm : {false, true}) {
+                const auto t0 = Steady::now();
+                YearView view(generator.year);
+                view.Open(main.GetHwnd());
+                windows.RunUntilIdle();
+                windows.Compose();
+                (warm ? warmOpens : yearOpens).push_back(Ms(Steady::now() - t0));
+                while (view.MarkersPending()) {
+                    std::this_thread::sleep_for(std::chrono::microseconds(200));
+                    windows.RunUntilIdle();
+                }
+                windows.Compose();
+                if (!warm)
+                    yearMarked.push_back(Ms(Steady::now() - t0));
+                marked = view.Markers().MarkedDays();
+                DestroyWindow(view.GetHwnd());
+                windows.RunUntilIdle();
+            }
+        }
+
+        std::printf(
+            "config dialog open to painted frame: first %.2f ms, median %.2f ms, max %.2f ms over %d runs "
+            "(target < 30 ms)\n",
+            configOpens.front(), Median(configOpens), Max(configOpens), runs);
+        std::printf(
+            "year view, cold cache: first painted frame median %.2f ms, max %.2f ms (target < 50 ms); "
+            "markers of the year (%d days) painted median %.2f ms, max %.2f ms\n",
+            Median(yearOpens), Max(yearOpens), marked, Median(yearMarked), Max(yearMarked));
+        std::printf("year view, months cached: painted with markers median %.2f ms, max %.2f ms over %d runs "
+                    "(target < 50 ms)\n",
+                    Median(warmOpens), Max(warmOpens), runs);
+        PimStore::Instance().Close();
+    }
+    std::error_code ignored;
+    std::filesystem::remove_all(dir, ignored);
+    return 0;
+}
