@@ -4,6 +4,7 @@
 #include "platform/Log.h"
 #include "platform/TextUtil.h"
 #include "store/IcalTime.h"
+#include "store/IcsAttendees.h"
 #include "store/RecurrenceRule.h"
 
 #include <algorithm>
@@ -77,6 +78,7 @@ bool IcsItem::ReadComponent(icalcomponent* component, PimRecord& record, std::st
     record.location = Text(icalcomponent_get_location(component));
     record.body = Text(icalcomponent_get_description(component));
     record.categories = JoinCategories(component);
+    record.attendees = IcsAttendees::Read(component);
     const icaltimetype start = PropertyTime(component, ICAL_DTSTART_PROPERTY);
     if (kind_ == Kind::Task) {
         record.itemKind = 3;
@@ -316,6 +318,7 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
         if (moved.subject.empty()) moved.subject = record_.subject;
         if (moved.location.empty()) moved.location = record_.location;
         if (moved.categories.empty()) moved.categories = record_.categories;
+        if (moved.attendees.empty()) moved.attendees = record_.attendees;
         if (moved.start < from || moved.start >= before) continue;
         moved.isRecurring = true;
         occurrences.push_back(std::move(moved));
