@@ -25,6 +25,7 @@ std::u16string Number(long value) { return Ascii(std::to_string(value).c_str());
 
 // The text up to (not including) the next ':' from `at`, moving past it.
 std::u16string Field(const std::u16string& text, std::size_t& at) {
+    if (at >= text.size()) return {};
     const std::size_t end = std::min(text.find(u':', at), text.size());
     std::u16string field = text.substr(at, end - at);
     at = end + 1;
@@ -166,14 +167,16 @@ std::u16string WeekMarkup::DayBox(const DateTime& day, const std::vector<PimItem
     if (options.tasks) {
         const double dayStart = std::floor(day.ToDate());
         const double today = std::floor(options.now.ToDate());
+        auto placed = [&](const PimItem& task) {
+            return (!task.noDueDate && std::floor(task.dueDateValue) == dayStart) ||
+                   (!task.noStartDate && std::floor(task.startDateValue) == dayStart);
+        };
         auto overdue = [&](const PimItem& task) {
-            const bool placedByDate = (!task.noDueDate && std::floor(task.dueDateValue) == dayStart) ||
-                                      (!task.noStartDate && std::floor(task.startDateValue) == dayStart);
-            return dayStart == today && !placedByDate && !task.isComplete && !task.noDueDate &&
+            return dayStart == today && !placed(task) && !task.isComplete && !task.noDueDate &&
                    std::floor(task.dueDateValue) < today;
         };
         for (const PimItem& task : tasks)
-            if (!task.isComplete && !overdue(task)) writer.Task(task, false);
+            if (!task.isComplete && placed(task)) writer.Task(task, false);
         for (const PimItem& task : tasks)
             if (overdue(task)) writer.Task(task, true);
     }
@@ -190,7 +193,7 @@ std::u16string WeekMarkup::Title(const DateTime& firstDay) {
     const int year = firstDay.GetYear();
     const int month = firstDay.GetMonth();
     // The week runs into the next month when its last day lies beyond this one's.
-    const bool twoMonths = firstDay.GetDay() > DaysInMonth(year, month) - kDaysPerWeek;
+    const bool twoMonths = firstDay.GetDay() + kDaysPerWeek - 1 > DaysInMonth(year, month);
     std::u16string title;
     if (twoMonths) {
         const int next = month % 12 + 1;
@@ -199,8 +202,9 @@ std::u16string WeekMarkup::Title(const DateTime& firstDay) {
     } else {
         title = Locale::MonthName(month, false, true) + u"  " + Number(year);
     }
+    // The week's number is that of its Monday: the first or the second day.
     char week[8];
-    std::snprintf(week, sizeof week, "%02i", IsoWeek(firstDay + DateTimeSpan(kDaysPerWeek - 1, 0, 0, 0)));
+    std::snprintf(week, sizeof week, "%02i", IsoWeek(firstDay + DateTimeSpan(1, 0, 0, 0)));
     return title + u"   " + Lang("WeekNumberShort") + u" " + Ascii(week);
 }
 
