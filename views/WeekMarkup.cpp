@@ -122,7 +122,7 @@ private:
 WeekMarkupOptions WeekMarkupOptions::FromSettings() {
     WeekMarkupOptions options;
     options.showTime = Settings::GetShowTimeOnWeek();
-    options.maxEvents = Settings::GetWeekMaxEvents(-1);
+    options.maxEvents = Settings::GetWeekMaxEvents(kDefaultMaxEvents);
     options.tasks = (Settings::GetShowTasksByDueDate() || Settings::GetShowTasksByStartDate()) &&
                     Settings::IsTaskViewEnabled(u"Week");
     options.strikePast = Settings::GetStrikeThroughPastEvents();

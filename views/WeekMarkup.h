@@ -17,6 +17,10 @@
 namespace mirodate {
 
 struct WeekMarkupOptions {
+    // Entries written out in one box when "WeekMaxEvents" is not set: more
+    // than a box shows without scrolling; beyond it the counts say more.
+    static constexpr int kDefaultMaxEvents = 15;
+
     bool showTime = true;     // "ShowTimeOnWeek"
     int maxEvents = -1;       // "WeekMaxEvents"; negative: no limit
     bool tasks = true;        // "ShowTasksByDueDate" or "ShowTasksByStartDate"
