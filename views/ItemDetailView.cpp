@@ -16,6 +16,12 @@
 
 namespace mirodate {
 
+namespace {
+// Backgrounds darker than this (0..255 luma) get the light link colour.
+constexpr int kDarkBackground = 128;
+constexpr COLORREF kLinkOnDark = RGB(0x7A, 0xB8, 0xFF);
+} // namespace
+
 ItemDetailView::ItemDetailView(std::int32_t oid, bool task, const DateTime& occurrence)
     : ViewPage(SkinStyles::Current().dayView), oid_(oid), task_(task), occurrence_(occurrence) {}
 
@@ -56,6 +62,10 @@ void ItemDetailView::LayoutLists(const RECT& area) {
         box_->Create(window, area.left, area.top, area.Width(), area.Height());
         TextBoxColors colors = TextBoxColors::FromSkin();
         colors.background = SkinStyles::Current().itemDetailView.colorBg;
+        // Links stay readable on a dark background.
+        const int luma = (GetRValue(colors.background) * 299 + GetGValue(colors.background) * 587 +
+                          GetBValue(colors.background) * 114) / 1000;
+        if (luma < kDarkBackground) colors.link = kLinkOnDark;
         box_->SetColors(colors);
         box_->Links().confirm = [this](const std::u16string& text) { return MessagePage::YesNo(window, text); };
         box_->Links().inform = [this](const std::u16string& text, const std::u16string&) {
