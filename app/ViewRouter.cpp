@@ -145,6 +145,11 @@ HWND ViewRouter::OpenItemDetail(std::int32_t oid, bool task, const DateTime& occ
         detail_->CloseView();
         return nullptr;
     }
+    if (!occurrence.IsValid() && showInMonth_) {
+        // Opened by its identifier: back from the detail, the month shows its day.
+        const DateTime day = detail_->CurrentDate();
+        if (day.IsValid()) showInMonth_(day);
+    }
     SetForegroundWindow(detail_->GetHwnd());
     return detail_->GetHwnd();
 }

@@ -42,6 +42,7 @@ std::vector<ContextMenuItem> ItemDetailView::DetailMenu() {
 
 DateTime ItemDetailView::CurrentDate() const {
     if (found_ && !item_.IsTask()) return DateTime(item_.startValue).StartOfDay();
+    if (found_ && !occurrence_.IsValid() && !item_.noDueDate) return DateTime(item_.dueDateValue).StartOfDay();
     return occurrence_.IsValid() ? occurrence_.StartOfDay() : DateTime::Today();
 }
 
