@@ -12,7 +12,9 @@
 #include "ui/WinApi.h"
 #include "views/AgendaView.h"
 #include "views/DayView.h"
+#include "views/ItemDetailView.h"
 #include "views/QuickView.h"
+#include "views/WeekView.h"
 #include "views/YearView.h"
 
 namespace mirodate {
@@ -30,7 +32,9 @@ ViewRouter::~ViewRouter() {
 void ViewRouter::CloseAll() {
     year_.reset();
     quick_.reset();
+    detail_.reset();
     day_.reset();
+    week_.reset();
     agenda_.reset();
 }
 
@@ -39,6 +43,8 @@ void ViewRouter::Relabel() {
     if (day_) day_->Relabel();
     if (quick_) quick_->Relabel();
     if (year_) year_->Relabel();
+    if (week_) week_->Relabel();
+    if (detail_) detail_->Relabel();
 }
 
 namespace {
@@ -63,7 +69,17 @@ void ViewRouter::OnPageClosed(ViewPage& page) {
         main_.PostDeferredCommand(kCmdPageClosed, day_.release());
     }
     if (&page == quick_.get()) main_.PostDeferredCommand(kCmdPageClosed, quick_.release());
-    if (&page == agenda_.get()) SetLastViewMode(0);
+    if (&page == detail_.get()) main_.PostDeferredCommand(kCmdPageClosed, detail_.release());
+    if (&page == agenda_.get() || &page == week_.get()) SetLastViewMode(0);
+    // The page under the closed one comes to the front: an open day view,
+    // the week or the agenda, else the month.
+    for (ViewPage* under : {static_cast<ViewPage*>(day_.get()), static_cast<ViewPage*>(week_.get()),
+                            static_cast<ViewPage*>(agenda_.get())}) {
+        if (under && under != &page && IsWindowVisible(under->GetHwnd())) {
+            SetForegroundWindow(under->GetHwnd());
+            return;
+        }
+    }
     if (HWND main = main_.GetHwnd(); main && IsWindowVisible(main)) SetForegroundWindow(main);
 }
 
@@ -126,7 +142,23 @@ HWND ViewRouter::OpenQuickView() {
     return quick_->GetHwnd();
 }
 
-HWND ViewRouter::ShowWeekView(const DateTime& date) { return InMonth("Week", date); }
+HWND ViewRouter::ShowWeekView(const DateTime& date) {
+    if (!week_) {
+        week_ = std::make_unique<WeekView>();
+        week_->SetCloseHandler([this](ViewPage& page) { OnPageClosed(page); });
+        week_->SetDate(date);
+        if (!week_->Open(main_.GetHwnd())) {
+            week_.reset();
+            return nullptr;
+        }
+    } else {
+        week_->SetDate(date);
+        ShowWindow(week_->GetHwnd(), SW_SHOW);
+    }
+    SetForegroundWindow(week_->GetHwnd());
+    SetLastViewMode(1);
+    return week_->GetHwnd();
+}
 
 HWND ViewRouter::ShowAgendaView(const DateTime& date) {
     if (!agenda_) {
@@ -147,6 +179,7 @@ HWND ViewRouter::ShowAgendaView(const DateTime& date) {
 }
 
 void ViewRouter::HideWeekAndAgenda() {
+    if (week_ && IsWindowVisible(week_->GetHwnd())) ShowWindow(week_->GetHwnd(), SW_HIDE);
     if (agenda_ && IsWindowVisible(agenda_->GetHwnd())) ShowWindow(agenda_->GetHwnd(), SW_HIDE);
     SetLastViewMode(0);
 }
@@ -154,15 +187,30 @@ void ViewRouter::HideWeekAndAgenda() {
 HWND ViewRouter::OpenTasksView(const DateTime& date) { return InMonth("Tasks", date); }
 
 HWND ViewRouter::OpenItemDetail(std::int32_t oid, bool task, const DateTime& occurrence) {
-    // Until the detail view exists, the month view goes to the item's day.
-    if (occurrence.IsValid()) return InMonth("Item detail", occurrence);
-    PimRecord record;
-    if (PimSource* source = PimStore::Instance().Source(); source && source->GetItemFromOid(oid, record)) {
-        const double when = task ? (record.dueDate != kNoDate ? record.dueDate : record.startDate) : record.start;
-        if (when != kNoDate && when > 0) return InMonth("Item detail", DateTime(when));
+    if (detail_) {
+        detail_->SetItem(oid, task, occurrence);
+        ShowWindow(detail_->GetHwnd(), SW_SHOW);
+    } else {
+        detail_ = std::make_unique<ItemDetailView>(oid, task, occurrence);
+        detail_->SetCloseHandler([this](ViewPage& page) { OnPageClosed(page); });
+        if (!detail_->Open(main_.GetHwnd())) {
+            detail_.reset();
+            return nullptr;
+        }
     }
-    Log::Info("item %d: no detail view yet", static_cast<int>(oid));
-    return nullptr;
+    if (!detail_->HasItem()) {
+        Log::Info("item %d: not in the store", static_cast<int>(oid));
+        MessagePage::Tell(detail_->GetHwnd(), Lang("ItemNotFound"));
+        detail_->CloseView();
+        return nullptr;
+    }
+    if (!occurrence.IsValid() && showInMonth_) {
+        // Opened by its identifier: back from the detail, the month shows its day.
+        const DateTime day = detail_->CurrentDate();
+        if (day.IsValid()) showInMonth_(day);
+    }
+    SetForegroundWindow(detail_->GetHwnd());
+    return detail_->GetHwnd();
 }
 
 HWND ViewRouter::NewAppointment(const DateTime& date, HWND) { return InMonth("New appointment", date); }

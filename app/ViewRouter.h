@@ -1,8 +1,8 @@
 #pragma once
 // The one way into each page the main window and the views open: day,
 // week, agenda, tasks, item detail, the editors and dialogs. It owns the
-// view pages: the agenda is made once and kept, a day view lives until it is
-// closed. Pages this build does not have yet show the month view on the
+// view pages: the week and the agenda are made once and kept, a day view and
+// a detail view live until they are closed. Pages this build does not have yet show the month view on the
 // requested date instead, so that commands still take the user to the day.
 #include "data/DateTime.h"
 #include "ui/WinTypes.h"
@@ -20,6 +20,8 @@ class DayView;
 class QuickView;
 class YearView;
 class DialogWnd;
+class ItemDetailView;
+class WeekView;
 class ViewPage;
 
 class ViewRouter : public ViewNavigator {
@@ -57,10 +59,12 @@ public:
     int DayViewCount() const { return day_ ? 1 : 0; }
     int TasksViewCount() const { return 0; }
     // Kept week and agenda views, when created.
-    bool HasWeekView() const { return false; }
+    bool HasWeekView() const { return week_ != nullptr; }
     bool HasAgendaView() const { return agenda_ != nullptr; }
     AgendaView* Agenda() { return agenda_.get(); }
     DayView* Day() { return day_.get(); }
+    WeekView* Week() { return week_.get(); }
+    ItemDetailView* Detail() { return detail_.get(); }
     // Closes every page (the main window is going away).
     void CloseAll();
     // New language texts on every open page.
@@ -85,6 +89,8 @@ private:
     std::unique_ptr<DayView> day_;
     std::unique_ptr<YearView> year_;
     std::unique_ptr<QuickView> quick_;
+    std::unique_ptr<WeekView> week_;
+    std::unique_ptr<ItemDetailView> detail_;
 };
 
 } // namespace mirodate

@@ -21,6 +21,9 @@ struct PimRecord {
     std::u16string location;
     std::u16string categories; // comma-separated
     std::u16string body;
+    // The people of a meeting: "name|address" each, joined by "~"; the
+    // organizer first.
+    std::u16string attendees;
 
     // Appointments: the occurrence's times; all-day items run from 00:00 to
     // 00:00 of the day after their last day.

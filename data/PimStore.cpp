@@ -383,6 +383,10 @@ void PimStore::GetDayTasks(int year, int month, int day, std::vector<PimItem>& i
         if (filter_.Keep(entry.items[index])) items.push_back(entry.items[index]);
 }
 
+PimItem PimStore::ItemFromRecord(const PimRecord& record) {
+    return record.itemKind == kItemTask ? ToTask(record) : ToAppointment(record);
+}
+
 int PimStore::GetItemKind(std::int32_t oid) {
     std::lock_guard lock(storeMutex_);
     return source_ ? source_->GetItemKind(oid) : 0;

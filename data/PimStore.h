@@ -81,6 +81,8 @@ public:
     void GetDayTasks(int year, int month, int day, std::vector<PimItem>& items);
 
     int GetItemKind(std::int32_t oid);
+    // A record of the source as the views' item (an appointment or a task).
+    static PimItem ItemFromRecord(const PimRecord& record);
     void ReloadAppointment(std::int32_t oid);
     void RemoveAppointment(std::int32_t oid);
     void ReloadTask(std::int32_t oid);

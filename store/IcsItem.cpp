@@ -5,6 +5,7 @@
 #include "platform/TextUtil.h"
 #include "store/IcalText.h"
 #include "store/IcalTime.h"
+#include "store/IcsAttendees.h"
 #include "store/RecurrenceRule.h"
 #include "store/VtimezoneFilter.h"
 
@@ -242,6 +243,8 @@ void IcsItem::PrepareSeries() {
             moved.location = record_.location;
         if (moved.categories.empty())
             moved.categories = record_.categories;
+        if (moved.attendees.empty())
+            moved.attendees = record_.attendees;
         moved.isRecurring = true;
         moved_.push_back(std::move(moved));
     }
@@ -256,6 +259,7 @@ bool IcsItem::ReadComponent(icalcomponent* component, PimRecord& record, std::st
     record.categories = JoinCategories(component);
     if (icalcomponent_get_first_property(component, ICAL_STATUS_PROPERTY))
         record.cancelled = icalcomponent_get_status(component) == ICAL_STATUS_CANCELLED;
+    record.attendees = IcsAttendees::Read(component);
     const bool wholeDays = kind_ == Kind::Event && IsOutlookAllDay(component);
     icaltimetype start = PropertyTime(component, ICAL_DTSTART_PROPERTY);
     if (wholeDays)

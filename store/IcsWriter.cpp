@@ -5,6 +5,7 @@
 #include "store/IcalHandle.h"
 #include "store/IcalText.h"
 #include "store/IcalTime.h"
+#include "store/IcsAttendees.h"
 #include "store/RecurrenceRule.h"
 #include "store/VtimezoneFilter.h"
 
@@ -59,6 +60,7 @@ void Fill(icalcomponent* component, const PimRecord& record) {
     SetText(component, ICAL_SUMMARY_PROPERTY, record.subject);
     SetText(component, ICAL_LOCATION_PROPERTY, record.location);
     SetText(component, ICAL_DESCRIPTION_PROPERTY, record.body);
+    if (record.itemKind != 3) IcsAttendees::Write(component, record.attendees);
     RemoveAll(component, ICAL_CATEGORIES_PROPERTY);
     if (!record.categories.empty())
         icalcomponent_add_property(component, icalproperty_new_categories(Utf16ToUtf8(record.categories).c_str()));

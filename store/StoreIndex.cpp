@@ -21,7 +21,7 @@ namespace mirodate {
 
 namespace {
 
-constexpr char kMagic[] = "MIRODATE-INDEX-5\n";
+constexpr char kMagic[] = "MIRODATE-INDEX-6\n";
 // Largest index we read (a store of a million items stays far below).
 constexpr std::size_t kMaxIndexBytes = 512u * 1024u * 1024u;
 
@@ -121,6 +121,7 @@ void WriteItem(Writer& w, const StoredItem& item) {
     w.Text(rec.location);
     w.Text(rec.categories);
     w.Text(rec.body);
+    w.Text(rec.attendees);
     for (double v : {rec.start, rec.end, rec.startDate, rec.dueDate, rec.birthday, rec.anniversary}) w.Value(v);
     for (bool v : {rec.allDay, rec.isRecurring, rec.complete, rec.birthdayHasYear, rec.anniversaryHasYear,
                    rec.cancelled})
@@ -149,6 +150,7 @@ StoredItem ReadItem(Reader& r) {
     rec.location = r.Text();
     rec.categories = r.Text();
     rec.body = r.Text();
+    rec.attendees = r.Text();
     for (double* v : {&rec.start, &rec.end, &rec.startDate, &rec.dueDate, &rec.birthday, &rec.anniversary})
         *v = r.Value<double>();
     for (bool* v : {&rec.allDay, &rec.isRecurring, &rec.complete, &rec.birthdayHasYear,

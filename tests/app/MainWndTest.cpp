@@ -261,12 +261,13 @@ TEST_F(MainWndTest, CommandsMoveTheMonthView) {
     main_->ProcessCommand(u"tasks -d5");
     EXPECT_EQ(Model().SelectedDay(), 20);
     EXPECT_EQ(main_->DayList().Items().size(), 0u);
-    // An item's command shows its day.
+    // An item's command opens its detail view over its day.
     const std::int32_t oid = AddAppointment(2024, 7, 4, u"Fireworks");
     const std::string number = std::to_string(oid);
     main_->ProcessCommand(u"oid " + std::u16string(number.begin(), number.end()));
     EXPECT_EQ(Model().Month(), 7);
     EXPECT_EQ(Model().SelectedDay(), 4);
+    EXPECT_NE(main_->Router().Detail(), nullptr);
     WaitForMarkers();
 }
 

@@ -117,6 +117,53 @@ TEST_F(VdirSourceTest, SaveRefusesAFileChangedSinceItWasRead) {
     EXPECT_EQ(record.subject, u"Theirs, longer text");
 }
 
+TEST_F(VdirSourceTest, AttendeesAreReadAndKeptOnSave) {
+    // Folded lines, a name with a comma, the organizer listed again as
+    // attendee, a name with the separators of the text and a mailto: in capitals.
+    WriteFile("calendar/m.ics",
+              Event("m", "DTSTART:20260301T100000\r\nDTEND:20260301T110000\r\nSUMMARY:Meeting\r\n"
+                         "ORGANIZER;CN=Ann Boss:mailto:ann@example.org\r\n"
+                         "ATTENDEE;CN=Ann Boss;ROLE=CHAIR:mailto:ann@example.org\r\n"
+                         "ATTENDEE;CN=\"Doe, Jo\";PARTSTAT=ACCEPTED;RSVP=TRUE:mailto:jo@exa\r\n mple.org\r\n"
+                         "ATTENDEE;CN=Pipe|Tilde~Man:MAILTO:pt@example.org\r\n"
+                         "ATTENDEE:mailto:bare@example.org\r\n"));
+    auto source = OpenSource();
+    PimRecord record;
+    ASSERT_TRUE(source->GetItemFromOid(VdirSource::HashUid("m"), record));
+    EXPECT_EQ(record.attendees, u"Ann Boss|ann@example.org~Doe, Jo|jo@example.org~Pipe Tilde Man|pt@example.org~"
+                                u"|bare@example.org");
+
+    // Unchanged attendees keep their roles and replies through a save.
+    record.subject = u"Meeting, moved";
+    ASSERT_EQ(source->Save(record, kFolderCalendar), SaveResult::Saved);
+    std::string text = ReadFile("calendar/m.ics");
+    EXPECT_NE(text.find("PARTSTAT=ACCEPTED"), std::string::npos);
+    EXPECT_NE(text.find("ROLE=CHAIR"), std::string::npos);
+    PimRecord reread;
+    ASSERT_TRUE(source->GetItemFromOid(record.oid, reread));
+    EXPECT_EQ(reread.attendees, record.attendees);
+
+    // A changed list is written as it stands; the first stays organizer.
+    record.attendees = u"Ann Boss|ann@example.org~New One|new@example.org";
+    ASSERT_EQ(source->Save(record, kFolderCalendar), SaveResult::Saved);
+    text = ReadFile("calendar/m.ics");
+    EXPECT_NE(text.find("ORGANIZER;CN=Ann Boss:mailto:ann@example.org"), std::string::npos);
+    EXPECT_EQ(text.find("jo@example.org"), std::string::npos);
+    ASSERT_TRUE(source->GetItemFromOid(record.oid, reread));
+    EXPECT_EQ(reread.attendees, record.attendees);
+
+    // A new event with attendees and no organizer before: all attendees.
+    PimRecord added;
+    added.itemKind = kItemAppointment;
+    added.subject = u"Lunch";
+    added.start = DateTime(2026, 3, 2, 12, 0, 0).ToDate();
+    added.end = DateTime(2026, 3, 2, 13, 0, 0).ToDate();
+    added.attendees = u"Bo|bo@example.org";
+    ASSERT_EQ(source->Save(added, kFolderCalendar), SaveResult::Saved);
+    ASSERT_TRUE(source->GetItemFromOid(added.oid, reread));
+    EXPECT_EQ(reread.attendees, u"Bo|bo@example.org");
+}
+
 TEST_F(VdirSourceTest, DeleteCopyAndOccurrenceChanges) {
     WriteFile("calendar/s.ics", Event("s", "DTSTART;TZID=Europe/Berlin:20260302T180000\r\n"
                                            "DTEND;TZID=Europe/Berlin:20260302T190000\r\nRRULE:FREQ=WEEKLY\r\nSUMMARY:S\r\n"));
