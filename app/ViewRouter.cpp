@@ -10,6 +10,8 @@
 #include "ui/WinApi.h"
 #include "views/AgendaView.h"
 #include "views/DayView.h"
+#include "views/SearchView.h"
+#include "views/TasksView.h"
 
 namespace mirodate {
 
@@ -25,12 +27,16 @@ ViewRouter::~ViewRouter() {
 
 void ViewRouter::CloseAll() {
     day_.reset();
+    tasks_.reset();
+    search_.reset();
     agenda_.reset();
 }
 
 void ViewRouter::Relabel() {
     if (agenda_) agenda_->Relabel();
     if (day_) day_->Relabel();
+    if (tasks_) tasks_->Relabel();
+    if (search_) search_->Relabel();
 }
 
 HWND ViewRouter::MainWindow() { return main_.GetHwnd(); }
@@ -47,6 +53,7 @@ void ViewRouter::OnPageClosed(ViewPage& page) {
         // Deleted from the loop, where no caller of the page is on the stack.
         main_.PostDeferredCommand(kCmdPageClosed, day_.release());
     }
+    if (&page == tasks_.get()) main_.PostDeferredCommand(kCmdPageClosed, tasks_.release());
     if (&page == agenda_.get()) Settings::SetNumber("LastViewMode", 0);
     if (HWND main = main_.GetHwnd(); main && IsWindowVisible(main)) SetForegroundWindow(main);
 }
@@ -92,7 +99,22 @@ void ViewRouter::HideWeekAndAgenda() {
     Settings::SetNumber("LastViewMode", 0);
 }
 
-HWND ViewRouter::OpenTasksView(const DateTime& date) { return InMonth("Tasks", date); }
+HWND ViewRouter::OpenTasksView(const DateTime& date) {
+    // At most one: a second request brings the open one to the front.
+    if (tasks_) {
+        tasks_->SetDate(date);
+        ShowWindow(tasks_->GetHwnd(), SW_SHOW);
+        SetForegroundWindow(tasks_->GetHwnd());
+        return tasks_->GetHwnd();
+    }
+    tasks_ = std::make_unique<TasksView>(date);
+    tasks_->SetCloseHandler([this](ViewPage& page) { OnPageClosed(page); });
+    if (!tasks_->Open(main_.GetHwnd())) {
+        tasks_.reset();
+        return nullptr;
+    }
+    return tasks_->GetHwnd();
+}
 
 HWND ViewRouter::OpenItemDetail(std::int32_t oid, bool task, const DateTime& occurrence) {
     // Until the detail view exists, the month view goes to the item's day.
@@ -123,7 +145,20 @@ bool ViewRouter::OpenFilter(HWND owner) {
     return true;
 }
 
-void ViewRouter::OpenSearch(const DateTime& date) { InMonth("Search", date); }
+void ViewRouter::OpenSearch(const DateTime& date) {
+    // Made once; a "Search" while it is shown does nothing.
+    if (search_) {
+        if (IsWindowVisible(search_->GetHwnd())) return;
+        search_->SetDate(date);
+        ShowWindow(search_->GetHwnd(), SW_SHOW);
+        SetForegroundWindow(search_->GetHwnd());
+        return;
+    }
+    search_ = std::make_unique<SearchView>();
+    search_->SetDate(date);
+    search_->SetCloseHandler([this](ViewPage& page) { OnPageClosed(page); });
+    if (!search_->Open(main_.GetHwnd())) search_.reset();
+}
 void ViewRouter::OpenConfig(HWND) { Log::Info("settings page: not part of this build"); }
 void ViewRouter::OpenAbout(HWND owner) {
     MessagePage::Tell(owner ? owner : main_.GetHwnd(), u"Mirodate 0.1");

@@ -16,6 +16,8 @@ namespace mirodate {
 
 class AgendaView;
 class DayView;
+class SearchView;
+class TasksView;
 class DialogWnd;
 class ViewPage;
 
@@ -47,12 +49,14 @@ public:
 
     // Open day and tasks views.
     int DayViewCount() const { return day_ ? 1 : 0; }
-    int TasksViewCount() const { return 0; }
+    int TasksViewCount() const { return tasks_ ? 1 : 0; }
     // Kept week and agenda views, when created.
     bool HasWeekView() const { return false; }
     bool HasAgendaView() const { return agenda_ != nullptr; }
     AgendaView* Agenda() { return agenda_.get(); }
     DayView* Day() { return day_.get(); }
+    TasksView* Tasks() { return tasks_.get(); }
+    SearchView* Search() { return search_.get(); }
     // Closes every page (the main window is going away).
     void CloseAll();
     // New language texts on every open page.
@@ -68,6 +72,8 @@ private:
     std::function<void()> onFilterChanged_; // the main window reloads and tells every view
     std::unique_ptr<AgendaView> agenda_;
     std::unique_ptr<DayView> day_;
+    std::unique_ptr<TasksView> tasks_;
+    std::unique_ptr<SearchView> search_; // kept once made
 };
 
 } // namespace mirodate
