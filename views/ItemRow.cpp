@@ -13,6 +13,8 @@ namespace {
 constexpr size_t kMaxShownSubject = 512;
 constexpr int kCheckBoxSize = 9;
 constexpr int kTextGap = 4;
+// The mark keeps clear of the list's scroll strip along the right edge.
+constexpr int kMarkRightInset = 10;
 
 std::u16string ShownText(const std::u16string& text) {
     std::u16string shown = text.substr(0, kMaxShownSubject);
@@ -46,7 +48,7 @@ void ItemRow::EnsureLayout() const {
     int detailWidth = textWidth;
     if (!mark_.empty()) {
         markLayout_ = TextLayout(mark_, look.DetailFont(), std::max(textWidth / 3, 1), false);
-        detailWidth = std::max(textWidth - markLayout_.Width() - Scale(kTextGap), 1);
+        detailWidth = std::max(textWidth - markLayout_.Width() - Scale(kMarkRightInset), 1);
     }
     detail_ = TextLayout(detailText_, look.DetailFont(), detailWidth, false);
     // Timed appointments get the bar; all-day ones and contact dates do not.
@@ -103,7 +105,7 @@ void ItemRow::Draw(Dc& dc, const RECT& rect) {
     subject_.Draw(dc, left, rect.top + padding, ink);
     detail_.Draw(dc, left, rect.top + padding + subject_.Height(), selected ? look_.textSelected : look_.text);
     if (!mark_.empty())
-        markLayout_.Draw(dc, rect.right - Scale(kTextGap) - markLayout_.Width(), rect.top + padding + subject_.Height(),
+        markLayout_.Draw(dc, rect.right - Scale(kMarkRightInset) - markLayout_.Width(), rect.top + padding + subject_.Height(),
                          ink);
     const RECT bar{rect.left, rect.bottom - barHeight, rect.right, rect.bottom};
     if (!dayBar_.IsEmpty()) dayBar_.Draw(dc, bar);
