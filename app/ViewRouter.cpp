@@ -16,6 +16,8 @@
 #include "views/QuickView.h"
 #include "views/WeekView.h"
 #include "views/YearView.h"
+#include "views/SearchView.h"
+#include "views/TasksView.h"
 
 namespace mirodate {
 
@@ -35,6 +37,8 @@ void ViewRouter::CloseAll() {
     detail_.reset();
     day_.reset();
     week_.reset();
+    tasks_.reset();
+    search_.reset();
     agenda_.reset();
 }
 
@@ -45,6 +49,8 @@ void ViewRouter::Relabel() {
     if (year_) year_->Relabel();
     if (week_) week_->Relabel();
     if (detail_) detail_->Relabel();
+    if (tasks_) tasks_->Relabel();
+    if (search_) search_->Relabel();
 }
 
 namespace {
@@ -69,6 +75,7 @@ void ViewRouter::OnPageClosed(ViewPage& page) {
         main_.PostDeferredCommand(kCmdPageClosed, day_.release());
     }
     if (&page == quick_.get()) main_.PostDeferredCommand(kCmdPageClosed, quick_.release());
+    if (&page == tasks_.get()) main_.PostDeferredCommand(kCmdPageClosed, tasks_.release());
     if (&page == detail_.get()) main_.PostDeferredCommand(kCmdPageClosed, detail_.release());
     if (&page == agenda_.get() || &page == week_.get()) SetLastViewMode(0);
     // The page under the closed one comes to the front: an open day view,
@@ -184,7 +191,22 @@ void ViewRouter::HideWeekAndAgenda() {
     SetLastViewMode(0);
 }
 
-HWND ViewRouter::OpenTasksView(const DateTime& date) { return InMonth("Tasks", date); }
+HWND ViewRouter::OpenTasksView(const DateTime& date) {
+    // At most one: a second request brings the open one to the front.
+    if (tasks_) {
+        tasks_->SetDate(date);
+        ShowWindow(tasks_->GetHwnd(), SW_SHOW);
+        SetForegroundWindow(tasks_->GetHwnd());
+        return tasks_->GetHwnd();
+    }
+    tasks_ = std::make_unique<TasksView>(date);
+    tasks_->SetCloseHandler([this](ViewPage& page) { OnPageClosed(page); });
+    if (!tasks_->Open(main_.GetHwnd())) {
+        tasks_.reset();
+        return nullptr;
+    }
+    return tasks_->GetHwnd();
+}
 
 HWND ViewRouter::OpenItemDetail(std::int32_t oid, bool task, const DateTime& occurrence) {
     if (detail_) {
@@ -230,7 +252,21 @@ bool ViewRouter::OpenFilter(HWND owner) {
     return true;
 }
 
-void ViewRouter::OpenSearch(const DateTime& date) { InMonth("Search", date); }
+void ViewRouter::OpenSearch(const DateTime& date) {
+    // Made once; a "Search" while it is shown does nothing.
+    if (search_) {
+        if (IsWindowVisible(search_->GetHwnd())) return;
+        search_->SetDate(date);
+        ShowWindow(search_->GetHwnd(), SW_SHOW);
+        SetForegroundWindow(search_->GetHwnd());
+        return;
+    }
+    search_ = std::make_unique<SearchView>();
+    search_->SetDate(date);
+    search_->SetCloseHandler([this](ViewPage& page) { OnPageClosed(page); });
+    if (!search_->Open(main_.GetHwnd())) search_.reset();
+}
+
 std::function<void(const std::string&)> ViewRouter::ConfigChangeHandler() {
     return [this](const std::string& setting) {
         if (setting == "Language") Relabel();

@@ -19,6 +19,8 @@ class AgendaView;
 class DayView;
 class QuickView;
 class YearView;
+class SearchView;
+class TasksView;
 class DialogWnd;
 class ItemDetailView;
 class WeekView;
@@ -57,7 +59,7 @@ public:
 
     // Open day and tasks views.
     int DayViewCount() const { return day_ ? 1 : 0; }
-    int TasksViewCount() const { return 0; }
+    int TasksViewCount() const { return tasks_ ? 1 : 0; }
     // Kept week and agenda views, when created.
     bool HasWeekView() const { return week_ != nullptr; }
     bool HasAgendaView() const { return agenda_ != nullptr; }
@@ -65,6 +67,8 @@ public:
     DayView* Day() { return day_.get(); }
     WeekView* Week() { return week_.get(); }
     ItemDetailView* Detail() { return detail_.get(); }
+    TasksView* Tasks() { return tasks_.get(); }
+    SearchView* Search() { return search_.get(); }
     // Closes every page (the main window is going away).
     void CloseAll();
     // New language texts on every open page.
@@ -91,6 +95,8 @@ private:
     std::unique_ptr<QuickView> quick_;
     std::unique_ptr<WeekView> week_;
     std::unique_ptr<ItemDetailView> detail_;
+    std::unique_ptr<TasksView> tasks_;
+    std::unique_ptr<SearchView> search_; // kept once made
 };
 
 } // namespace mirodate

@@ -211,6 +211,16 @@ bool PimStore::QueryTasks(int firstYear, int firstMonth, int firstDay, int lastY
     return RunQuery(kFolderTasks, restriction, u"[DueDate]", items);
 }
 
+bool PimStore::QueryAllTasks(std::vector<PimItem>& items) {
+    std::lock_guard lock(storeMutex_);
+    std::vector<PimItem> found;
+    if (!RunQuery(kFolderTasks, u"", u"[DueDate]", found)) return false;
+    items.reserve(items.size() + found.size());
+    for (auto& item : found)
+        if (filter_.Keep(item)) items.push_back(std::move(item));
+    return true;
+}
+
 void PimStore::EnsureContacts() {
     if (contactsLoaded_ || !source_) return;
     contacts_.clear();

@@ -63,6 +63,9 @@ public:
     // Tasks of the range by the task settings, sorted by due date.
     bool QueryTasks(int firstYear, int firstMonth, int firstDay, int lastYear, int lastMonth, int lastDay,
                     std::vector<PimItem>& items);
+    // Every task the category filter keeps (completed ones unless the
+    // filter hides them), in the store's due-date order.
+    bool QueryAllTasks(std::vector<PimItem>& items);
     // Birthdays and anniversaries of the range, whatever the switches say.
     void QueryContactDates(int firstYear, int firstMonth, int firstDay, int lastYear, int lastMonth, int lastDay,
                            bool birthdays, bool anniversaries, std::vector<PimItem>& items);

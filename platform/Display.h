@@ -51,6 +51,9 @@ public:
     virtual void StartTextInput(int x, int y, int width, int height) = 0;
     virtual void StopTextInput() = 0;
     virtual bool IsTextInputActive() const = 0;
+    // The system's wait cursor while the program is busy; the previous
+    // cursor comes back when `busy` is false.
+    virtual void SetBusyCursor(bool busy) = 0;
 
     // The clipboard's text, UTF-8 as the desktop hands it over (not
     // necessarily valid: callers convert with replacement).

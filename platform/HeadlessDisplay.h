@@ -26,6 +26,9 @@ public:
     void StartTextInput(int x, int y, int width, int height) override;
     void StopTextInput() override { textInputActive_ = false; }
     bool IsTextInputActive() const override { return textInputActive_; }
+    // Nothing to show headless; the count lets tests see that it was asked for.
+    void SetBusyCursor(bool busy) override { busyCursorShown_ += busy ? 1 : 0; }
+    int BusyCursorShownCount() const { return busyCursorShown_; }
     // An in-process clipboard: what one window copies, another pastes.
     bool HasClipboardText() const override { return !clipboard_.empty(); }
     std::string GetClipboardText() const override { return clipboard_; }
@@ -49,6 +52,7 @@ private:
     int height_;
     bool fullScreen_ = false;
     bool textInputActive_ = false;
+    int busyCursorShown_ = 0;
     int textInputX_ = 0;
     int textInputY_ = 0;
     std::string clipboard_;

@@ -52,6 +52,8 @@ int ButtonFromSdl(std::uint8_t button) {
 } // namespace
 
 SdlDisplay::~SdlDisplay() {
+    if (waitCursor_) SDL_SetCursor(SDL_GetDefaultCursor());
+    waitCursor_.reset(); // before SDL goes away
     if (texture_) SDL_DestroyTexture(texture_);
     if (renderer_) SDL_DestroyRenderer(renderer_);
     if (window_) SDL_DestroyWindow(window_);
@@ -251,6 +253,25 @@ void SdlDisplay::SetFullScreen(bool fullScreen) {
     if (fullScreen == fullScreen_) return;
     fullScreen_ = fullScreen;
     SDL_SetWindowFullscreen(window_, fullScreen ? SDL_WINDOW_FULLSCREEN_DESKTOP : 0);
+}
+
+} // namespace mirodate
+
+namespace mirodate {
+
+void SdlDisplay::CursorDeleter::operator()(SDL_Cursor* cursor) const { SDL_FreeCursor(cursor); }
+
+void SdlDisplay::SetBusyCursor(bool busy) {
+    if (busy) {
+        if (!waitCursor_) waitCursor_.reset(SDL_CreateSystemCursor(SDL_SYSTEM_CURSOR_WAIT));
+        if (!waitCursor_ || SDL_GetCursor() == waitCursor_.get()) return;
+        cursorBeforeWait_ = SDL_GetCursor();
+        SDL_SetCursor(waitCursor_.get());
+        return;
+    }
+    if (!waitCursor_ || SDL_GetCursor() != waitCursor_.get()) return;
+    SDL_SetCursor(cursorBeforeWait_ ? cursorBeforeWait_ : SDL_GetDefaultCursor());
+    cursorBeforeWait_ = nullptr;
 }
 
 } // namespace mirodate

@@ -11,6 +11,7 @@
 struct SDL_Window;
 struct SDL_Renderer;
 struct SDL_Texture;
+struct SDL_Cursor;
 union SDL_Event;
 
 namespace mirodate {
@@ -38,6 +39,7 @@ public:
     bool HasClipboardText() const override;
     std::string GetClipboardText() const override;
     bool SetClipboardText(const std::string& utf8) override;
+    void SetBusyCursor(bool busy) override;
 
 private:
     SdlDisplay() = default;
@@ -57,6 +59,12 @@ private:
     std::uint32_t wakeEventType_ = 0;
     bool pendingEvent_ = false;   // an event taken by WaitEvent, not yet polled
     std::unique_ptr<SDL_Event> pending_;
+    // The system wait cursor, made on first use, and the one it replaced.
+    struct CursorDeleter {
+        void operator()(SDL_Cursor* cursor) const;
+    };
+    std::unique_ptr<SDL_Cursor, CursorDeleter> waitCursor_;
+    SDL_Cursor* cursorBeforeWait_ = nullptr;
 };
 
 } // namespace mirodate

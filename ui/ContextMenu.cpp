@@ -88,7 +88,7 @@ void ContextMenu::OnDialogReady() {
     std::vector<ListRow> rows;
     rows.reserve(items.size());
     for (const ContextMenuItem& item : items)
-        rows.push_back(ListRow{item.text, item.icon, item.checked, item.enabled});
+        rows.push_back(ListRow{item.text, item.icon, item.checked, item.enabled, item.mark});
     list.SetRows(std::move(rows));
     if (preselected != -1) {
         list.SetFirstVisibleRow(preselected - list.VisibleRows() / 2 + 1);

@@ -27,6 +27,7 @@ struct ContextMenuItem {
     int icon = -1; // index in the menu-bar icon strip; -1 = none
     LONG_PTR extra = 0;
     bool enabled = true; // listed greyed and not choosable when false
+    int mark = 0;        // ListRow::kMarkAscending or kMarkDescending: a sort arrow
 };
 
 class ContextMenu : public DialogWnd {

@@ -142,6 +142,8 @@ void ListCtrlWnd::OnPaint(HDC dc) {
                 textLeft += iconSize_ + Scale(kTextInset);
             }
             if (item.checked) DrawCheck(*dc, rect, color);
+            else if (item.mark == ListRow::kMarkAscending || item.mark == ListRow::kMarkDescending)
+                DrawSortMark(*dc, rect, color, item.mark == ListRow::kMarkDescending);
         }
         dc->SetTextColor(color);
         RECT text{textLeft, top, client.right - Scale(kCheckWidth), top + rowHeight_};
@@ -157,6 +159,16 @@ void ListCtrlWnd::DrawCheck(Dc& dc, const RECT& row, COLORREF color) {
     const int x = row.right - Scale(kCheckWidth) + 2 * s, y = row.top + row.Height() / 2;
     dc.Line(x, y, x + 3 * s, y + 4 * s, color, Scale(2));
     dc.Line(x + 3 * s, y + 4 * s, x + 10 * s, y - 5 * s, color, Scale(2));
+}
+
+void ListCtrlWnd::DrawSortMark(Dc& dc, const RECT& row, COLORREF color, bool descending) {
+    // A filled triangle in the check's place: its point shows the direction.
+    const int s = Scale(1);
+    const int left = row.right - Scale(kCheckWidth) + 2 * s, right = left + 10 * s;
+    const int middle = row.top + row.Height() / 2;
+    const int tip = descending ? middle + 4 * s : middle - 4 * s;
+    const int base = descending ? middle - 3 * s : middle + 3 * s;
+    dc.Polygon({{left, base}, {right, base}, {(left + right) / 2, tip}}, color, color);
 }
 
 // ---- input -----------------------------------------------------------------

@@ -21,10 +21,15 @@ class Font;
 constexpr const char* kListCtrlClass = "KESTRELIA::LISTCTRLWND";
 
 struct ListRow {
+    // Mark codes of a row: an arrow up (an ascending order) or down.
+    static constexpr int kMarkAscending = 160;
+    static constexpr int kMarkDescending = 161;
+
     std::u16string text;
     int icon = -1; // index into the icon strip; -1 = none
     bool checked = false;
     bool enabled = true; // a greyed row cannot be chosen
+    int mark = 0;        // 0, kMarkAscending or kMarkDescending
 };
 
 struct ListColors {
@@ -74,6 +79,7 @@ private:
     int MaxScroll() const;
     int RowAt(int y) const; // item index under client y; -1 for the header or nothing
     void DrawCheck(Dc& dc, const RECT& row, COLORREF color);
+    void DrawSortMark(Dc& dc, const RECT& row, COLORREF color, bool descending);
     void ClosePopup();
 
     std::vector<ListRow> rows_;

@@ -13,6 +13,8 @@ namespace {
 constexpr size_t kMaxShownSubject = 512;
 constexpr int kCheckBoxSize = 9;
 constexpr int kTextGap = 4;
+// The mark keeps clear of the list's scroll strip along the right edge.
+constexpr int kMarkRightInset = 10;
 
 std::u16string ShownText(const std::u16string& text) {
     std::u16string shown = text.substr(0, kMaxShownSubject);
@@ -43,7 +45,12 @@ void ItemRow::EnsureLayout() const {
     const int textWidth = std::max(look.width - left - Scale(kTextGap), 1);
     subject_ = TextLayout(ShownText(item_.subject), struck_ ? look.StruckSubjectFont() : look.SubjectFont(),
                           textWidth, false);
-    detail_ = TextLayout(detailText_, look.DetailFont(), textWidth, false);
+    int detailWidth = textWidth;
+    if (!mark_.empty()) {
+        markLayout_ = TextLayout(mark_, look.DetailFont(), std::max(textWidth / 3, 1), false);
+        detailWidth = std::max(textWidth - markLayout_.Width() - Scale(kMarkRightInset), 1);
+    }
+    detail_ = TextLayout(detailText_, look.DetailFont(), detailWidth, false);
     // Timed appointments get the bar; all-day ones and contact dates do not.
     if (!item_.IsTask() && item_.kind == PimItem::kAppointment && !item_.isAllDay)
         dayBar_.Build(item_, dayDate_, look.width, look.background,
@@ -97,6 +104,9 @@ void ItemRow::Draw(Dc& dc, const RECT& rect) {
     }
     subject_.Draw(dc, left, rect.top + padding, ink);
     detail_.Draw(dc, left, rect.top + padding + subject_.Height(), selected ? look_.textSelected : look_.text);
+    if (!mark_.empty())
+        markLayout_.Draw(dc, rect.right - Scale(kMarkRightInset) - markLayout_.Width(), rect.top + padding + subject_.Height(),
+                         ink);
     const RECT bar{rect.left, rect.bottom - barHeight, rect.right, rect.bottom};
     if (!dayBar_.IsEmpty()) dayBar_.Draw(dc, bar);
     else if (look_.separatorStyle != 0) dc.FillSolidRect(rect.left, rect.bottom - 1, rect.Width(), 1, look_.separator);

@@ -28,6 +28,9 @@ public:
     bool IsStruckThrough() const { return struck_; }
     // The second line as shown (time range or due text, and the location).
     const std::u16string& DetailText() const;
+    // A short label at the right end of the second line (a task's priority).
+    void SetMark(std::u16string mark) { mark_ = std::move(mark); }
+    const std::u16string& Mark() const { return mark_; }
 
 private:
     void DrawCheckBox(Dc& dc, const RECT& zone, COLORREF ink) const;
@@ -43,6 +46,8 @@ private:
     mutable std::u16string detailText_;
     mutable TextLayout subject_;
     mutable TextLayout detail_;
+    std::u16string mark_;
+    mutable TextLayout markLayout_;
     mutable DayBar dayBar_;
 };
 

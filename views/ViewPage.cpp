@@ -212,6 +212,7 @@ void ViewPage::OnDeferredCommand(UINT id) {
 }
 
 void ViewPage::RunCommand(UINT command) {
+    if (OnViewCommand(command)) return;
     if (command == ItemCommands::kToday) {
         ScrollToToday();
         return;
@@ -254,9 +255,7 @@ void ViewPage::OnMenuButton(const std::string&) {}
 
 void ViewPage::OnCommand(UINT, UINT, HWND control) {
     if (control == title_.GetHwnd()) {
-        // The title takes the user back to the month.
-        if (ViewNavigator* navigator = ViewNavigator::Current()) navigator->HideWeekAndAgenda();
-        CloseView();
+        OnTitleTap();
         return;
     }
     const int index = menuBar_.IndexOf(control);
@@ -289,10 +288,21 @@ void ViewPage::OnCommand(UINT, UINT, HWND control) {
 }
 
 LRESULT ViewPage::OnNotify(UINT_PTR, NMHDR* header) {
-    if (header && header->hwndFrom == title_.GetHwnd() && header->code == NM_LONG_PRESS)
-        OpenContextMenu({{Lang("Today"), ItemCommands::kToday}, {Lang("Tomorrow"), ItemCommands::kTomorrow}});
+    if (header && header->hwndFrom == title_.GetHwnd() && header->code == NM_LONG_PRESS) OnTitleHold();
     return 0;
 }
+
+void ViewPage::OnTitleTap() {
+    // The title takes the user back to the month.
+    if (ViewNavigator* navigator = ViewNavigator::Current()) navigator->HideWeekAndAgenda();
+    CloseView();
+}
+
+void ViewPage::OnTitleHold() {
+    OpenContextMenu({{Lang("Today"), ItemCommands::kToday}, {Lang("Tomorrow"), ItemCommands::kTomorrow}});
+}
+
+bool ViewPage::OnViewCommand(UINT) { return false; }
 
 bool ViewPage::OnViewKey(UINT) { return false; }
 

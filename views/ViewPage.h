@@ -92,6 +92,12 @@ protected:
     virtual std::u16string Title() const = 0;
     // Buttons the base does not know.
     virtual void OnMenuButton(const std::string& key);
+    // Commands of the view's own menus, before the shared handler; true
+    // when handled.
+    virtual bool OnViewCommand(UINT command);
+    // A tap on the title: back to the month. A hold: "Today", "Tomorrow".
+    virtual void OnTitleTap();
+    virtual void OnTitleHold();
     // Keys the view handles itself (Left/Right); true when handled.
     virtual bool OnViewKey(UINT key);
     // Places the children in the area between the title and the menu bar.

@@ -12,6 +12,9 @@
 #include "ui/ScreenBars.h"
 #include "views/AgendaView.h"
 #include "views/DayView.h"
+#include "views/ItemCommands.h"
+#include "views/SearchView.h"
+#include "views/TasksView.h"
 
 #include <filesystem>
 #include <fstream>
@@ -164,6 +167,31 @@ TEST_F(ViewsFromMainTest, ViewsFillAgainAfterMidnightAndAfterOtherProgramsChange
     EXPECT_EQ(agenda->CurrentDate(), DateTime(2024, 3, 16));
     EXPECT_EQ(RowTexts(agenda->List())[0], "H:Today");
     EXPECT_EQ(RowTexts(agenda->List())[1], "I:Planning") << ::testing::PrintToString(RowTexts(agenda->List()));
+}
+
+TEST_F(ViewsFromMainTest, TheTasksViewOpensOnceAndTheSearchIsKept) {
+    Start(u"tasks");
+    TasksView* tasks = main_->Router().Tasks();
+    ASSERT_TRUE(tasks);
+    EXPECT_TRUE(IsWindowVisible(tasks->GetHwnd()));
+    // A second request brings the same one to the front.
+    EXPECT_EQ(main_->Router().OpenTasksView(DateTime(2024, 3, 16)), tasks->GetHwnd());
+    EXPECT_EQ(main_->Router().TasksViewCount(), 1);
+    // "Search" of the Menu pop-up makes the search view; "Back" closes the tasks view.
+    tasks->RunCommand(ItemCommands::kSearch);
+    SearchView* search = main_->Router().Search();
+    ASSERT_TRUE(search);
+    EXPECT_TRUE(IsWindowVisible(search->GetHwnd()));
+    search->CloseView();
+    EXPECT_FALSE(IsWindowVisible(search->GetHwnd()));
+    // The month is in front again; the tasks button brings the same view back.
+    EXPECT_EQ(main_->Router().OpenTasksView(DateTime(2024, 3, 15)), tasks->GetHwnd());
+    TapAt(Centre(tasks->Menu().Button(3)->GetHwnd()));
+    windows_->RunUntilIdle();
+    EXPECT_EQ(main_->Router().TasksViewCount(), 0);
+    main_->Router().OpenSearch(DateTime(2024, 3, 15));
+    EXPECT_EQ(main_->Router().Search(), search);
+    EXPECT_TRUE(IsWindowVisible(search->GetHwnd()));
 }
 
 } // namespace
