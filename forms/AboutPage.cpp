@@ -6,6 +6,7 @@
 #include "platform/TextUtil.h"
 #include "platform/VirtualKeys.h"
 #include "skin/SkinStyles.h"
+#include "forms/FormPainter.h"
 #include "ui/Dc.h"
 #include "ui/Scale.h"
 #include "ui/ScreenBars.h"
@@ -139,19 +140,10 @@ void AboutPage::OnScreenReset() {
 }
 
 void AboutPage::OnPaint(HDC dc) {
-    if (!dc)
-        return;
-    const ListViewStyle& lists = SkinStyles::Current().listViews;
+    if (!dc) return;
     RECT client;
     GetClientRect(window, &client);
-    dc->FillRect(client, SkinStyles::Current().inputForms.colorBg);
-    RECT title{0, 0, client.right, Scale(kTitleHeight)};
-    dc->FillRect(title, lists.colorHeaderBg);
-    dc->SelectFont(bold_.get());
-    dc->SetBkMode(TRANSPARENT);
-    dc->SetTextColor(lists.colorHeaderText);
-    dc->DrawText(Lang("About"), title, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
-    dc->SelectFont(nullptr);
+    FormPainter::PaintPage(*dc, client, Scale(kTitleHeight), bold_.get(), Lang("About"));
 }
 
 void AboutPage::OnCommand(UINT, UINT, HWND control) {

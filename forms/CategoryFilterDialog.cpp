@@ -7,6 +7,7 @@
 #include "platform/Settings.h"
 #include "platform/VirtualKeys.h"
 #include "skin/SkinStyles.h"
+#include "forms/FormPainter.h"
 #include "ui/Dc.h"
 #include "ui/Scale.h"
 #include "ui/ScreenBars.h"
@@ -198,18 +199,9 @@ void CategoryFilterDialog::Apply() {
 
 void CategoryFilterDialog::OnPaint(HDC dc) {
     if (!dc) return;
-    const InputFormsStyle& form = SkinStyles::Current().inputForms;
-    const ListViewStyle& lists = SkinStyles::Current().listViews;
     RECT client;
     GetClientRect(window, &client);
-    dc->FillRect(client, form.colorBg);
-    RECT title{0, 0, client.right, Scale(kTitleHeight)};
-    dc->FillRect(title, lists.colorHeaderBg);
-    dc->SelectFont(font_.get());
-    dc->SetBkMode(TRANSPARENT);
-    dc->SetTextColor(lists.colorHeaderText);
-    dc->DrawText(Lang("filter.Title"), title, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
-    dc->SelectFont(nullptr);
+    FormPainter::PaintPage(*dc, client, Scale(kTitleHeight), font_.get(), Lang("filter.Title"));
 }
 
 void CategoryFilterDialog::OnCommand(UINT, UINT, HWND control) {

@@ -3,6 +3,7 @@
 #include "lang/LanguageTable.h"
 #include "platform/VirtualKeys.h"
 #include "skin/SkinStyles.h"
+#include "forms/FormPainter.h"
 #include "ui/Dc.h"
 #include "ui/Scale.h"
 #include "ui/ScreenBars.h"
@@ -83,20 +84,11 @@ void ColorPickerPage::OnScreenReset() {
 }
 
 void ColorPickerPage::OnPaint(HDC dc) {
-    if (!dc)
-        return;
-    const InputFormsStyle& form = SkinStyles::Current().inputForms;
-    const ListViewStyle& lists = SkinStyles::Current().listViews;
+    if (!dc) return;
     RECT client;
     GetClientRect(window, &client);
-    dc->FillRect(client, form.colorBg);
-    RECT title{0, 0, client.right, Scale(kTitleHeight)};
-    dc->FillRect(title, lists.colorHeaderBg);
-    dc->SelectFont(font_.get());
-    dc->SetBkMode(TRANSPARENT);
-    dc->SetTextColor(lists.colorHeaderText);
-    dc->DrawText(title_, title, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
-    dc->SelectFont(nullptr);
+    FormPainter::PaintPage(*dc, client, Scale(kTitleHeight), font_.get(), title_);
+    const InputFormsStyle& form = SkinStyles::Current().inputForms;
     const std::vector<COLORREF>& palette = Palette();
     for (size_t i = 0; i < palette.size(); ++i) {
         const RECT rect = SwatchRect(static_cast<int>(i));

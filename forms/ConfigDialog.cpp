@@ -13,6 +13,7 @@
 #include "skin/SkinLoader.h"
 #include "skin/SkinStyles.h"
 #include "ui/ContextMenu.h"
+#include "forms/FormPainter.h"
 #include "ui/Dc.h"
 #include "ui/MessagePage.h"
 #include "ui/Scale.h"
@@ -376,19 +377,10 @@ void ConfigDialog::SetColour(int index, COLORREF color) {
 }
 
 void ConfigDialog::OnPaint(HDC dc) {
-    if (!dc)
-        return;
-    const ListViewStyle& lists = SkinStyles::Current().listViews;
+    if (!dc) return;
     RECT client;
     GetClientRect(window, &client);
-    dc->FillRect(client, SkinStyles::Current().inputForms.colorBg);
-    RECT title{0, 0, client.right, Scale(kTitleHeight)};
-    dc->FillRect(title, lists.colorHeaderBg);
-    dc->SelectFont(font_.get());
-    dc->SetBkMode(TRANSPARENT);
-    dc->SetTextColor(lists.colorHeaderText);
-    dc->DrawText(Lang("config.Title"), title, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
-    dc->SelectFont(nullptr);
+    FormPainter::PaintPage(*dc, client, Scale(kTitleHeight), font_.get(), Lang("config.Title"));
 }
 
 void ConfigDialog::OnCommand(UINT, UINT, HWND control) {

@@ -11,7 +11,7 @@ namespace mirodate {
 class DesktopHandlers {
 public:
     // Desktop ids for `mimeType`: the defaults of every mimeapps.list in the
-    // order the specification gives, then the added associations; each once.
+    // lookup order of the freedesktop.org MIME rules, then the added associations; each once.
     static std::vector<std::string> HandlersFor(const std::string& mimeType);
     // The entry's command line with `file` for its %f/%u codes (left out
     // when empty); nothing when the entry cannot be found or has no Exec.
@@ -21,7 +21,7 @@ public:
     // XDG_DOWNLOAD_DIR from user-dirs.dirs, else ~/Downloads.
     static std::string DownloadDir();
     // Splits an Exec value into arguments (quotes and escapes as the
-    // desktop-entry specification has them) and fills in the field codes.
+    // freedesktop.org desktop entries write them) and fills in the field codes.
     static std::vector<std::string> SplitExec(const std::string& exec, const std::string& file);
 };
 
