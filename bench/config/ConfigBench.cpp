@@ -8,7 +8,7 @@
 //
 //   bench_config [--runs N]
 #include "app/MainWnd.h"
-#include "bench/store/StoreGenerator.h"
+#include "bench/store/BenchStoreSetup.h"
 #include "data/Categories.h"
 #include "data/PimStore.h"
 #include "forms/ConfigDialog.h"
@@ -47,33 +47,13 @@ double Max(const std::vector<double>& values) {
 } // namespace
 
 int main(int argc, char** argv) {
-    int runs = 20;
-    for (int i = 1; i + 1 < argc; ++i)
-        if (std::string(argv[i]) == "--runs")
-            runs = std::max(1, std::atoi(argv[++i]));
-    setenv("TZ", "Europe/Berlin", 1);
-    setenv("LANG", "en_US.UTF-8", 1);
-    char pattern[] = "/tmp/mirodate-bench-config-XXXXXX";
-    const std::string dir = mkdtemp(pattern);
-    setenv("XDG_CACHE_HOME", dir.c_str(), 1);
+    BenchStoreSetup setup;
+    if (!setup.Prepare("bench_config", argc, argv, 20)) return 1;
+    const std::string& dir = setup.dir;
+    const StoreGeneratorOptions& generator = setup.generator;
+    const int runs = setup.runs;
     setenv("XDG_CONFIG_HOME", dir.c_str(), 1);
     setenv("XDG_DATA_HOME", dir.c_str(), 1);
-    Settings::UseFile(dir + "/settings.conf");
-
-    StoreGeneratorOptions generator;
-    generator.root = dir + "/store";
-    if (!StoreGenerator::Generate(generator)) {
-        std::fprintf(stderr, "bench_config: cannot write %s\n", generator.root.c_str());
-        return 1;
-    }
-    std::printf("store: %d events (%d series), %d tasks, %d contacts\n", generator.events, generator.series,
-                generator.tasks, generator.contacts);
-    SYSTEMTIME start{};
-    start.wYear = static_cast<WORD>(generator.year);
-    start.wMonth = static_cast<WORD>(generator.month);
-    start.wDay = static_cast<WORD>(generator.day);
-    start.wHour = 8;
-    Clock::Install(std::make_unique<VirtualClock>(start, 1000));
 
     HeadlessDisplay display(480, 640);
     {

@@ -8,7 +8,7 @@
 //
 //   bench_weekdetail [--runs N]
 #include "app/MainWnd.h"
-#include "bench/store/StoreGenerator.h"
+#include "bench/store/BenchStoreSetup.h"
 #include "data/Categories.h"
 #include "data/PimStore.h"
 #include "platform/Clock.h"
@@ -62,30 +62,11 @@ std::u16string LongNote() {
 } // namespace
 
 int main(int argc, char** argv) {
-    int runs = 40;
-    for (int i = 1; i + 1 < argc; ++i)
-        if (std::string(argv[i]) == "--runs") runs = std::max(2, std::atoi(argv[++i]));
-    setenv("TZ", "Europe/Berlin", 1);
-    setenv("LANG", "en_US.UTF-8", 1);
-    char pattern[] = "/tmp/mirodate-bench-week-XXXXXX";
-    const std::string dir = mkdtemp(pattern);
-    setenv("XDG_CACHE_HOME", dir.c_str(), 1);
-    Settings::UseFile(dir + "/settings.conf");
-
-    StoreGeneratorOptions generator;
-    generator.root = dir + "/store";
-    if (!StoreGenerator::Generate(generator)) {
-        std::fprintf(stderr, "bench_weekdetail: cannot write %s\n", generator.root.c_str());
-        return 1;
-    }
-    std::printf("store: %d events (%d series), %d tasks, %d contacts\n", generator.events, generator.series,
-                generator.tasks, generator.contacts);
-    SYSTEMTIME start{};
-    start.wYear = static_cast<WORD>(generator.year);
-    start.wMonth = static_cast<WORD>(generator.month);
-    start.wDay = static_cast<WORD>(generator.day);
-    start.wHour = 8;
-    Clock::Install(std::make_unique<VirtualClock>(start, 1000));
+    BenchStoreSetup setup;
+    if (!setup.Prepare("bench_weekdetail", argc, argv, 40, 2)) return 1;
+    const std::string& dir = setup.dir;
+    const StoreGeneratorOptions& generator = setup.generator;
+    const int runs = setup.runs;
     const DateTime today(generator.year, generator.month, generator.day);
 
     HeadlessDisplay display(480, 640);
