@@ -1,0 +1,33 @@
+#pragma once
+// A modal page that picks a day from a month grid; swipes change the month.
+// Returns nothing when the user cancels.
+#include "data/DateTime.h"
+#include "ui/DialogWnd.h"
+
+#include <functional>
+#include <optional>
+
+namespace mirodate {
+
+class DatePickerPage : public DialogWnd {
+public:
+    explicit DatePickerPage(const DateTime& initial);
+    ~DatePickerPage() override;
+
+    // The chosen day (time of day of `initial` kept), or nothing on Cancel.
+    static std::optional<DateTime> Pick(HWND owner, const DateTime& initial);
+
+    // Called with each page once it is shown (tests answer through it).
+    static void SetOpenObserver(std::function<void(DatePickerPage& page)> observer);
+
+    DateTime Value() const { return value_; }
+    void SetValue(const DateTime& value) { value_ = value; }
+    // Ends the page with the current value (OK) or with nothing (Cancel).
+    void Accept();
+    void Cancel();
+
+private:
+    DateTime value_;
+};
+
+} // namespace mirodate
