@@ -2,6 +2,8 @@
 
 #include "data/PimStore.h"
 #include "forms/AboutPage.h"
+#include "forms/AppointmentEditor.h"
+#include "forms/AppointmentSaver.h"
 #include "forms/CategoryFilterDialog.h"
 #include "forms/ConfigDialog.h"
 #include "lang/LanguageTable.h"
@@ -26,12 +28,24 @@ ViewRouter::ViewRouter(DialogWnd& mainWindow, ShowInMonth showInMonth, std::func
     ViewNavigator::SetCurrent(this);
 }
 
+namespace {
+// A closed editor is deleted from the loop; it owns nothing the main window needs.
+class EditorDeleter : public BaseWnd {
+public:
+    explicit EditorDeleter(std::unique_ptr<AppointmentEditor> editor) : editor_(std::move(editor)) {}
+
+private:
+    std::unique_ptr<AppointmentEditor> editor_;
+};
+} // namespace
+
 ViewRouter::~ViewRouter() {
     CloseAll();
     if (ViewNavigator::Current() == this) ViewNavigator::SetCurrent(nullptr);
 }
 
 void ViewRouter::CloseAll() {
+    editor_.reset();
     year_.reset();
     quick_.reset();
     detail_.reset();
@@ -235,12 +249,51 @@ HWND ViewRouter::OpenItemDetail(std::int32_t oid, bool task, const DateTime& occ
     return detail_->GetHwnd();
 }
 
-HWND ViewRouter::NewAppointment(const DateTime& date, HWND) { return InMonth("New appointment", date); }
+HWND ViewRouter::OpenEditor(std::unique_ptr<AppointmentEditor> editor, HWND owner) {
+    // One editor at a time: an open one is given up unsaved.
+    if (editor_ && !editor_->IsClosed()) editor_->Cancel();
+    AppointmentSaver::SetMainWindow(main_.GetHwnd());
+    editor_ = std::move(editor);
+    editor_->SetCloseHandler([this](AppointmentEditor& closed) {
+        if (&closed != editor_.get()) return;
+        main_.PostDeferredCommand(kCmdPageClosed, new EditorDeleter(std::move(editor_)));
+        for (ViewPage* under : {static_cast<ViewPage*>(detail_.get()), static_cast<ViewPage*>(day_.get()),
+                                static_cast<ViewPage*>(week_.get()), static_cast<ViewPage*>(agenda_.get())}) {
+            if (under && IsWindowVisible(under->GetHwnd())) {
+                SetForegroundWindow(under->GetHwnd());
+                return;
+            }
+        }
+        if (HWND main = main_.GetHwnd(); main && IsWindowVisible(main)) SetForegroundWindow(main);
+    });
+    const HWND hwnd = editor_->Open(owner ? owner : main_.GetHwnd());
+    if (!hwnd) editor_.reset();
+    return hwnd;
+}
+
+HWND ViewRouter::NewAppointment(const DateTime& date, HWND owner) {
+    const DateTime day = date.IsValid() ? date : DateTime::Today();
+    return OpenEditor(std::make_unique<AppointmentEditor>(AppointmentDraft::NewOn(day, DateTime::Now())), owner);
+}
 HWND ViewRouter::NewTask(const DateTime& date, HWND) { return InMonth("New task", date); }
 
-HWND ViewRouter::EditItem(const PimItem& item, bool, bool, HWND) {
-    Log::Info("item %d: no editor yet", static_cast<int>(item.oid));
-    return nullptr;
+HWND ViewRouter::EditItem(const PimItem& item, bool occurrenceOnly, bool duplicate, HWND owner) {
+    if (item.IsTask()) {
+        Log::Info("item %d: no task editor yet", static_cast<int>(item.oid));
+        return nullptr;
+    }
+    PimSource* source = PimStore::Instance().Source();
+    PimRecord record;
+    if (!source || item.oid <= 0 || !source->GetItemFromOid(item.oid, record)) {
+        MessagePage::Tell(owner ? owner : main_.GetHwnd(), Lang("ItemNotFound"));
+        return nullptr;
+    }
+    using Mode = AppointmentDraft::Mode;
+    const Mode mode = duplicate ? Mode::Duplicate : occurrenceOnly && record.isRecurring ? Mode::Occurrence : Mode::Item;
+    AppointmentDraft draft = mode == Mode::Occurrence
+                                 ? AppointmentDraft::ForRecord(record, mode, item.startValue, item.endValue)
+                                 : AppointmentDraft::ForRecord(record, mode);
+    return OpenEditor(std::make_unique<AppointmentEditor>(std::move(draft)), owner);
 }
 
 bool ViewRouter::OpenFilter(HWND owner) {

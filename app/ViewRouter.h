@@ -16,6 +16,7 @@
 namespace mirodate {
 
 class AgendaView;
+class AppointmentEditor;
 class DayView;
 class QuickView;
 class YearView;
@@ -67,6 +68,8 @@ public:
     DayView* Day() { return day_.get(); }
     WeekView* Week() { return week_.get(); }
     ItemDetailView* Detail() { return detail_.get(); }
+    // The open appointment editor, if any.
+    AppointmentEditor* Editor() { return editor_.get(); }
     TasksView* Tasks() { return tasks_.get(); }
     SearchView* Search() { return search_.get(); }
     // Closes every page (the main window is going away).
@@ -84,6 +87,7 @@ private:
     HWND InMonth(const char* view, const DateTime& date);
     // A page closed itself: kept pages stay, others are deleted from the loop.
     void OnPageClosed(ViewPage& page);
+    HWND OpenEditor(std::unique_ptr<AppointmentEditor> editor, HWND owner);
 
     DialogWnd& main_;
     ShowInMonth showInMonth_;
@@ -97,6 +101,7 @@ private:
     std::unique_ptr<ItemDetailView> detail_;
     std::unique_ptr<TasksView> tasks_;
     std::unique_ptr<SearchView> search_; // kept once made
+    std::unique_ptr<AppointmentEditor> editor_; // deleted from the loop once closed
 };
 
 } // namespace mirodate

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace mirodate {
 
@@ -33,6 +34,15 @@ struct PimRecord {
     bool isRecurring = false; // an occurrence of a series (or a recurring task)
     bool cancelled = false;   // STATUS:CANCELLED: shown struck through, never reminded of
     RecurrencePattern recurrence;
+    // Appointments: the reminder the editor sets (lead time in minutes
+    // before the start), the busy status (0 free, 1 tentative, 2 busy,
+    // 3 out of office), the sensitivity (0 normal, 1 personal, 2 private,
+    // 3 confidential) and the files or addresses attached by reference.
+    bool reminderSet = false;
+    int reminderMinutes = 0;
+    int busyStatus = 2;
+    int sensitivity = 0;
+    std::vector<std::u16string> attachments;
 
     // Tasks.
     double startDate = kNoDate;

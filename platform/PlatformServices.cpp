@@ -33,6 +33,17 @@ bool PlatformServices::SendMail(const std::string& address) {
     return RunHelper("xdg-email", address);
 }
 
+bool PlatformServices::SendMailTo(const std::vector<std::string>& addresses, const std::string& subject,
+                                  const std::string& body) {
+    std::vector<std::string> argv{"xdg-email", "--subject", subject, "--body", body};
+    for (const std::string& address : addresses)
+        if (!address.empty() && address[0] != '-')
+            argv.push_back(address);
+    if (argv.size() == 5)
+        return false;
+    return RunProgram(argv);
+}
+
 bool PlatformServices::CallNumber(const std::string& number) {
     // Blanks only group the digits for the eye; a tel: address has none.
     std::string compact;

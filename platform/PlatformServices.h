@@ -18,6 +18,11 @@ public:
     virtual bool OpenUrl(const std::string& url);
     // xdg-email ADDRESS
     virtual bool SendMail(const std::string& address);
+    // xdg-email --subject SUBJECT --body BODY ADDRESS...: a message to
+    // several people, ready to send. Addresses that the helper would read
+    // as options are left out; none left starts nothing.
+    virtual bool SendMailTo(const std::vector<std::string>& addresses, const std::string& subject,
+                            const std::string& body);
     // xdg-open tel:NUMBER, the number without its blanks
     virtual bool CallNumber(const std::string& number);
     // xdg-open PATH

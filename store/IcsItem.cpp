@@ -6,6 +6,7 @@
 #include "store/IcalText.h"
 #include "store/IcalTime.h"
 #include "store/IcsAttendees.h"
+#include "store/IcsEditorFields.h"
 #include "store/RecurrenceRule.h"
 #include "store/VtimezoneFilter.h"
 
@@ -278,6 +279,7 @@ bool IcsItem::ReadComponent(icalcomponent* component, PimRecord& record, std::st
         return true;
     }
     record.itemKind = 1;
+    IcsEditorFields::Read(component, record);
     if (!IcalTime::ToLocalDate(start, record.start)) {
         problem = "no valid DTSTART";
         return false;

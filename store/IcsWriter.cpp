@@ -6,6 +6,7 @@
 #include "store/IcalText.h"
 #include "store/IcalTime.h"
 #include "store/IcsAttendees.h"
+#include "store/IcsEditorFields.h"
 #include "store/RecurrenceRule.h"
 #include "store/VtimezoneFilter.h"
 
@@ -85,6 +86,7 @@ void Fill(icalcomponent* component, const PimRecord& record) {
     } else {
         icalcomponent_add_property(component, TimeProperty(ICAL_DTSTART_PROPERTY, record.start, record.allDay));
         icalcomponent_add_property(component, TimeProperty(ICAL_DTEND_PROPERTY, record.end, record.allDay));
+        IcsEditorFields::Write(component, record);
     }
     if (record.recurrence.RecurrenceType != RecurrencePattern::kNotRecurring || !record.isRecurring) {
         RemoveAll(component, ICAL_RRULE_PROPERTY);

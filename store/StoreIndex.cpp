@@ -21,7 +21,7 @@ namespace mirodate {
 
 namespace {
 
-constexpr char kMagic[] = "MIRODATE-INDEX-6\n";
+constexpr char kMagic[] = "MIRODATE-INDEX-7\n";
 // Largest index we read (a store of a million items stays far below).
 constexpr std::size_t kMaxIndexBytes = 512u * 1024u * 1024u;
 
@@ -128,6 +128,10 @@ void WriteItem(Writer& w, const StoredItem& item) {
         w.Value<std::uint8_t>(v);
     w.Value<std::int32_t>(rec.importance);
     WritePattern(w, rec.recurrence);
+    w.Value<std::uint8_t>(rec.reminderSet);
+    for (int v : {rec.reminderMinutes, rec.busyStatus, rec.sensitivity}) w.Value<std::int32_t>(v);
+    w.Value<std::int32_t>(static_cast<std::int32_t>(rec.attachments.size()));
+    for (const std::u16string& a : rec.attachments) w.Text(a);
 }
 
 StoredItem ReadItem(Reader& r) {
@@ -158,6 +162,12 @@ StoredItem ReadItem(Reader& r) {
         *v = r.Value<std::uint8_t>() != 0;
     rec.importance = r.Value<std::int32_t>();
     rec.recurrence = ReadPattern(r);
+    rec.reminderSet = r.Value<std::uint8_t>() != 0;
+    for (int* v : {&rec.reminderMinutes, &rec.busyStatus, &rec.sensitivity}) *v = r.Value<std::int32_t>();
+    const std::int32_t attachments = r.Value<std::int32_t>();
+    // Each attachment takes at least its length word: a count beyond the
+    // data is damage, and the reader's own checks end the index.
+    for (std::int32_t i = 0; i < attachments && r.ok; ++i) rec.attachments.push_back(r.Text());
     return item;
 }
 
@@ -200,6 +210,9 @@ bool IsPlausible(const StoredItem& item) {
     if (!(item.longest >= 0.0 && item.longest <= kAfterLastDate - kFirstDate))
         return false;
     if (rec.importance < 0 || rec.importance > 2 || !IsPlausible(rec.recurrence))
+        return false;
+    if (rec.reminderMinutes < 0 || rec.busyStatus < 0 || rec.busyStatus > 3 || rec.sensitivity < 0 ||
+        rec.sensitivity > 3)
         return false;
     if (!item.readable)
         return true;

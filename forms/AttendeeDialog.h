@@ -1,0 +1,63 @@
+#pragma once
+// A modal page that edits the people of a meeting: the list of names and
+// addresses (a tap removes a person after asking), and a field for a new
+// one, typed as an address or as "Name <address>". An address without "@"
+// is refused with a message. Returns the people as PimRecord keeps them
+// ("name|address" joined by "~"), or nothing on Cancel.
+#include "forms/AppointmentDraft.h"
+#include "forms/SmallFormPage.h"
+#include "ui/TextFieldWnd.h"
+#include "ui/TouchListCtrlWnd.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace mirodate {
+
+class AttendeeDialog : public SmallFormPage {
+public:
+    static constexpr UINT kCmdRowBase = 0x7E00;
+    static constexpr std::size_t kMaxEntry = 255;
+    // No meeting needs more; the list stays readable.
+    static constexpr std::size_t kMaxPeople = 200;
+
+    explicit AttendeeDialog(const std::u16string& people);
+    ~AttendeeDialog() override;
+
+    static std::optional<std::u16string> Edit(HWND owner, const std::u16string& people);
+    static void SetOpenObserver(std::function<void(AttendeeDialog& page)> observer);
+
+    const std::vector<AppointmentDraft::Person>& People() const { return people_; }
+    // Adds "Name <address>" or a bare address; false (with a message) when
+    // the text holds no address with "@".
+    bool Add(const std::u16string& text);
+    // Removes person `index` after asking.
+    void Remove(int index);
+    std::u16string Value() const { return AppointmentDraft::JoinPeople(people_); }
+    TouchListCtrlWnd& List() { return list_; }
+    TextFieldWnd& Field() { return field_; }
+
+    // Splits "Name <address>" (or a bare address); false without "@".
+    static bool ParseEntry(const std::u16string& text, AppointmentDraft::Person& person);
+
+    void OnDialogReady() override;
+    void OnDeferredCommand(UINT id) override;
+
+protected:
+    void CreateControls() override;
+    void LayoutControls(const RECT& area) override;
+    void OnControl(HWND control, UINT code) override;
+    bool OnAccept() override;
+
+private:
+    void Fill();
+
+    std::vector<AppointmentDraft::Person> people_;
+    TouchListCtrlWnd list_;
+    TextFieldWnd field_;
+    ButtonWnd add_;
+};
+
+} // namespace mirodate
