@@ -60,6 +60,11 @@ AppointmentSaver::Outcome AppointmentSaver::Save(HWND owner, AppointmentDraft& d
     if (!draft.IsChanged()) return Outcome::Saved;
 
     PimRecord record = draft.Record();
+    if (record.isRecurring && (draft.RuleNotEditable() || record.recurrence == draft.Original().recurrence)) {
+        // A series whose pattern the user did not change keeps its rule as
+        // written: a recurring record without a pattern leaves RRULE alone.
+        record.recurrence.RecurrenceType = RecurrencePattern::kNotRecurring;
+    }
     const SaveResult result = draft.GetMode() == AppointmentDraft::Mode::Occurrence
                                   ? source->SaveOccurrence(oid, draft.OccurrenceStart(), &record)
                                   : source->Save(record, kFolderCalendar);

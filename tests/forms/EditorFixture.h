@@ -48,8 +48,9 @@ protected:
         return record;
     }
 
-    // Taps the middle of a window (a button).
+    // Taps the middle of a window (a button), after the buttons' guard against repeated taps.
     void TapWindow(HWND hwnd) {
+        Wait(1000);
         RECT rect;
         GetWindowRect(hwnd, &rect);
         Tap((rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2);
@@ -76,7 +77,7 @@ protected:
         Wait(1100); // the slide and the menu's guard
         const HWND hwnd = FindWindow(nullptr, kContextMenuTitle);
         ASSERT_TRUE(hwnd) << "no menu open";
-        auto* menu = dynamic_cast<ContextMenu*>(reinterpret_cast<BaseWnd*>(GetWindowLongPtr(hwnd, GWL_USERDATA)));
+        auto* menu = dynamic_cast<ContextMenu*>(reinterpret_cast<BaseWnd*>(GetWindowLongPtr(hwnd, DWL_USER)));
         ASSERT_TRUE(menu);
         menuTexts.clear();
         int index = -1;
