@@ -5,6 +5,7 @@
 // the store wrote.
 #include "forms/AppointmentEditor.h"
 #include "forms/AppointmentSaver.h"
+#include "lang/LanguageTable.h"
 #include "platform/RecordingPlatformServices.h"
 #include "tests/views/ViewFixture.h"
 #include "platform/VirtualKeys.h"
@@ -18,6 +19,8 @@ class EditorFixture : public ViewFixture {
 protected:
     void SetUp() override {
         ViewFixture::SetUp();
+        // Texts are their keys, whatever language an earlier test loaded.
+        LanguageTable::Instance().SetText(u"");
         AppointmentSaver::SetMainWindow(nullptr);
         services_ = std::make_unique<RecordingPlatformServices>();
     }
