@@ -3,7 +3,8 @@
 namespace mirodate {
 
 DayRange DayRange::Days(const DateTime& first, const DateTime& last) {
-    if (!first.IsValid() || !last.IsValid()) return DayRange();
+    if (!first.IsValid() || !last.IsValid())
+        return DayRange();
     return DayRange(first.GetYear(), first.GetMonth(), first.GetDay(), last.GetYear(), last.GetMonth(),
                     last.GetDay());
 }

@@ -11,8 +11,8 @@ class DayRange {
 public:
     DayRange() = default; // invalid
     DayRange(int firstYear, int firstMonth, int firstDay, int lastYear, int lastMonth, int lastDay)
-        : start_(firstYear, firstMonth, firstDay), end_(lastYear, lastMonth, lastDay, kLastHour, kLastMinute,
-                                                         kLastSecond) {}
+        : start_(firstYear, firstMonth, firstDay),
+          end_(lastYear, lastMonth, lastDay, kLastHour, kLastMinute, kLastSecond) {}
     // The days of the two dates (their times are ignored).
     static DayRange Days(const DateTime& first, const DateTime& last);
     static DayRange OneDay(const DateTime& day) { return Days(day, day); }

@@ -14,8 +14,10 @@ RECT Intersect(const RECT& a, const RECT& b) {
                 std::min(a.bottom, b.bottom)};
 }
 RECT Union(const RECT& a, const RECT& b) {
-    if (a.IsEmpty()) return b;
-    if (b.IsEmpty()) return a;
+    if (a.IsEmpty())
+        return b;
+    if (b.IsEmpty())
+        return a;
     return RECT{std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
                 std::max(a.bottom, b.bottom)};
 }
@@ -28,7 +30,8 @@ Compositor::~Compositor() = default;
 
 void Compositor::ResizeSurface(WindowRecord& window) {
     const int width = std::max(1, window.rect.Width()), height = std::max(1, window.rect.Height());
-    if (window.surface.Width() == width && window.surface.Height() == height) return;
+    if (window.surface.Width() == width && window.surface.Height() == height)
+        return;
     Bitmap surface(width, height);
     if (window.surface) {
         Dc dc(surface);
@@ -40,7 +43,8 @@ void Compositor::ResizeSurface(WindowRecord& window) {
 void Compositor::Invalidate(WindowRecord& window, const RECT* rect, bool erase) {
     const RECT client = window.ClientRect();
     const RECT area = rect ? Intersect(*rect, client) : client;
-    if (area.IsEmpty() && rect) return;
+    if (area.IsEmpty() && rect)
+        return;
     window.update = window.invalid ? Union(window.update, area) : area;
     window.invalid = true;
     window.erase = window.erase || erase;
@@ -83,20 +87,26 @@ void Compositor::ReleaseDC(HDC dc) {
     MarkDirty();
 }
 
-void Compositor::ReleaseAllDcs() { windowDcs_.clear(); }
+void Compositor::ReleaseAllDcs() {
+    windowDcs_.clear();
+}
 
 HWND Compositor::FindWindowToPaint(HWND handle) const {
     const WindowRecord* window = tree_.Get(handle);
-    if (!window || !window->IsVisibleStyle()) return nullptr;
-    if (window->invalid) return handle;
+    if (!window || !window->IsVisibleStyle())
+        return nullptr;
+    if (window->invalid)
+        return handle;
     for (HWND child : window->children)
-        if (HWND found = FindWindowToPaint(child)) return found;
+        if (HWND found = FindWindowToPaint(child))
+            return found;
     return nullptr;
 }
 
 HWND Compositor::NextWindowToPaint() const {
     for (HWND window : tree_.TopLevel())
-        if (HWND found = FindWindowToPaint(window)) return found;
+        if (HWND found = FindWindowToPaint(window))
+            return found;
     return nullptr;
 }
 
@@ -105,11 +115,13 @@ void Compositor::ResizeFrame(int width, int height) {
     MarkDirty();
 }
 
-void Compositor::ComposeWindow(cairo_t* cr, const WindowRecord& window, const RECT& clip, int originX, int originY) {
+void Compositor::ComposeWindow(cairo_t* cr, const WindowRecord& window, const RECT& clip, int originX,
+                               int originY) {
     const RECT screen{originX + window.rect.left, originY + window.rect.top, originX + window.rect.right,
                       originY + window.rect.bottom};
     const RECT visible = Intersect(screen, clip);
-    if (visible.IsEmpty()) return;
+    if (visible.IsEmpty())
+        return;
     if (window.surface) {
         cairo_save(cr);
         cairo_rectangle(cr, visible.left, visible.top, visible.Width(), visible.Height());
@@ -120,12 +132,14 @@ void Compositor::ComposeWindow(cairo_t* cr, const WindowRecord& window, const RE
     }
     for (HWND child : window.children) {
         const WindowRecord* c = tree_.Get(child);
-        if (c && c->IsVisibleStyle()) ComposeWindow(cr, *c, visible, screen.left, screen.top);
+        if (c && c->IsVisibleStyle())
+            ComposeWindow(cr, *c, visible, screen.left, screen.top);
     }
 }
 
 void Compositor::Compose() {
-    if (!frame_) return;
+    if (!frame_)
+        return;
     cairo_t* cr = cairo_create(frame_.Surface());
     cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
     cairo_set_source_rgb(cr, 0, 0, 0);
@@ -133,17 +147,20 @@ void Compositor::Compose() {
     const RECT screen{0, 0, frame_.Width(), frame_.Height()};
     for (HWND handle : tree_.TopLevel()) {
         const WindowRecord* window = tree_.Get(handle);
-        if (window && window->IsVisibleStyle()) ComposeWindow(cr, *window, screen, 0, 0);
+        if (window && window->IsVisibleStyle())
+            ComposeWindow(cr, *window, screen, 0, 0);
     }
     cairo_destroy(cr);
     cairo_surface_flush(frame_.Surface());
-    display_.Present(cairo_image_surface_get_data(frame_.Surface()), cairo_image_surface_get_stride(frame_.Surface()));
+    display_.Present(cairo_image_surface_get_data(frame_.Surface()),
+                     cairo_image_surface_get_stride(frame_.Surface()));
     frameDirty_ = false;
     ++framesComposed_;
 }
 
 void Compositor::ComposeIfNeeded() {
-    if (frameDirty_) Compose();
+    if (frameDirty_)
+        Compose();
 }
 
 } // namespace mirodate

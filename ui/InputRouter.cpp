@@ -26,23 +26,29 @@ InputRouter::InputRouter(WindowManager& manager, WindowTree& tree, Display& disp
 
 HWND InputRouter::SetActiveWindow(HWND handle) {
     HWND top = tree_.TopLevelOf(handle);
-    if (!top) return nullptr;
+    if (!top)
+        return nullptr;
     const HWND previous = active_;
     manager_.BringWindowToTop(top);
-    if (top == previous) return previous;
+    if (top == previous)
+        return previous;
     active_ = top;
     if (previous && manager_.IsWindow(previous))
-        manager_.SendMessage(previous, WM_ACTIVATE, MAKEWPARAM(WA_INACTIVE, 0), reinterpret_cast<LPARAM>(top));
-    if (active_ != top || !manager_.IsWindow(top)) return previous;
+        manager_.SendMessage(previous, WM_ACTIVATE, MAKEWPARAM(WA_INACTIVE, 0),
+                             reinterpret_cast<LPARAM>(top));
+    if (active_ != top || !manager_.IsWindow(top))
+        return previous;
     manager_.SendMessage(top, WM_ACTIVATE, MAKEWPARAM(WA_ACTIVE, 0), reinterpret_cast<LPARAM>(previous));
-    if (active_ == top && manager_.IsWindow(top) && (!focus_ || tree_.TopLevelOf(focus_) != top)) SetFocus(top);
+    if (active_ == top && manager_.IsWindow(top) && (!focus_ || tree_.TopLevelOf(focus_) != top))
+        SetFocus(top);
     return previous;
 }
 
 void InputRouter::ActivateNextAfter(HWND leaving) {
     const std::vector<HWND>& topLevel = tree_.TopLevel();
     for (auto it = topLevel.rbegin(); it != topLevel.rend(); ++it) {
-        if (*it == leaving) continue;
+        if (*it == leaving)
+            continue;
         if (manager_.IsWindowVisible(*it) && manager_.IsWindowEnabled(*it)) {
             SetActiveWindow(*it);
             return;
@@ -51,34 +57,44 @@ void InputRouter::ActivateNextAfter(HWND leaving) {
 }
 
 void InputRouter::Deactivate(HWND handle) {
-    if (active_ != handle) return;
+    if (active_ != handle)
+        return;
     active_ = nullptr;
     manager_.SendMessage(handle, WM_ACTIVATE, MAKEWPARAM(WA_INACTIVE, 0), 0);
     ActivateNextAfter(handle);
 }
 
 bool InputRouter::Forget(HWND handle) {
-    if (capture_ == handle) capture_ = nullptr;
-    if (focus_ == handle) focus_ = nullptr;
-    if (lastDownWindow_ == handle) lastDownWindow_ = nullptr;
+    if (capture_ == handle)
+        capture_ = nullptr;
+    if (focus_ == handle)
+        focus_ = nullptr;
+    if (lastDownWindow_ == handle)
+        lastDownWindow_ = nullptr;
     const bool wasActive = active_ == handle;
-    if (wasActive) active_ = nullptr;
+    if (wasActive)
+        active_ = nullptr;
     return wasActive;
 }
 
 void InputRouter::DropCapture(HWND handle) {
-    if (capture_ == handle) capture_ = nullptr;
+    if (capture_ == handle)
+        capture_ = nullptr;
 }
 
 HWND InputRouter::SetFocus(HWND handle) {
-    if (handle && !manager_.IsWindow(handle)) return nullptr;
+    if (handle && !manager_.IsWindow(handle))
+        return nullptr;
     const HWND previous = focus_;
     if (handle) {
         HWND top = tree_.TopLevelOf(handle);
-        if (top != active_) SetActiveWindow(top);
-        if (focus_ == handle) return previous;
+        if (top != active_)
+            SetActiveWindow(top);
+        if (focus_ == handle)
+            return previous;
     }
-    if (handle == focus_) return previous;
+    if (handle == focus_)
+        return previous;
     const HWND losing = focus_;
     focus_ = handle;
     if (losing && manager_.IsWindow(losing))
@@ -90,7 +106,8 @@ HWND InputRouter::SetFocus(HWND handle) {
 
 HWND InputRouter::SetCapture(HWND handle) {
     const HWND previous = capture_;
-    if (handle && !manager_.IsWindow(handle)) return previous;
+    if (handle && !manager_.IsWindow(handle))
+        return previous;
     capture_ = handle;
     if (previous && previous != handle && manager_.IsWindow(previous))
         manager_.SendMessage(previous, WM_CAPTURECHANGED, 0, reinterpret_cast<LPARAM>(handle));
@@ -100,7 +117,8 @@ HWND InputRouter::SetCapture(HWND handle) {
 bool InputRouter::ReleaseCapture() {
     const HWND previous = capture_;
     capture_ = nullptr;
-    if (previous && manager_.IsWindow(previous)) manager_.SendMessage(previous, WM_CAPTURECHANGED, 0, 0);
+    if (previous && manager_.IsWindow(previous))
+        manager_.SendMessage(previous, WM_CAPTURECHANGED, 0, 0);
     return true;
 }
 
@@ -109,11 +127,14 @@ bool InputRouter::ReleaseCapture() {
 bool InputRouter::TakeInput(MSG& msg, bool remove) {
     if (input_.empty()) {
         DisplayEvent event;
-        while (input_.empty() && display_.PollEvent(event)) TranslateDisplayEvent(event);
+        while (input_.empty() && display_.PollEvent(event))
+            TranslateDisplayEvent(event);
     }
-    if (input_.empty()) return false;
+    if (input_.empty())
+        return false;
     msg = input_.front();
-    if (remove) input_.pop_front();
+    if (remove)
+        input_.pop_front();
     return true;
 }
 
@@ -129,22 +150,26 @@ void InputRouter::QueueFor(HWND target, UINT message, WPARAM wParam, LPARAM lPar
 
 void InputRouter::QueuePointer(UINT message, int x, int y, WPARAM keys) {
     HWND target = capture_ ? capture_ : tree_.WindowFromPoint(x, y);
-    if (!target) return;
+    if (!target)
+        return;
     if (!capture_) {
         // Input to a disabled window (or one inside a disabled page) is dropped.
         for (HWND w = target; w; w = tree_.Get(w)->parent)
-            if (!manager_.IsWindowEnabled(w)) return;
+            if (!manager_.IsWindowEnabled(w))
+                return;
     }
     if (message == WM_LBUTTONDOWN || message == WM_RBUTTONDOWN || message == WM_MBUTTONDOWN) {
         HWND top = tree_.TopLevelOf(target);
         if (top && top != active_) {
             SetActiveWindow(top);
-            if (!manager_.IsWindow(target)) return;
+            if (!manager_.IsWindow(target))
+                return;
         }
         const WindowRecord* window = tree_.Get(target);
         const std::uint32_t now = manager_.GetTickCount();
         if (message == WM_LBUTTONDOWN && (window->classStyle & CS_DBLCLKS) && target == lastDownWindow_ &&
-            now - lastDownTime_ <= kDoubleClickTime && std::abs(x - lastDownPoint_.x) <= kDoubleClickDistance &&
+            now - lastDownTime_ <= kDoubleClickTime &&
+            std::abs(x - lastDownPoint_.x) <= kDoubleClickDistance &&
             std::abs(y - lastDownPoint_.y) <= kDoubleClickDistance) {
             message = WM_LBUTTONDBLCLK;
             lastDownWindow_ = nullptr;
@@ -177,7 +202,9 @@ void InputRouter::TranslateDisplayEvent(const DisplayEvent& event) {
         buttonKeys_ |= kBit[button];
         QueuePointer(kDown[button], event.x, event.y, buttonKeys_);
         break;
-    case T::PointerMove: QueuePointer(WM_MOUSEMOVE, event.x, event.y, buttonKeys_); break;
+    case T::PointerMove:
+        QueuePointer(WM_MOUSEMOVE, event.x, event.y, buttonKeys_);
+        break;
     case T::PointerUp:
         buttonKeys_ &= ~kBit[button];
         QueuePointer(kUp[button], event.x, event.y, buttonKeys_);
@@ -189,27 +216,32 @@ void InputRouter::TranslateDisplayEvent(const DisplayEvent& event) {
         break;
     case T::KeyDown:
     case T::KeyUp:
-        if (event.key < keysDown_.size()) keysDown_[event.key] = event.type == T::KeyDown;
+        if (event.key < keysDown_.size())
+            keysDown_[event.key] = event.type == T::KeyDown;
         if (HWND target = KeyboardTarget())
             QueueFor(target, event.type == T::KeyDown ? WM_KEYDOWN : WM_KEYUP, event.key,
                      event.type == T::KeyDown ? 1 : kKeyUpFlags);
         break;
     case T::Text:
         if (HWND target = KeyboardTarget())
-            for (char16_t unit : Utf8ToUtf16(event.text)) QueueFor(target, WM_CHAR, unit, 1 | kCharFromTextInput);
+            for (char16_t unit : Utf8ToUtf16(event.text))
+                QueueFor(target, WM_CHAR, unit, 1 | kCharFromTextInput);
         break;
     case T::Composition: {
         composition_ = Utf8ToUtf16(event.text);
         // The input method counts code points; ours are code units.
         int units = 0;
-        for (int points = 0; units < static_cast<int>(composition_.size()) && points < event.compositionCursor;
-             ++points)
+        for (int points = 0;
+             units < static_cast<int>(composition_.size()) && points < event.compositionCursor; ++points)
             units += IsHighSurrogate(composition_[static_cast<size_t>(units)]) ? 2 : 1;
         compositionCursor_ = std::min(units, static_cast<int>(composition_.size()));
-        if (HWND target = KeyboardTarget()) QueueFor(target, WM_IME_COMPOSITION, 0, 0);
+        if (HWND target = KeyboardTarget())
+            QueueFor(target, WM_IME_COMPOSITION, 0, 0);
         break;
     }
-    case T::Resize: manager_.OnScreenResize(event.width, event.height); break;
+    case T::Resize:
+        manager_.OnScreenResize(event.width, event.height);
+        break;
     case T::Quit:
         // Closing the program's window closes the main window, as the close
         // path of the instance link does.
@@ -222,4 +254,3 @@ void InputRouter::TranslateDisplayEvent(const DisplayEvent& event) {
 }
 
 } // namespace mirodate
-

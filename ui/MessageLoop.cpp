@@ -18,8 +18,8 @@ namespace {
 constexpr int kStopPollMs = 100;
 } // namespace
 
-MessageLoop::MessageLoop(WindowManager& manager, MessageQueue& queue, InputRouter& input, Compositor& compositor,
-                         TimerQueue& timers, Display& display)
+MessageLoop::MessageLoop(WindowManager& manager, MessageQueue& queue, InputRouter& input,
+                         Compositor& compositor, TimerQueue& timers, Display& display)
     : manager_(manager), queue_(queue), input_(input), compositor_(compositor), timers_(timers),
       display_(display) {}
 
@@ -32,12 +32,14 @@ bool MessageLoop::NextMessage(MSG& msg, bool remove) {
             continue;
         }
         if (taken == MessageQueue::Taken::Message) {
-            if (msg.message != WM_QUIT) msg.time = manager_.GetTickCount();
+            if (msg.message != WM_QUIT)
+                msg.time = manager_.GetTickCount();
             return true;
         }
         break;
     }
-    if (input_.TakeInput(msg, remove)) return true;
+    if (input_.TakeInput(msg, remove))
+        return true;
     if (HWND paint = compositor_.NextWindowToPaint()) {
         msg = MSG();
         msg.hwnd = paint;
@@ -51,15 +53,18 @@ bool MessageLoop::NextMessage(MSG& msg, bool remove) {
 
 bool MessageLoop::GetMessage(MSG& msg) {
     while (true) {
-        if (NextMessage(msg, true)) return msg.message != WM_QUIT;
+        if (NextMessage(msg, true))
+            return msg.message != WM_QUIT;
         WaitForWork();
     }
 }
 
 INT_PTR MessageLoop::RunModal(HWND dialog, const std::function<std::optional<INT_PTR>()>& ended) {
     while (true) {
-        if (!manager_.IsWindow(dialog)) return IDCANCEL;
-        if (const std::optional<INT_PTR> result = ended()) return *result;
+        if (!manager_.IsWindow(dialog))
+            return IDCANCEL;
+        if (const std::optional<INT_PTR> result = ended())
+            return *result;
         MSG msg;
         if (!GetMessage(msg)) {
             // Leave the quit for the outer loop.
@@ -97,7 +102,8 @@ void MessageLoop::WaitForWork() {
 }
 
 void MessageLoop::WaitOnDisplay(int timeoutMs) {
-    if (stopCheck_) timeoutMs = timeoutMs < 0 ? kStopPollMs : std::min(timeoutMs, kStopPollMs);
+    if (stopCheck_)
+        timeoutMs = timeoutMs < 0 ? kStopPollMs : std::min(timeoutMs, kStopPollMs);
     display_.WaitEvent(timeoutMs);
 }
 
@@ -126,12 +132,15 @@ bool MessageLoop::RunUntilIdle() {
 bool MessageLoop::RunFor(std::uint32_t milliseconds) {
     const std::uint32_t end = manager_.GetTickCount() + milliseconds;
     while (true) {
-        if (!RunUntilIdle()) return false;
+        if (!RunUntilIdle())
+            return false;
         const std::int32_t remaining = static_cast<std::int32_t>(end - manager_.GetTickCount());
-        if (remaining <= 0) return true;
+        if (remaining <= 0)
+            return true;
         const std::optional<std::uint32_t> next = timers_.TimeUntilNext(manager_.GetTickCount());
-        const std::uint32_t step = next ? std::min<std::uint32_t>(*next, static_cast<std::uint32_t>(remaining))
-                                        : static_cast<std::uint32_t>(remaining);
+        const std::uint32_t step = next
+                                       ? std::min<std::uint32_t>(*next, static_cast<std::uint32_t>(remaining))
+                                       : static_cast<std::uint32_t>(remaining);
         if (Clock::Current().IsVirtual())
             Clock::Current().Advance(step);
         else

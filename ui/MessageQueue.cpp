@@ -43,14 +43,16 @@ MessageQueue::Taken MessageQueue::Take(MSG& msg, std::function<void()>& task, bo
             return Taken::Task;
         }
         msg = posted_.front().msg;
-        if (remove) posted_.pop_front();
+        if (remove)
+            posted_.pop_front();
         return Taken::Message;
     }
     if (quitPending_) {
         msg = MSG();
         msg.message = WM_QUIT;
         msg.wParam = static_cast<WPARAM>(quitCode_);
-        if (remove) quitPending_ = false;
+        if (remove)
+            quitPending_ = false;
         return Taken::Message;
     }
     return Taken::Nothing;

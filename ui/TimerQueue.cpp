@@ -38,7 +38,8 @@ UINT_PTR TimerQueue::Set(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC 
 bool TimerQueue::Kill(HWND window, UINT_PTR id) {
     auto it = std::find_if(timers_.begin(), timers_.end(),
                            [&](const Timer& t) { return t.window == window && t.id == id; });
-    if (it == timers_.end()) return false;
+    if (it == timers_.end())
+        return false;
     timers_.erase(it);
     return true;
 }
@@ -48,21 +49,25 @@ void TimerQueue::KillAllOf(HWND window) {
 }
 
 std::optional<std::uint32_t> TimerQueue::TimeUntilNext(std::uint32_t now) const {
-    if (timers_.empty()) return std::nullopt;
+    if (timers_.empty())
+        return std::nullopt;
     std::int32_t best = INT32_MAX;
-    for (const Timer& timer : timers_) best = std::min(best, static_cast<std::int32_t>(timer.due - now));
+    for (const Timer& timer : timers_)
+        best = std::min(best, static_cast<std::int32_t>(timer.due - now));
     return static_cast<std::uint32_t>(std::max(0, best));
 }
 
 bool TimerQueue::TakeDue(MSG& msg, std::uint32_t now) {
     Timer* chosen = nullptr;
     for (Timer& timer : timers_) {
-        if (static_cast<std::int32_t>(now - timer.due) < 0) continue;
+        if (static_cast<std::int32_t>(now - timer.due) < 0)
+            continue;
         if (!chosen || static_cast<std::int32_t>(timer.due - chosen->due) < 0 ||
             (timer.due == chosen->due && timer.sequence < chosen->sequence))
             chosen = &timer;
     }
-    if (!chosen) return false;
+    if (!chosen)
+        return false;
     msg = MSG();
     msg.hwnd = chosen->window;
     msg.message = WM_TIMER;

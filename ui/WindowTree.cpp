@@ -7,7 +7,9 @@
 namespace mirodate {
 
 namespace {
-std::uintptr_t Key(HWND window) { return reinterpret_cast<std::uintptr_t>(window); }
+std::uintptr_t Key(HWND window) {
+    return reinterpret_cast<std::uintptr_t>(window);
+}
 // Handles are spaced so that no two windows share an address-like value.
 constexpr std::uintptr_t kHandleStep = 4;
 } // namespace
@@ -16,7 +18,8 @@ WindowTree::WindowTree() = default;
 WindowTree::~WindowTree() = default;
 
 bool WindowTree::RegisterClass(const WNDCLASS& windowClass) {
-    if (windowClass.lpszClassName.empty() || classes_.count(windowClass.lpszClassName)) return false;
+    if (windowClass.lpszClassName.empty() || classes_.count(windowClass.lpszClassName))
+        return false;
     classes_[windowClass.lpszClassName] = windowClass;
     return true;
 }
@@ -45,9 +48,11 @@ HWND WindowTree::Add(std::unique_ptr<WindowRecord> window) {
 
 void WindowTree::Remove(HWND handle) {
     WindowRecord* window = Get(handle);
-    if (!window) return;
+    if (!window)
+        return;
     if (window->parent) {
-        if (WindowRecord* parent = Get(window->parent)) std::erase(parent->children, handle);
+        if (WindowRecord* parent = Get(window->parent))
+            std::erase(parent->children, handle);
     } else {
         std::erase(topLevel_, handle);
     }
@@ -56,13 +61,15 @@ void WindowTree::Remove(HWND handle) {
 
 HWND WindowTree::TopLevelOf(HWND handle) const {
     const WindowRecord* w = Get(handle);
-    while (w && w->parent) w = Get(w->parent);
+    while (w && w->parent)
+        w = Get(w->parent);
     return w ? w->handle : nullptr;
 }
 
 bool WindowTree::IsShown(const WindowRecord* window) const {
     while (window) {
-        if (!window->IsVisibleStyle()) return false;
+        if (!window->IsVisibleStyle())
+            return false;
         window = window->parent ? Get(window->parent) : nullptr;
     }
     return true;
@@ -84,8 +91,10 @@ HWND WindowTree::ChildFromPoint(HWND parent, int x, int y) const {
     const WindowRecord* window = Get(parent);
     for (auto it = window->children.rbegin(); it != window->children.rend(); ++it) {
         const WindowRecord* child = Get(*it);
-        if (!child || !child->IsVisibleStyle()) continue;
-        if (ScreenRectOf(child).Contains(x, y)) return ChildFromPoint(*it, x, y);
+        if (!child || !child->IsVisibleStyle())
+            continue;
+        if (ScreenRectOf(child).Contains(x, y))
+            return ChildFromPoint(*it, x, y);
     }
     return parent;
 }
@@ -93,8 +102,10 @@ HWND WindowTree::ChildFromPoint(HWND parent, int x, int y) const {
 HWND WindowTree::WindowFromPoint(int x, int y) const {
     for (auto it = topLevel_.rbegin(); it != topLevel_.rend(); ++it) {
         const WindowRecord* window = Get(*it);
-        if (!window || !window->IsVisibleStyle()) continue;
-        if (window->rect.Contains(x, y)) return ChildFromPoint(*it, x, y);
+        if (!window || !window->IsVisibleStyle())
+            continue;
+        if (window->rect.Contains(x, y))
+            return ChildFromPoint(*it, x, y);
     }
     return nullptr;
 }
@@ -102,9 +113,12 @@ HWND WindowTree::WindowFromPoint(int x, int y) const {
 HWND WindowTree::FindTopLevel(const char* className, const char16_t* title) const {
     for (auto it = topLevel_.rbegin(); it != topLevel_.rend(); ++it) {
         const WindowRecord* w = Get(*it);
-        if (!w || w->destroying) continue;
-        if (className && w->className != className) continue;
-        if (title && w->title != title) continue;
+        if (!w || w->destroying)
+            continue;
+        if (className && w->className != className)
+            continue;
+        if (title && w->title != title)
+            continue;
         return *it;
     }
     return nullptr;
@@ -112,10 +126,12 @@ HWND WindowTree::FindTopLevel(const char* className, const char16_t* title) cons
 
 bool WindowTree::Raise(HWND handle) {
     WindowRecord* window = Get(handle);
-    if (!window) return false;
+    if (!window)
+        return false;
     std::vector<HWND>& list = window->parent ? Get(window->parent)->children : topLevel_;
     auto it = std::find(list.begin(), list.end(), handle);
-    if (it == list.end() || it + 1 == list.end()) return false;
+    if (it == list.end() || it + 1 == list.end())
+        return false;
     list.erase(it);
     list.push_back(handle);
     return true;

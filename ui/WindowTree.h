@@ -29,7 +29,7 @@ struct WindowRecord {
     HWND parent = nullptr;
     HWND owner = nullptr;
     UINT_PTR id = 0;
-    RECT rect; // in the parent's client coordinates; on the screen for top-level windows
+    RECT rect;                  // in the parent's client coordinates; on the screen for top-level windows
     std::vector<HWND> children; // back to front
     WNDPROC proc = nullptr;
     LONG_PTR userData = 0;

@@ -44,7 +44,8 @@ std::vector<Spans> ScanOurs(const RegexPattern& pattern, const std::u16string& t
     std::vector<Spans> found;
     for (int start = 0; start <= static_cast<int>(text.size());) {
         const RegexMatch match = pattern.Search(text, start);
-        if (!match.IsMatched()) break;
+        if (!match.IsMatched())
+            break;
         Spans spans;
         for (int group = 0; group <= groups; ++group) {
             spans.push_back(match.GroupStart(group));
@@ -63,7 +64,8 @@ std::vector<Spans> ScanPcre(pcre2_code* code, const std::u16string& text, std::u
     const auto subject = reinterpret_cast<PCRE2_SPTR>(text.data());
     for (PCRE2_SIZE start = 0; start <= text.size();) {
         const int rc = pcre2_match(code, subject, text.size(), start, 0, data, nullptr);
-        if (rc < 0) break;
+        if (rc < 0)
+            break;
         const PCRE2_SIZE* ovector = pcre2_get_ovector_pointer(data);
         Spans spans;
         for (std::uint32_t group = 0; group <= captures; ++group) {
@@ -80,9 +82,12 @@ std::vector<Spans> ScanPcre(pcre2_code* code, const std::u16string& text, std::u
 
 std::uint32_t PcreOptions(int flags) {
     std::uint32_t options = PCRE2_DOLLAR_ENDONLY | PCRE2_ALT_CIRCUMFLEX;
-    if (flags & RegexPattern::kIgnoreCase) options |= PCRE2_CASELESS;
-    if (flags & RegexPattern::kMultiLine) options |= PCRE2_MULTILINE;
-    if (flags & RegexPattern::kSingleLine) options |= PCRE2_DOTALL;
+    if (flags & RegexPattern::kIgnoreCase)
+        options |= PCRE2_CASELESS;
+    if (flags & RegexPattern::kMultiLine)
+        options |= PCRE2_MULTILINE;
+    if (flags & RegexPattern::kSingleLine)
+        options |= PCRE2_DOTALL;
     return options;
 }
 
@@ -109,7 +114,8 @@ void ExpectSameAsPcre(const std::vector<Row>& table) {
         std::uint32_t captures = 0;
         pcre2_pattern_info(pcre, PCRE2_INFO_CAPTURECOUNT, &captures);
         EXPECT_EQ(static_cast<std::uint32_t>(ours.GroupCount()), captures) << Utf16ToUtf8(row.pattern);
-        if (row.compare == kWholeMatch) captures = 0;
+        if (row.compare == kWholeMatch)
+            captures = 0;
         for (const std::u16string& subject : row.subjects) {
             EXPECT_EQ(Describe(ScanOurs(ours, subject, static_cast<int>(captures))),
                       Describe(ScanPcre(pcre, subject, captures)))
@@ -140,7 +146,8 @@ TEST(PcreComparisonTest, LinkFinderPatternsFindTheSameLinksAndGroups) {
         {Linkifier::kFilePathPattern, 0, kNoteTexts},
         // Its path part "((/?)|(...)+/?)?" is such an optional, possibly empty group.
         {Linkifier::kWebAddressPattern, 0, kNoteTexts, kWholeMatch},
-        {u"(https?://)(([0-9]{1,3}\\.){3}[0-9]{1,3}|([0-9a-z_!~*'()-]+\\.)*[0-9a-z]\\.[a-z]{2,6})(:[0-9]{1,4})?",
+        {u"(https?://"
+         u")(([0-9]{1,3}\\.){3}[0-9]{1,3}|([0-9a-z_!~*'()-]+\\.)*[0-9a-z]\\.[a-z]{2,6})(:[0-9]{1,4})?",
          0, kNoteTexts},
         {Linkifier::kMailAddressPattern, 0, kNoteTexts},
         {Linkifier::kPhonePattern, 0, kNoteTexts},
@@ -149,7 +156,8 @@ TEST(PcreComparisonTest, LinkFinderPatternsFindTheSameLinksAndGroups) {
 }
 
 TEST(PcreComparisonTest, QuantifiersAlternationAndEmptyMatchesAgree) {
-    const std::vector<std::u16string> subjects = {u"", u"aaa", u"abab", u"baaac", u"xyz", u"a-b-c", u"aaaa b aa"};
+    const std::vector<std::u16string> subjects = {u"",    u"aaa",   u"abab",     u"baaac",
+                                                  u"xyz", u"a-b-c", u"aaaa b aa"};
     ExpectSameAsPcre({
         {u"a*", 0, subjects},
         {u"a*?", 0, subjects},
@@ -186,7 +194,8 @@ TEST(PcreComparisonTest, AnchorsBoundariesAndLineModesAgree) {
 }
 
 TEST(PcreComparisonTest, ClassesCaseFoldingAndEscapesAgree) {
-    const std::vector<std::u16string> subjects = {u"Hello World 42", u"tab\there", u"a]b-c^d\\e", u"MiXeD cAsE"};
+    const std::vector<std::u16string> subjects = {u"Hello World 42", u"tab\there", u"a]b-c^d\\e",
+                                                  u"MiXeD cAsE"};
     ExpectSameAsPcre({
         {u"[a-z]+", 0, subjects},
         {u"[a-z]+", RegexPattern::kIgnoreCase, subjects},

@@ -41,7 +41,8 @@ public:
             ++handDecodedChanges;
             return 0;
         }
-        if (message == RegisterWindowMessage(kMinimizedBroadcastName)) return 0; // stays open
+        if (message == RegisterWindowMessage(kMinimizedBroadcastName))
+            return 0; // stays open
         return TypedPage::DialogProc(hwnd, message, wParam, lParam);
     }
 };
@@ -161,7 +162,8 @@ public:
     std::vector<Received> received;
     LRESULT OnNotify(UINT_PTR id, NMHDR* header) override {
         UINT extra = 0;
-        if (header->code == kExtendedCode) extra = reinterpret_cast<Extended*>(header)->extra;
+        if (header->code == kExtendedCode)
+            extra = reinterpret_cast<Extended*>(header)->extra;
         received.push_back(Received{id, *header, extra});
         return 11;
     }
