@@ -13,7 +13,6 @@
 #include "skin/SkinLoader.h"
 #include "skin/SkinStyles.h"
 #include "ui/ContextMenu.h"
-#include "ui/RegisteredMessages.h"
 #include "ui/Scale.h"
 #include "ui/ScreenBars.h"
 #include "ui/Shell.h"
@@ -23,7 +22,6 @@
 #include "views/PlatformHandoff.h"
 #include "views/ViewPage.h"
 
-#include <cstring>
 
 namespace mirodate {
 
@@ -31,19 +29,6 @@ namespace {
 // The top bar's height for a 240-pixel-wide screen.
 constexpr int kTopBarHeight = 26;
 
-bool IsStoreNotification(UINT message) {
-    return (message >= kMsgItemCreatedLocal && message <= kMsgItemChangedLocal) ||
-           (message >= kMsgItemCreatedRemote && message <= kMsgItemChangedRemote);
-}
-
-// A COPYDATA payload: cbData bytes of UTF-16 LE, read up to the first zero.
-std::u16string TextOfCopyData(const COPYDATASTRUCT& data) {
-    std::u16string text((data.cbData + 1) / 2, u'\0');
-    std::memcpy(text.data(), data.lpData, data.cbData);
-    const size_t end = text.find(u'\0');
-    if (end != std::u16string::npos) text.resize(end);
-    return text;
-}
 } // namespace
 
 MainWnd::MainWnd()
@@ -57,8 +42,6 @@ MainWnd::~MainWnd() = default;
 HWND MainWnd::Create(const std::u16string& commandLine) {
     SkinLoader::Load(SkinStyles::Current(), IsHighResolution());
     LanguageTable::Instance().LoadFromSettings();
-    minimizedBroadcast_ = RegisterWindowMessage(kMinimizedBroadcastName);
-    dataChangedBroadcast_ = RegisterWindowMessage(kPoomDataChangedName);
     Shell::SetHideTaskBar(!Settings::GetShowWindowsTaskBar());
     ScreenBars::SetTopBarHeight(Scale(kTopBarHeight));
     ScreenBars::SetMenuBarHeight(SkinStyles::Current().menuBar.height);
@@ -173,8 +156,7 @@ void MainWnd::Refresh(bool reload, int year, int month) {
     }
     if (year < 1 || month < 1) {
         grid_.Redraw(false);
-        SendNotifyMessage(HWND_BROADCAST, dataChangedBroadcast_, reload ? 1 : 0,
-                          static_cast<LPARAM>((static_cast<unsigned>(year) << 16) | static_cast<unsigned>(month)));
+        BroadcastStoreChanged(StoreChange{reload, year, month});
     } else if (year == model.Year() && month == model.Month()) {
         grid_.Redraw(false);
     }
@@ -186,7 +168,7 @@ bool MainWnd::IsSynchronizing() {
     return source && source->IsSynchronizing();
 }
 
-void MainWnd::OnStoreNotification(UINT message, WPARAM wParam, LPARAM lParam) {
+void MainWnd::OnItemNotification(const PimNotification& notification) {
     if (IsSynchronizing()) {
         // A burst of changes during a synchronisation ends in one reload.
         SetTimer(window, kSyncReloadTimer, kSyncReloadDelay);
@@ -196,17 +178,13 @@ void MainWnd::OnStoreNotification(UINT message, WPARAM wParam, LPARAM lParam) {
         }
         return;
     }
-    const int folder = static_cast<int>(lParam);
+    const int folder = notification.folder;
     if (folder != kFolderCalendar && folder != kFolderTasks && folder != kFolderContacts) return;
-    PimNotification notification;
-    notification.message = message;
-    notification.oid = static_cast<std::int32_t>(wParam);
-    notification.folder = folder;
     PimStore::Instance().ApplyNotification(notification);
     statusBar_.Refresh();
     grid_.RefreshMarkers(true);
     grid_.Redraw(false);
-    SendNotifyMessage(HWND_BROADCAST, dataChangedBroadcast_, 0, -1);
+    BroadcastStoreChanged(StoreChange{});
     dayList_.Refresh();
 }
 
@@ -232,25 +210,10 @@ void MainWnd::OnTimer(UINT_PTR id) {
     DialogWnd::OnTimer(id);
 }
 
-LRESULT MainWnd::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_COPYDATA) {
-        const auto* data = reinterpret_cast<const COPYDATASTRUCT*>(lParam);
-        if (!data || data->cbData == 0 || !data->lpData) return DefWindowProc(hwnd, message, wParam, lParam);
-        const std::u16string text = TextOfCopyData(*data);
-        PostMessage(HWND_BROADCAST, minimizedBroadcast_, 0, 0);
-        if (!text.empty()) ProcessCommand(text);
-        return 1;
-    }
-    if (IsStoreNotification(message)) {
-        OnStoreNotification(message, wParam, lParam);
-        return 0;
-    }
-    if (message == WM_SETTINGCHANGE && wParam == SETTINGCHANGE_RESET) {
-        Shell::HandleSettingChange(hwnd, wParam, lParam, &shellActivateInfo);
-        OnScreenReset();
-        return 0;
-    }
-    return DialogWnd::WindowProc(hwnd, message, wParam, lParam);
+bool MainWnd::OnCommandText(const std::u16string& text) {
+    BroadcastCloseAll(true);
+    if (!text.empty()) ProcessCommand(text);
+    return true;
 }
 
 void MainWnd::OnClose() {
@@ -367,7 +330,7 @@ void MainWnd::AfterItemChange() {
     grid_.RefreshMarkers(true);
     grid_.Redraw(false);
     dayList_.Refresh();
-    SendNotifyMessage(HWND_BROADCAST, dataChangedBroadcast_, 0, -1);
+    BroadcastStoreChanged(StoreChange{});
 }
 
 void MainWnd::OnDeferredCommand(UINT id) {

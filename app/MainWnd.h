@@ -82,11 +82,13 @@ public:
     void OnSize(UINT sizeParam, UINT type) override;
     void OnDeferredCommand(UINT id) override;
     void OnScreenReset() override;
-    LRESULT WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override;
+    // Store changes: applied to the cache, then markers, lists and every view.
+    void OnItemNotification(const PimNotification& notification) override;
+    // Another instance handed a command over: the pages close and it runs.
+    bool OnCommandText(const std::u16string& text) override;
 
 private:
     void Layout();
-    void OnStoreNotification(UINT message, WPARAM wParam, LPARAM lParam);
     void ReloadAfterSync();
     bool IsSynchronizing();
     void OpenMainMenu();
@@ -114,8 +116,6 @@ private:
     bool tappedInCheckZone_ = false;
     DWORD lastTap_ = 0;
     bool tapSeen_ = false;
-    UINT minimizedBroadcast_ = 0;
-    UINT dataChangedBroadcast_ = 0;
     std::function<void(const std::u16string&)> commandObserver_;
 };
 

@@ -124,11 +124,7 @@ LRESULT MonthGridWnd::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM 
 }
 
 void MonthGridWnd::Notify(UINT code) {
-    NMHDR header;
-    header.hwndFrom = window;
-    header.idFrom = static_cast<UINT_PTR>(GetDlgCtrlID(window));
-    header.code = code;
-    SendMessage(GetParent(window), WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&header));
+    NotifyParent(code);
 }
 
 LRESULT MonthGridWnd::OnPointerDown(int button, int x, int y, WPARAM) {

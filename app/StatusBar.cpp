@@ -150,10 +150,7 @@ LRESULT StatusBar::OnPointerUp(int button, int x, int y, WPARAM) {
     const bool tap = pressedInside_ && Inside(x, y);
     pressedInside_ = false;
     if (!tap) return 0;
-    NMHDR header;
-    header.hwndFrom = window;
-    header.code = NM_TOP_BAR_TAP;
-    SendMessage(GetParent(window), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header));
+    NotifyParent(NM_TOP_BAR_TAP);
     return 0;
 }
 

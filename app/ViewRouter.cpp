@@ -10,7 +10,7 @@
 #include "platform/Log.h"
 #include "platform/Settings.h"
 #include "ui/MessagePage.h"
-#include "ui/RegisteredMessages.h"
+#include "ui/DialogWnd.h"
 #include "ui/WinApi.h"
 #include "views/AgendaView.h"
 #include "views/DayView.h"
@@ -301,7 +301,7 @@ bool ViewRouter::OpenFilter(HWND owner) {
     if (dialog.DoModal(owner ? owner : main_.GetHwnd()) != IDOK) return false;
     // The month and every open view reload.
     if (onFilterChanged_) onFilterChanged_();
-    else SendNotifyMessage(HWND_BROADCAST, RegisterWindowMessage(kPoomDataChangedName), 1, -1);
+    else DialogWnd::BroadcastStoreChanged(DialogWnd::StoreChange{true, 0, 0});
     return true;
 }
 

@@ -155,30 +155,28 @@ bool PimStore::RunQuery(int folderId, const std::u16string& restriction, const s
     return true;
 }
 
-bool PimStore::QueryAppointments(int firstYear, int firstMonth, int firstDay, int lastYear, int lastMonth,
-                                 int lastDay, std::vector<PimItem>& items) {
+// The restriction of appointments overlapping the range.
+std::u16string PimStore::OverlapRestriction(const DayRange& range) {
+    return Format("[Start]<= <%ld AND [End]>= <%ld", range.End().DayNumber(), range.Start().DayNumber());
+}
+
+bool PimStore::QueryAppointments(const DayRange& range, std::vector<PimItem>& items) {
     std::lock_guard lock(storeMutex_);
-    const DateTime start(firstYear, firstMonth, firstDay);
-    const DateTime end(lastYear, lastMonth, lastDay, 23, 59, 59);
-    if (!start.IsValid() || !end.IsValid()) return false;
-    const std::u16string restriction =
-        Format("[Start]<= <%ld AND [End]>= <%ld", end.DayNumber(), start.DayNumber());
-    if (!RunQuery(kFolderCalendar, restriction, u"[Start]", items)) return false;
+    if (!range.IsValid()) return false;
+    if (!RunQuery(kFolderCalendar, OverlapRestriction(range), u"[Start]", items)) return false;
     const FilterConfig& config = filter_.Config();
     if (config.showBirthdays || config.showAnniversaries)
-        QueryContactDates(firstYear, firstMonth, firstDay, lastYear, lastMonth, lastDay, config.showBirthdays,
-                          config.showAnniversaries, items);
+        QueryContactDates(range, config.showBirthdays, config.showAnniversaries, items);
     return true;
 }
 
-bool PimStore::QueryTasks(int firstYear, int firstMonth, int firstDay, int lastYear, int lastMonth, int lastDay,
-                          std::vector<PimItem>& items) {
+bool PimStore::QueryTasks(const DayRange& range, std::vector<PimItem>& items) {
     std::lock_guard lock(storeMutex_);
     const bool byDue = Settings::GetShowTasksByDueDate();
     const bool byStart = Settings::GetShowTasksByStartDate();
-    const DateTime start(firstYear, firstMonth, firstDay);
-    const DateTime end(lastYear, lastMonth, lastDay, 23, 59, 59);
-    if (!start.IsValid() || !end.IsValid()) return false;
+    if (!range.IsValid()) return false;
+    const DateTime& start = range.Start();
+    const DateTime& end = range.End();
     SYSTEMTIME now = Clock::Current().GetLocalTime();
     now.wHour = 23;
     now.wMinute = 59;
@@ -271,12 +269,12 @@ void PimStore::AddContactItems(const ContactDates& contact, std::int32_t oid, do
     }
 }
 
-void PimStore::QueryContactDates(int firstYear, int firstMonth, int firstDay, int lastYear, int lastMonth,
-                                 int lastDay, bool birthdays, bool anniversaries, std::vector<PimItem>& items) {
+void PimStore::QueryContactDates(const DayRange& range, bool birthdays, bool anniversaries,
+                                 std::vector<PimItem>& items) {
     std::lock_guard lock(storeMutex_);
-    const DateTime start(firstYear, firstMonth, firstDay);
-    const DateTime end(lastYear, lastMonth, lastDay, 23, 59, 59);
-    if (!start.IsValid() || !end.IsValid() || !(birthdays || anniversaries)) return;
+    if (!range.IsValid() || !(birthdays || anniversaries)) return;
+    const DateTime& start = range.Start();
+    const DateTime& end = range.End();
     EnsureContacts();
     std::vector<PimItem> found;
     for (const auto& [oid, contact] : contacts_) {
@@ -300,16 +298,12 @@ TaskPlacement PimStore::CurrentTaskPlacement() const {
 void PimStore::FillAppointmentMonth(int year, int month) {
     MonthCache::Entry& entry = cache_.Appointments(year, month);
     entry.items.clear();
-    const int lastDay = DaysInMonth(year, month);
+    const DayRange range = DayRange::Month(year, month);
     {
         std::lock_guard lock(storeMutex_);
-        const DateTime start(year, month, 1);
-        const DateTime end(year, month, lastDay, 23, 59, 59);
-        const std::u16string restriction =
-            Format("[Start]<= <%ld AND [End]>= <%ld", end.DayNumber(), start.DayNumber());
-        if (!RunQuery(kFolderCalendar, restriction, u"[Start]", entry.items)) return;
+        if (!RunQuery(kFolderCalendar, OverlapRestriction(range), u"[Start]", entry.items)) return;
         // Every contact date is kept; the switches choose at hand-out.
-        QueryContactDates(year, month, 1, year, month, lastDay, true, true, entry.items);
+        QueryContactDates(range, true, true, entry.items);
     }
     MonthCache::IndexAppointments(entry, year, month);
     entry.loaded = true;
@@ -318,7 +312,7 @@ void PimStore::FillAppointmentMonth(int year, int month) {
 void PimStore::FillTaskMonth(int year, int month) {
     MonthCache::Entry& entry = cache_.Tasks(year, month);
     entry.items.clear();
-    if (!QueryTasks(year, month, 1, year, month, DaysInMonth(year, month), entry.items)) return;
+    if (!QueryTasks(DayRange::Month(year, month), entry.items)) return;
     MonthCache::IndexTasks(entry, year, month, CurrentTaskPlacement());
     entry.loaded = true;
 }
@@ -453,7 +447,7 @@ void PimStore::ReloadTask(std::int32_t oid) {
         if (!entry.loaded) continue;
         const auto [year, month] = key;
         std::vector<PimItem> found;
-        QueryTasks(year, month, 1, year, month, DaysInMonth(year, month), found);
+        QueryTasks(DayRange::Month(year, month), found);
         for (auto& item : found) {
             if (item.oid != oid) continue;
             const std::size_t at = TaskInsertPosition(entry.items, item.dueDateValue);
@@ -481,7 +475,7 @@ void PimStore::ReloadContact(std::int32_t oid) {
         std::erase_if(entry.items,
                       [oid](const PimItem& item) { return item.oid == oid && item.kind != PimItem::kAppointment; });
         std::vector<PimItem> dates;
-        QueryContactDates(year, month, 1, year, month, DaysInMonth(year, month), true, true, dates);
+        QueryContactDates(DayRange::Month(year, month), true, true, dates);
         for (auto& item : dates)
             if (item.oid == oid) entry.items.push_back(std::move(item));
         MonthCache::IndexAppointments(entry, year, month);
@@ -525,8 +519,7 @@ void PimStore::Search(const std::u16string& text, const SearchOptions& options,
     }
     if (options.birthdays || options.anniversaries) {
         std::vector<PimItem> dates;
-        QueryContactDates(today.GetYear(), today.GetMonth(), today.GetDay(), last.GetYear(), last.GetMonth(),
-                          last.GetDay(), options.birthdays, options.anniversaries, dates);
+        QueryContactDates(DayRange::Days(today, last), options.birthdays, options.anniversaries, dates);
         for (auto& item : dates)
             if (matcher.Contains(item.subject)) appointments.push_back(std::move(item));
     }

@@ -3,6 +3,7 @@
 // runs the date-range queries with the restriction strings of the object
 // model, keeps the month cache all views read, applies the category filters
 // and keeps the cache current when single items change.
+#include "data/DayRange.h"
 #include "data/ItemFilter.h"
 #include "data/MonthCache.h"
 #include "data/PimItem.h"
@@ -54,21 +55,32 @@ public:
                     bool hideCompleteTasks, bool showBirthdays, bool showAnniversaries);
     FilterConfig GetFilters() const;
 
-    // Appointments (one record per occurrence) overlapping the range from
-    // the first day at 00:00:00 to the last at 23:59:59, sorted by start,
-    // followed by the birthdays and anniversaries the switches ask for.
-    // False when the store is closed or the query failed.
-    bool QueryAppointments(int firstYear, int firstMonth, int firstDay, int lastYear, int lastMonth, int lastDay,
-                           std::vector<PimItem>& items);
+    // Appointments (one record per occurrence) overlapping the range, sorted
+    // by start, followed by the birthdays and anniversaries the switches ask
+    // for. False when the store is closed, the range invalid or the query failed.
+    bool QueryAppointments(const DayRange& range, std::vector<PimItem>& items);
     // Tasks of the range by the task settings, sorted by due date.
-    bool QueryTasks(int firstYear, int firstMonth, int firstDay, int lastYear, int lastMonth, int lastDay,
-                    std::vector<PimItem>& items);
+    bool QueryTasks(const DayRange& range, std::vector<PimItem>& items);
     // Every task the category filter keeps (completed ones unless the
     // filter hides them), in the store's due-date order.
     bool QueryAllTasks(std::vector<PimItem>& items);
     // Birthdays and anniversaries of the range, whatever the switches say.
+    void QueryContactDates(const DayRange& range, bool birthdays, bool anniversaries, std::vector<PimItem>& items);
+
+    // The same with the range as six numbers, for callers not yet moved over.
+    bool QueryAppointments(int firstYear, int firstMonth, int firstDay, int lastYear, int lastMonth, int lastDay,
+                           std::vector<PimItem>& items) {
+        return QueryAppointments(DayRange(firstYear, firstMonth, firstDay, lastYear, lastMonth, lastDay), items);
+    }
+    bool QueryTasks(int firstYear, int firstMonth, int firstDay, int lastYear, int lastMonth, int lastDay,
+                    std::vector<PimItem>& items) {
+        return QueryTasks(DayRange(firstYear, firstMonth, firstDay, lastYear, lastMonth, lastDay), items);
+    }
     void QueryContactDates(int firstYear, int firstMonth, int firstDay, int lastYear, int lastMonth, int lastDay,
-                           bool birthdays, bool anniversaries, std::vector<PimItem>& items);
+                           bool birthdays, bool anniversaries, std::vector<PimItem>& items) {
+        QueryContactDates(DayRange(firstYear, firstMonth, firstDay, lastYear, lastMonth, lastDay), birthdays,
+                          anniversaries, items);
+    }
 
     // Makes sure the cache holds the month; true when it did any work.
     bool FillMonth(int year, int month, bool withAppointments, bool withTasks,
@@ -117,6 +129,7 @@ private:
         bool anniversaryHasYear = true;
     };
 
+    static std::u16string OverlapRestriction(const DayRange& range);
     // With `text`, only items whose texts contain it (case folded).
     bool RunQuery(int folderId, const std::u16string& restriction, const std::u16string& sort,
                   std::vector<PimItem>& items, const std::u16string& text = {});

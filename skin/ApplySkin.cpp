@@ -10,6 +10,9 @@
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
+#include <initializer_list>
+#include <optional>
+#include <utility>
 #include <string>
 
 namespace mirodate {
@@ -107,52 +110,91 @@ private:
     std::string_view section_;
 };
 
+// One key of a section and the field of the style it sets.
+template <typename Style, typename Field>
+struct KeyField {
+    std::string_view key;
+    Field Style::*field;
+};
+template <typename Style>
+using ColorKeys = std::initializer_list<KeyField<Style, COLORREF>>;
+template <typename Style>
+using OptionalColorKeys = std::initializer_list<KeyField<Style, std::optional<COLORREF>>>;
+template <typename Style>
+using NumberKeys = std::initializer_list<KeyField<Style, int>>;
+
+// Sets each field whose key the section has; the others keep their value.
+template <typename Style, typename Field>
+void ReadColors(const SectionReader& r, Style& s, std::initializer_list<KeyField<Style, Field>> keys) {
+    for (const KeyField<Style, Field>& k : keys)
+        r.Color(k.key, s.*k.field);
+}
+
+template <typename Style>
+void ReadNumbers(const SectionReader& r, Style& s, NumberKeys<Style> keys) {
+    for (const KeyField<Style, int>& k : keys)
+        r.Number(k.key, s.*k.field);
+}
+
+// An absent header gradient is the plain header colour (or `fallback`).
+void HeaderGradient(const SectionReader& r, TimeViewStyle& s, COLORREF fallback) {
+    if (!r.Color("colorHeaderGradient", s.colorHeaderGradient))
+        s.colorHeaderGradient = fallback;
+}
+
+using T = TimeViewStyle;
+
 void ApplyCalendar(const SectionReader& r, CalendarStyle& s) {
-    r.Color("colorGrid", s.colorGrid);
-    r.Color("colorYearMonthBarBg", s.colorYearMonthBarBg);
-    r.Color("colorYearMonthBarText", s.colorYearMonthBarText);
-    r.Color("colorDayBarBg", s.colorDayBarBg);
-    r.Color("colorDayBarText", s.colorDayBarText);
-    r.Color("colorDayGridText", s.colorDayGridText);
-    r.Color("colorDayGridTextNextPrevMonth", s.colorDayGridTextNextPrevMonth);
-    r.Color("colorWeekNumber", s.colorWeekNumber);
-    r.Color("colorDayGridBg", s.colorDayGridBg);
-    r.Color("colorDayGridBgSelected", s.colorDayGridBgSelected);
-    r.Color("colorDayGridBorderToday", s.colorDayGridBorderToday);
-    r.Color("colorDayGridTextSelected", s.colorDayGridTextSelected);
-    r.Color("colorAppointmentIndicator", s.colorAppointmentIndicator);
-    r.Color("colorTaskIndicator", s.colorTaskIndicator);
+    using C = CalendarStyle;
+    ReadColors(r, s,
+               OptionalColorKeys<C>{{"colorGrid", &C::colorGrid},
+                                    {"colorYearMonthBarBg", &C::colorYearMonthBarBg},
+                                    {"colorYearMonthBarText", &C::colorYearMonthBarText},
+                                    {"colorDayBarBg", &C::colorDayBarBg},
+                                    {"colorDayBarText", &C::colorDayBarText},
+                                    {"colorDayGridText", &C::colorDayGridText},
+                                    {"colorDayGridTextNextPrevMonth", &C::colorDayGridTextNextPrevMonth},
+                                    {"colorWeekNumber", &C::colorWeekNumber},
+                                    {"colorDayGridBg", &C::colorDayGridBg},
+                                    {"colorDayGridBgSelected", &C::colorDayGridBgSelected},
+                                    {"colorDayGridBorderToday", &C::colorDayGridBorderToday},
+                                    {"colorDayGridTextSelected", &C::colorDayGridTextSelected},
+                                    {"colorAppointmentIndicator", &C::colorAppointmentIndicator},
+                                    {"colorTaskIndicator", &C::colorTaskIndicator}});
     r.DayNames(s.colorDayName);
     r.Pictures(s.pictures);
     r.Number("showGridLines", s.showGridLines, "2");
 }
 
 void ApplyInfo(const SectionReader& r, SkinInfo& info) {
-    if (std::string author = r.Text("author"); !author.empty())
-        info.author = Utf8ToUtf16(author);
-    if (std::string version = r.Text("version"); !version.empty())
-        info.version = Utf8ToUtf16(version);
+    for (auto [key, field] : {std::pair{"author", &SkinInfo::author}, std::pair{"version", &SkinInfo::version}})
+        if (std::string value = r.Text(key); !value.empty())
+            info.*field = Utf8ToUtf16(value);
 }
 
 void ApplyContextMenu(const SectionReader& r, ContextMenuStyle& s) {
-    r.Color("colorBorder", s.colorBorder);
-    r.Color("colorBg", s.colorBg);
-    r.Color("colorBgGradient", s.colorBgGradient);
-    r.Color("colorText", s.colorText);
-    r.Color("colorTextSelected", s.colorTextSelected);
-    r.Color("colorSelectionMark", s.colorSelectionMark);
+    using C = ContextMenuStyle;
+    ReadColors(r, s,
+               ColorKeys<C>{{"colorBorder", &C::colorBorder},
+                            {"colorBg", &C::colorBg},
+                            {"colorBgGradient", &C::colorBgGradient},
+                            {"colorText", &C::colorText},
+                            {"colorTextSelected", &C::colorTextSelected},
+                            {"colorSelectionMark", &C::colorSelectionMark}});
 }
 
 void ApplyListViews(const SectionReader& r, ListViewStyle& s) {
-    r.Color("colorLineSeparator", s.colorLineSeparator);
-    r.Number("styleLineSeparator", s.styleLineSeparator);
-    r.Color("colorBorder", s.colorBorder);
-    r.Color("colorBg", s.colorBg);
-    r.Color("colorBg2", s.colorBg2);
-    r.Color("colorText", s.colorText);
-    r.Color("colorSelectionMark", s.colorSelectionMark);
-    r.Color("colorHeaderBg", s.colorHeaderBg);
-    r.Color("colorHeaderText", s.colorHeaderText);
+    using L = ListViewStyle;
+    ReadColors(r, s,
+               ColorKeys<L>{{"colorLineSeparator", &L::colorLineSeparator},
+                            {"colorBorder", &L::colorBorder},
+                            {"colorBg", &L::colorBg},
+                            {"colorBg2", &L::colorBg2},
+                            {"colorText", &L::colorText},
+                            {"colorSelectionMark", &L::colorSelectionMark},
+                            {"colorHeaderBg", &L::colorHeaderBg},
+                            {"colorHeaderText", &L::colorHeaderText}});
+    ReadNumbers(r, s, NumberKeys<L>{{"styleLineSeparator", &L::styleLineSeparator}});
 }
 
 // The list views are the starting point of every view with a time scale.
@@ -175,108 +217,109 @@ void InheritFromListViews(SkinStyles& s) {
 
 void ApplyWeekView(const SectionReader& r, TimeViewStyle& s) {
     r.Pictures(s.pictures);
-    r.Color("colorTimeScale", s.colorTimeScale);
-    r.Color("colorTimeScaleAllday", s.colorTimeScaleAllday);
-    r.Color("colorText", s.colorText);
-    r.Color("colorTextSelected", s.colorTextSelected);
-    r.Color("colorHeaderText", s.colorHeaderText);
-    r.Color("colorHeaderBg", s.colorHeaderBg);
-    if (!r.Color("colorHeaderGradient", s.colorHeaderGradient))
-        s.colorHeaderGradient = s.colorHeaderBg;
-    r.Color("colorBg", s.colorBg);
-    r.Color("colorBg2", s.colorBg2);
-    r.Color("colorSelectionMark", s.colorSelectionMark);
+    ReadColors(r, s,
+               ColorKeys<T>{{"colorTimeScale", &T::colorTimeScale},
+                            {"colorTimeScaleAllday", &T::colorTimeScaleAllday},
+                            {"colorText", &T::colorText},
+                            {"colorTextSelected", &T::colorTextSelected},
+                            {"colorHeaderText", &T::colorHeaderText},
+                            {"colorHeaderBg", &T::colorHeaderBg},
+                            {"colorBg", &T::colorBg},
+                            {"colorBg2", &T::colorBg2},
+                            {"colorSelectionMark", &T::colorSelectionMark}});
+    HeaderGradient(r, s, s.colorHeaderBg);
     r.DayNames(s.colorDayName);
 }
 
 void ApplyDayView(const SectionReader& r, TimeViewStyle& s) {
     r.Pictures(s.pictures);
-    r.Color("colorTimeScale", s.colorTimeScale);
-    r.Color("colorTimeScaleAllday", s.colorTimeScaleAllday);
-    r.Color("colorText", s.colorText);
-    r.Color("colorHeaderText", s.colorHeaderText);
-    r.Color("colorHeaderBg", s.colorHeaderBg);
-    r.Color("colorBg", s.colorBg);
-    r.Color("colorBg2", s.colorBg2);
-    r.Color("colorSelectionMark", s.colorSelectionMark);
-    r.Color("colorTextSelected", s.colorTextSelected);
-    if (!r.Color("colorHeaderGradient", s.colorHeaderGradient))
-        s.colorHeaderGradient = s.colorHeaderBg;
-    r.Color("colorLineSeparator", s.colorLineSeparator);
-    r.Number("styleLineSeparator", s.styleLineSeparator);
+    ReadColors(r, s,
+               ColorKeys<T>{{"colorTimeScale", &T::colorTimeScale},
+                            {"colorTimeScaleAllday", &T::colorTimeScaleAllday},
+                            {"colorText", &T::colorText},
+                            {"colorHeaderText", &T::colorHeaderText},
+                            {"colorHeaderBg", &T::colorHeaderBg},
+                            {"colorBg", &T::colorBg},
+                            {"colorBg2", &T::colorBg2},
+                            {"colorSelectionMark", &T::colorSelectionMark},
+                            {"colorTextSelected", &T::colorTextSelected},
+                            {"colorLineSeparator", &T::colorLineSeparator}});
+    HeaderGradient(r, s, s.colorHeaderBg);
+    ReadNumbers(r, s, NumberKeys<T>{{"styleLineSeparator", &T::styleLineSeparator}});
 }
 
+// The agenda starts from the day view's look.
 void InheritFromDayView(SkinStyles& s) {
-    const TimeViewStyle& day = s.dayView;
-    TimeViewStyle& agenda = s.agendaView;
-    agenda.colorBg = day.colorBg;
-    agenda.colorText = day.colorText;
-    agenda.colorSelectionMark = day.colorSelectionMark;
-    agenda.colorTimeScale = day.colorTimeScale;
-    agenda.colorTimeScaleAllday = day.colorTimeScaleAllday;
-    agenda.colorTextSelected = day.colorTextSelected;
-    agenda.colorHeaderBg = day.colorHeaderBg;
-    agenda.colorHeaderText = day.colorHeaderText;
-    agenda.colorHeaderGradient = day.colorHeaderGradient;
+    for (COLORREF T::*field : {&T::colorBg, &T::colorText, &T::colorSelectionMark, &T::colorTimeScale,
+                               &T::colorTimeScaleAllday, &T::colorTextSelected, &T::colorHeaderBg,
+                               &T::colorHeaderText, &T::colorHeaderGradient})
+        s.agendaView.*field = s.dayView.*field;
 }
 
 void ApplyAgendaView(const SectionReader& r, TimeViewStyle& s, const TimeViewStyle& day) {
     r.Pictures(s.pictures);
-    r.Color("colorTimeScale", s.colorTimeScale);
-    r.Color("colorTimeScaleAllday", s.colorTimeScaleAllday);
-    r.Color("colorText", s.colorText);
-    r.Color("colorTextSelected", s.colorTextSelected);
-    r.Color("colorHeaderText", s.colorHeaderText);
-    r.Color("colorHeaderBg", s.colorHeaderBg);
-    r.Color("colorBg", s.colorBg);
-    r.Color("colorSelectionMark", s.colorSelectionMark);
+    ReadColors(r, s,
+               ColorKeys<T>{{"colorTimeScale", &T::colorTimeScale},
+                            {"colorTimeScaleAllday", &T::colorTimeScaleAllday},
+                            {"colorText", &T::colorText},
+                            {"colorTextSelected", &T::colorTextSelected},
+                            {"colorHeaderText", &T::colorHeaderText},
+                            {"colorHeaderBg", &T::colorHeaderBg},
+                            {"colorBg", &T::colorBg},
+                            {"colorSelectionMark", &T::colorSelectionMark},
+                            {"colorLineSeparator", &T::colorLineSeparator}});
     // Unlike week and day view, the agenda header follows the day view's gradient.
-    if (!r.Color("colorHeaderGradient", s.colorHeaderGradient))
-        s.colorHeaderGradient = day.colorHeaderGradient;
-    r.Color("colorLineSeparator", s.colorLineSeparator);
+    HeaderGradient(r, s, day.colorHeaderGradient);
     s.styleLineSeparator = day.styleLineSeparator;
-    r.Number("styleLineSeparator", s.styleLineSeparator);
+    ReadNumbers(r, s, NumberKeys<T>{{"styleLineSeparator", &T::styleLineSeparator}});
 }
 
 void ApplyQuickView(const SectionReader& r, TimeViewStyle& s) {
     r.Pictures(s.pictures);
-    r.Color("colorTimeScale", s.colorTimeScale);
-    r.Color("colorTimeScaleAllday", s.colorTimeScaleAllday);
-    r.Color("colorText", s.colorText);
-    r.Color("colorTextSelected", s.colorTextSelected);
-    r.Color("colorBg", s.colorBg);
-    r.Color("colorBg2", s.colorBg2);
-    r.Color("colorSelectionMark", s.colorSelectionMark);
-    r.Color("colorLineSeparator", s.colorLineSeparator);
-    r.Number("styleLineSeparator", s.styleLineSeparator);
+    ReadColors(r, s,
+               ColorKeys<T>{{"colorTimeScale", &T::colorTimeScale},
+                            {"colorTimeScaleAllday", &T::colorTimeScaleAllday},
+                            {"colorText", &T::colorText},
+                            {"colorTextSelected", &T::colorTextSelected},
+                            {"colorBg", &T::colorBg},
+                            {"colorBg2", &T::colorBg2},
+                            {"colorSelectionMark", &T::colorSelectionMark},
+                            {"colorLineSeparator", &T::colorLineSeparator}});
+    ReadNumbers(r, s, NumberKeys<T>{{"styleLineSeparator", &T::styleLineSeparator}});
 }
 
 void ApplyItemDetailView(const SectionReader& r, ItemDetailStyle& s) {
+    using D = ItemDetailStyle;
     r.Pictures(s.pictures);
-    r.Color("colorBg", s.colorBg);
+    ReadColors(r, s,
+               ColorKeys<D>{{"colorBg", &D::colorBg},
+                            {"colorMemoBg", &D::colorMemoBg},
+                            {"colorMemoText", &D::colorMemoText}});
     // Kept as text: it goes straight into the detail view's mark-up.
     if (std::string text = r.Text("colorText"); !text.empty())
         s.colorText = Utf8ToUtf16(text);
-    r.Color("colorMemoBg", s.colorMemoBg);
-    r.Color("colorMemoText", s.colorMemoText);
 }
 
 void ApplyAddModifyForm(const SectionReader& r, AddModifyFormStyle& s) {
-    r.Color("colorBg", s.colorBg);
-    r.Color("colorBg2", s.colorBg2);
-    r.Color("colorText", s.colorText);
-    r.Color("colorTextSel", s.colorTextSel);
-    r.Color("colorSelectionMark", s.colorSelectionMark);
-    r.Color("colorHeaderBg", s.colorHeaderBg);
-    r.Color("colorHeaderText", s.colorHeaderText);
-    r.Color("colorLineSeparator", s.colorLineSeparator);
-    r.Number("styleLineSeparator", s.styleLineSeparator);
+    using F = AddModifyFormStyle;
+    ReadColors(r, s,
+               ColorKeys<F>{{"colorBg", &F::colorBg},
+                            {"colorBg2", &F::colorBg2},
+                            {"colorText", &F::colorText},
+                            {"colorTextSel", &F::colorTextSel},
+                            {"colorSelectionMark", &F::colorSelectionMark},
+                            {"colorHeaderBg", &F::colorHeaderBg},
+                            {"colorHeaderText", &F::colorHeaderText},
+                            {"colorLineSeparator", &F::colorLineSeparator}});
+    ReadNumbers(r, s, NumberKeys<F>{{"styleLineSeparator", &F::styleLineSeparator}});
 }
 
 void ApplyInputForms(const SectionReader& r, InputFormsStyle& s) {
-    r.Color("colorBg", s.colorBg);
-    r.Color("colorItemBg", s.colorItemBg);
-    r.Color("colorItemText", s.colorItemText);
+    using I = InputFormsStyle;
+    ReadColors(r, s,
+               ColorKeys<I>{{"colorBg", &I::colorBg},
+                            {"colorItemBg", &I::colorItemBg},
+                            {"colorItemText", &I::colorItemText}});
     r.Buttons(s.buttons, false);
 }
 
@@ -297,10 +340,13 @@ void StatusShadow(const SectionReader& r, std::string_view key, std::optional<CO
 }
 
 void ApplyStatusBar(const SectionReader& r, StatusBarStyle& s) {
-    StatusColor(r, "colorBg", s.colorBg);
-    StatusColor(r, "colorBgGradient", s.colorBgGradient);
-    StatusColor(r, "colorText", s.colorText);
-    StatusColor(r, "colorMeters", s.colorMeters);
+    using S = StatusBarStyle;
+    for (const KeyField<S, std::optional<COLORREF>>& k :
+         OptionalColorKeys<S>{{"colorBg", &S::colorBg},
+                              {"colorBgGradient", &S::colorBgGradient},
+                              {"colorText", &S::colorText},
+                              {"colorMeters", &S::colorMeters}})
+        StatusColor(r, k.key, s.*k.field);
     StatusShadow(r, "colorTextShadow", s.colorTextShadow, s.textShadowOff);
     StatusShadow(r, "colorMetersShadow", s.colorMetersShadow, s.metersShadowOff);
 }

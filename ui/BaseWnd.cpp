@@ -282,6 +282,20 @@ INT_PTR BaseWnd::DoModal(HWND parent) {
                                reinterpret_cast<LPARAM>(this));
 }
 
+LRESULT BaseWnd::NotifyParent(UINT code) {
+    NMHDR header;
+    return SendParentNotify(header, code, &header);
+}
+
+LRESULT BaseWnd::SendParentNotify(NMHDR& header, UINT code, void* notice) {
+    header.hwndFrom = window;
+    header.idFrom = static_cast<UINT_PTR>(GetDlgCtrlID(window));
+    header.code = code;
+    HWND parent = GetParent(window);
+    if (!parent) return 0;
+    return SendMessage(parent, WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(notice));
+}
+
 void BaseWnd::Redraw(bool erase) {
     if (!window) return;
     InvalidateRect(window, nullptr, erase);

@@ -76,6 +76,14 @@ public:
 
     HWND GetHwnd() const { return window; }
 
+    // Tells the parent (the owner of a top-level window) by WM_NOTIFY, with
+    // this window and its control id in the header; returns the answer.
+    LRESULT NotifyParent(UINT code);
+    // The same for a notification that carries more after its `header`.
+    template <typename Notice> LRESULT NotifyParent(UINT code, Notice& notice) {
+        return SendParentNotify(notice.header, code, &notice);
+    }
+
     // The framework's procedures that bind windows to their objects.
     static LRESULT FrameworkWindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
     static INT_PTR FrameworkDialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
@@ -89,6 +97,9 @@ public:
     std::vector<OwnerButton> ownerButtons;
     DWORD templateId = 0;
     WNDPROC previousWindowProc = nullptr;
+
+private:
+    LRESULT SendParentNotify(NMHDR& header, UINT code, void* notice);
 };
 
 } // namespace mirodate

@@ -229,11 +229,7 @@ void ButtonWnd::OnTimer(UINT_PTR id) {
         KillTimer(window, kLongPressTimer);
         pressed = false;
         Invalidate();
-        NMHDR header;
-        header.hwndFrom = window;
-        header.idFrom = 0;
-        header.code = NM_LONG_PRESS;
-        SendNotifyMessage(GetParent(window), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header));
+        NotifyParent(NM_LONG_PRESS);
     } else if (id == kTooltipTimer) {
         KillTimer(window, kTooltipTimer);
         const std::u16string text = label.empty() ? GetWindowText(window) : label;

@@ -210,11 +210,7 @@ LRESULT ListCtrlWnd::OnPointerUp(int button, int x, int y, WPARAM) {
     const int index = RowAt(y);
     if (index < 0 || !rows_[index].enabled) return 0;
     SetSelected(index);
-    NMHDR header;
-    header.hwndFrom = window;
-    header.idFrom = static_cast<UINT_PTR>(GetDlgCtrlID(window));
-    header.code = NM_LIST_ROW_CHOSEN;
-    SendMessage(GetParent(window), WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&header));
+    NotifyParent(NM_LIST_ROW_CHOSEN);
     return 0;
 }
 

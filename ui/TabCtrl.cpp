@@ -118,11 +118,7 @@ LRESULT TabCtrl::OnPointerDown(int button, int x, int y, WPARAM) {
     // A press beside every tab clears the selection, and the parent hears of it too.
     selectedTab = hit;
     Invalidate();
-    NMHDR header;
-    header.hwndFrom = window;
-    header.idFrom = 0;
-    header.code = NM_LONG_PRESS;
-    SendNotifyMessage(GetParent(window), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header));
+    NotifyParent(NM_LONG_PRESS);
     return 0;
 }
 

@@ -316,12 +316,8 @@ void TextFieldWnd::OnCommand(UINT id, UINT, HWND) {
         if (noInsert_ || !insertEnabled_)
             break;
         NMTEXTFIELDINSERT notice;
-        notice.header.hwndFrom = window;
-        notice.header.idFrom = static_cast<UINT_PTR>(GetDlgCtrlID(window));
-        notice.header.code = NM_TEXTFIELD_INSERT;
         notice.command = id;
-        if (HWND parent = GetParent(window))
-            SendMessage(parent, WM_NOTIFY, notice.header.idFrom, reinterpret_cast<LPARAM>(&notice));
+        NotifyParent(NM_TEXTFIELD_INSERT, notice);
         break;
     }
     default:

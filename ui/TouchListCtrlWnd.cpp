@@ -236,13 +236,7 @@ LRESULT TouchListCtrlWnd::OnPointerUp(int button, int x, int y, WPARAM) {
     if (!IsWindow(self)) return 0; // a click closed the page
     ownRelease_ = false;
     if (popupBody_ && GetCapture() != window) SetCapture(window);
-    if (scroller_->TakeHeaderTap()) {
-        NMHDR header;
-        header.hwndFrom = window;
-        header.idFrom = static_cast<UINT_PTR>(GetDlgCtrlID(window));
-        header.code = NM_LIST_HEADER_TAP;
-        SendMessage(GetParent(window), WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&header));
-    }
+    if (scroller_->TakeHeaderTap()) NotifyParent(NM_LIST_HEADER_TAP);
     return 0;
 }
 

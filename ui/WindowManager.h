@@ -30,8 +30,17 @@ typedef struct _cairo cairo_t;
 
 namespace mirodate {
 
+class Compositor;
 class Dc;
+class InputRouter;
+class MessageLoop;
+class MessageQueue;
+class TimerQueue;
+class WindowTree;
+struct WindowRecord;
 
+// The face of the window system; the work is done by its parts: the window
+// tree, the message queue and loops, input routing, timers and composition.
 class WindowManager {
 public:
     explicit WindowManager(Display& display);
@@ -82,14 +91,14 @@ public:
 
     // Activation, focus and capture.
     HWND SetActiveWindow(HWND window);
-    HWND GetActiveWindow() const { return active_; }
+    HWND GetActiveWindow() const;
     bool SetForegroundWindow(HWND window);
     bool BringWindowToTop(HWND window);
     HWND SetFocus(HWND window);
-    HWND GetFocus() const { return focus_; }
+    HWND GetFocus() const;
     HWND SetCapture(HWND window);
     bool ReleaseCapture();
-    HWND GetCapture() const { return capture_; }
+    HWND GetCapture() const;
 
     // Messages.
     LRESULT SendMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -107,11 +116,11 @@ public:
     LRESULT DefDlgProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
     // Keys held down now (virtual-key codes), as the key events reported them.
-    bool IsKeyDown(UINT key) const { return key < keysDown_.size() && keysDown_[key]; }
+    bool IsKeyDown(UINT key) const;
     // The input method's composition in progress (empty: none) and its caret
     // in code units; WM_IME_COMPOSITION tells the focus window it changed.
-    const std::u16string& GetComposition() const { return composition_; }
-    int GetCompositionCursor() const { return compositionCursor_; }
+    const std::u16string& GetComposition() const;
+    int GetCompositionCursor() const;
 
     // Timers.
     UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC proc = nullptr);
@@ -130,13 +139,13 @@ public:
 
     // The composed frame: every visible window, children clipped to their
     // parents, as last handed to the display.
-    const Bitmap& Frame() const { return frame_; }
+    const Bitmap& Frame() const;
     // Composes and presents now if anything changed since the last frame.
     void ComposeIfNeeded();
     // Composes and presents unconditionally.
     void Compose();
     bool WriteScreenshot(const std::string& path);
-    int FramesComposed() const { return framesComposed_; }
+    int FramesComposed() const;
 
     // Loop drivers.
     // Runs the message loop until WM_QUIT; returns its exit code.
@@ -149,96 +158,39 @@ public:
     // timer to timer, a real one waited on.
     bool RunFor(std::uint32_t milliseconds);
     bool IsQuitPending() const;
-    int QuitCode() const { return quitCode_; }
+    int QuitCode() const;
 
     // Called whenever a loop has nothing to do, with the time until the next
     // timer; it may inject input, advance a virtual clock, wait, or post a
     // quit. Without one, a virtual clock jumps to the next timer (and the loop
     // quits when there is none) and a real clock waits on the display.
     using IdleHook = std::function<void(std::optional<std::uint32_t> msUntilNextTimer)>;
-    void SetIdleHook(IdleHook hook) { idleHook_ = std::move(hook); }
+    void SetIdleHook(IdleHook hook);
     // Asked before each wait; true ends the loop (polled at least every 100 ms).
-    void SetStopCheck(std::function<bool()> check) { stopCheck_ = std::move(check); }
+    void SetStopCheck(std::function<bool()> check);
     std::optional<std::uint32_t> TimeUntilNextTimer() const;
     // Waits on the display for real time (-1: until woken), in slices short
     // enough for the stop check to be heard.
     void WaitOnDisplay(int timeoutMs);
 
 private:
-    struct Window;
-    struct Timer {
-        HWND window;
-        UINT_PTR id;
-        UINT interval;
-        std::uint32_t due;
-        std::uint64_t sequence;
-        TIMERPROC proc;
-    };
-    struct Posted {
-        MSG msg;
-        std::function<void()> task;
-    };
+    friend class InputRouter; // hands screen resizes over
 
-    Window* Get(HWND window) const;
-    HWND TopLevelOf(HWND window) const;
-    bool IsShown(const Window* window) const; // visible and every ancestor visible
-    RECT ScreenRectOf(const Window* window) const;
-    HWND WindowFromPoint(int x, int y) const;
-    HWND ChildFromPoint(HWND parent, int x, int y) const; // screen point
-    void RaiseInZOrder(HWND window);
-    void ResizeSurface(Window* window);
-    void ActivateNextAfter(HWND leaving);
-    void MarkFrameDirty() { frameDirty_ = true; }
-
-    bool NextMessage(MSG& msg, bool remove);
-    bool TakeInput(MSG& msg);
-    void TranslateDisplayEvent(const DisplayEvent& event);
-    void QueuePointer(UINT message, int x, int y, WPARAM keys);
+    WindowRecord* Get(HWND window) const;
     void OnScreenResize(int width, int height);
-    HWND FindWindowToPaint(HWND window) const;
-    HWND NextWindowToPaint() const;
-    bool TakeDueTimer(MSG& msg);
-    void WaitForWork();
-    void ComposeWindow(cairo_t* cr, const Window* window, const RECT& clip, int originX, int originY);
     bool OnUiThread() const { return std::this_thread::get_id() == uiThread_; }
 
     static LRESULT DialogWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
     Display& display_;
     std::thread::id uiThread_;
-    std::map<std::string, WNDCLASS> classes_;
-    std::unordered_map<std::uintptr_t, std::unique_ptr<Window>> windows_;
-    std::uintptr_t nextHandle_ = 0x10000;
-    std::vector<HWND> topLevel_; // back to front
-    HWND active_ = nullptr;
-    HWND focus_ = nullptr;
-    HWND capture_ = nullptr;
-
-    mutable std::mutex queueMutex_;
-    std::deque<Posted> posted_;
-    bool quitPending_ = false;
-    int quitCode_ = 0;
-
-    std::deque<MSG> input_;
-    std::array<bool, 256> keysDown_{};
-    std::u16string composition_;
-    int compositionCursor_ = 0;
-    WPARAM buttonKeys_ = 0; // MK_ bits of the buttons held
-    HWND lastDownWindow_ = nullptr;
-    std::uint32_t lastDownTime_ = 0;
-    POINT lastDownPoint_;
-
-    std::vector<Timer> timers_;
-    std::uint64_t timerSequence_ = 0;
-
-    Bitmap frame_;
-    bool frameDirty_ = true;
-    int framesComposed_ = 0;
-    std::vector<std::unique_ptr<Dc>> windowDcs_; // from GetDC, until ReleaseDC
-
-    IdleHook idleHook_;
-    std::function<bool()> stopCheck_;
-    bool stopped_ = false;
+    // The parts, each behind this face; see their headers.
+    std::unique_ptr<WindowTree> tree_;
+    std::unique_ptr<MessageQueue> queue_;
+    std::unique_ptr<TimerQueue> timers_;
+    std::unique_ptr<Compositor> compositor_;
+    std::unique_ptr<InputRouter> input_;
+    std::unique_ptr<MessageLoop> loop_;
 };
 
 } // namespace mirodate

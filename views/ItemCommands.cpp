@@ -7,7 +7,7 @@
 #include "platform/Log.h"
 #include "platform/Settings.h"
 #include "ui/MessagePage.h"
-#include "ui/RegisteredMessages.h"
+#include "ui/DialogWnd.h"
 #include "ui/WinApi.h"
 #include "views/PlatformHandoff.h"
 #include "views/ViewNavigator.h"
@@ -141,7 +141,7 @@ ItemCommands::Outcome ItemCommands::Edit(HWND owner, const PimItem& item) {
 }
 
 void ItemCommands::Exit(HWND owner) {
-    SendNotifyMessage(HWND_BROADCAST, RegisterWindowMessage(kMinimizedBroadcastName), 0, 0);
+    DialogWnd::BroadcastCloseAll(false);
     ViewNavigator* navigator = ViewNavigator::Current();
     HWND main = navigator ? navigator->MainWindow() : nullptr;
     if (!Settings::GetCloseOnMinimize()) {

@@ -6,7 +6,6 @@
 #include "skin/SkinStyles.h"
 #include "ui/ContextMenu.h"
 #include "ui/Dc.h"
-#include "ui/RegisteredMessages.h"
 #include "ui/Scale.h"
 #include "ui/ScreenBars.h"
 #include "ui/WinApi.h"
@@ -37,8 +36,6 @@ HWND ViewPage::Open(HWND owner) {
 }
 
 BOOL ViewPage::OnInitDialog() {
-    dataChangedMessage_ = RegisterWindowMessage(kPoomDataChangedName);
-    closeAllMessage_ = RegisterWindowMessage(kMinimizedBroadcastName);
     colorize_ = Settings::GetColorizeText();
     const int width = GetScreenWidth();
     const int height = GetScreenHeight();
@@ -338,18 +335,11 @@ void ViewPage::OnShowWindow(BOOL shown) {
     if (shown && (refresh_ || filledDay_ != DateTime::Today())) Reload();
 }
 
-INT_PTR ViewPage::DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == dataChangedMessage_ && dataChangedMessage_ != 0) {
-        if (IsWindowVisible(window)) Reload();
-        else refresh_ = true;
-        return 0;
-    }
-    if (message == closeAllMessage_ && closeAllMessage_ != 0) {
-        // The page's owner deletes it; the base would delete it here.
-        CloseView();
-        return 0;
-    }
-    return DialogWnd::DialogProc(hwnd, message, wParam, lParam);
+void ViewPage::OnStoreChanged(const StoreChange&) {
+    if (IsWindowVisible(window)) Reload();
+    else refresh_ = true;
 }
+
+void ViewPage::OnCloseAll() { CloseView(); }
 
 } // namespace mirodate

@@ -7,7 +7,7 @@
 // "Back", "MonthView", "WeekView", "AgendaView"), the row tap with its
 // 500 ms guard (check-mark zone, contacts, "New" menu, detail view), the
 // item pop-up on a hold, the keys Enter, Up and Down, the command handler,
-// reloading on "MIRODATE_WM_NOTIFY_POOMDATA_CHANGED", on activation after
+// reloading when the store changed (OnStoreChanged), on activation after
 // midnight and when a command changed the store.
 //
 // To add a view:
@@ -85,7 +85,10 @@ public:
     void OnPaint(HDC dc) override;
     void OnDeferredCommand(UINT id) override;
     void OnScreenReset() override;
-    INT_PTR DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override;
+    // Reloads now when shown, else on the next showing.
+    void OnStoreChanged(const StoreChange& change) override;
+    // Closes through CloseView: the page's owner deletes it.
+    void OnCloseAll() override;
 
 protected:
     virtual std::vector<MenuBarEntry> MenuEntries() const = 0;
@@ -140,8 +143,6 @@ protected:
 
 private:
     void Layout();
-    UINT dataChangedMessage_ = 0;
-    UINT closeAllMessage_ = 0;
 };
 
 } // namespace mirodate

@@ -6,7 +6,6 @@
 #include "platform/VirtualKeys.h"
 #include "skin/SkinStyles.h"
 #include "ui/Dc.h"
-#include "ui/RegisteredMessages.h"
 #include "ui/Scale.h"
 #include "ui/ScreenBars.h"
 #include "ui/WinApi.h"
@@ -109,8 +108,6 @@ std::u16string YearView::Title() const {
 }
 
 BOOL YearView::OnInitDialog() {
-    dataChangedMessage_ = RegisterWindowMessage(kPoomDataChangedName);
-    closeAllMessage_ = RegisterWindowMessage(kMinimizedBroadcastName);
     const int width = GetScreenWidth(), height = GetScreenHeight();
     MoveWindow(window, 0, 0, width, height, false);
     SetWindowText(window, Lang("YearView"));
@@ -315,18 +312,11 @@ void YearView::OnScreenReset() {
     InvalidateRect(window, nullptr, false);
 }
 
-INT_PTR YearView::DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == dataChangedMessage_ && dataChangedMessage_ != 0) {
-        LoadMarkers();
-        InvalidateRect(window, nullptr, false);
-        return 0;
-    }
-    if (message == closeAllMessage_ && closeAllMessage_ != 0) {
-        // The owner deletes the page; the base would delete it here.
-        Close();
-        return 0;
-    }
-    return DialogWnd::DialogProc(hwnd, message, wParam, lParam);
+void YearView::OnStoreChanged(const StoreChange&) {
+    LoadMarkers();
+    InvalidateRect(window, nullptr, false);
 }
+
+void YearView::OnCloseAll() { Close(); }
 
 } // namespace mirodate

@@ -50,7 +50,9 @@ public:
     void OnKeyDown(UINT key, UINT flags) override;
     void OnScreenReset() override;
     void OnDeferredCommand(UINT id) override;
-    INT_PTR DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override;
+    void OnStoreChanged(const StoreChange& change) override;
+    // Closes itself; its owner deletes it.
+    void OnCloseAll() override;
 
 private:
     void Layout();
@@ -81,8 +83,6 @@ private:
     int downX_ = 0, downY_ = 0;
     bool down_ = false;
     bool mondayFirst_ = false;
-    UINT dataChangedMessage_ = 0;
-    UINT closeAllMessage_ = 0;
     std::function<void(YearView&)> closeHandler_;
     std::unique_ptr<Reading> reading_;
 };

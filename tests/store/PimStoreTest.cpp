@@ -35,7 +35,7 @@ protected:
     }
     std::vector<std::u16string> Tasks(int year, int month) {
         std::vector<PimItem> items;
-        EXPECT_TRUE(store_.QueryTasks(year, month, 1, year, month, DaysInMonth(year, month), items));
+        EXPECT_TRUE(store_.QueryTasks(DayRange::Month(year, month), items));
         return Subjects(items);
     }
 
@@ -77,12 +77,21 @@ TEST_F(PimStoreTest, ItemsBelongToTheDaysTheyOverlap) {
     WriteFile("calendar/n.ics", Event("n", "SUMMARY:Late\r\nDTSTART:20260301T230000\r\nDTEND:20260302T000000\r\n"));
     Open();
     std::vector<PimItem> february, march;
-    ASSERT_TRUE(store_.QueryAppointments(2026, 2, 1, 2026, 2, 28, february));
+    ASSERT_TRUE(store_.QueryAppointments(DayRange::Month(2026, 2), february));
     EXPECT_EQ(Subjects(february), (Names{u"Trip", u"Holiday"}));
     // By the range rule the all-day item ending at 00:00 on 1 March is in
     // March's answer, but it belongs to 28 February only.
-    ASSERT_TRUE(store_.QueryAppointments(2026, 3, 1, 2026, 3, 31, march));
+    ASSERT_TRUE(store_.QueryAppointments(DayRange::Month(2026, 3), march));
     EXPECT_EQ(Subjects(march), (Names{u"Holiday", u"Late"}));
+    // The six-number form is the same query.
+    std::vector<PimItem> again;
+    ASSERT_TRUE(store_.QueryAppointments(2026, 3, 1, 2026, 3, 31, again));
+    EXPECT_EQ(Subjects(again), Subjects(march));
+    // An impossible day finds nothing rather than a corrected range.
+    std::vector<PimItem> none;
+    EXPECT_FALSE(store_.QueryAppointments(DayRange(2026, 2, 30, 2026, 3, 31), none));
+    EXPECT_FALSE(store_.QueryAppointments(DayRange::Month(2026, 13), none));
+    EXPECT_TRUE(none.empty());
     EXPECT_EQ(Day(2026, 1, 31), (Names{u"Trip"}));
     EXPECT_EQ(Day(2026, 2, 2), (Names{u"Trip"}));
     EXPECT_EQ(Day(2026, 2, 3), Names{});
