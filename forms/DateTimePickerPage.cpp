@@ -6,8 +6,6 @@
 #include "platform/Locale.h"
 #include "platform/Settings.h"
 #include "platform/VirtualKeys.h"
-#include "skin/SkinStyles.h"
-#include "ui/Dc.h"
 #include "ui/Scale.h"
 #include "ui/WinApi.h"
 
@@ -18,10 +16,10 @@ namespace mirodate {
 namespace {
 constexpr int kGridId = 100;
 constexpr int kPanelId = 101;
-// Unscaled sizes for a 240-pixel-wide screen.
-constexpr int kValueHeight = 22;
-// The date grid's share of the room below the value line, in percent.
-constexpr int kGridShare = 56;
+// The date grid's share of the room below the value line, in percent: the
+// time's grid of buttons needs more than its wheels.
+constexpr int kGridShareWheels = 56;
+constexpr int kGridShareButtons = 52;
 
 std::function<void(DateTimePickerPage&)>& OpenObserver() {
     static std::function<void(DateTimePickerPage&)> observer;
@@ -53,7 +51,10 @@ void DateTimePickerPage::SetValue(const DateTime& value) {
 
 void DateTimePickerPage::FromParts() {
     value_ = DateTime(grid_.Year(), grid_.Month(), grid_.Day(), panel_.Hour(), panel_.Minute(), 0);
-    InvalidateRect(window, &valueRect_, false);
+    // The moment stands in the title band: the page needs every line below for its parts.
+    chrome_.SetTitle(Locale::DayName(value_.GetDayOfWeek(), true) + u", " +
+                     Locale::FormatShortDate(value_.ToSystemTime()) + u"  " +
+                     TimeTexts::TimeLabel(value_.GetHour(), value_.GetMinute()));
 }
 
 void DateTimePickerPage::FocusPart(int part) {
@@ -74,7 +75,6 @@ void DateTimePickerPage::Cancel() {
 
 BOOL DateTimePickerPage::OnInitDialog() {
     chrome_.Create(window, Lang("picker.DateTime"));
-    valueFont_ = PickerChrome::MakeFont(120, true);
     const DateTime initial = value_;
     grid_.Create(window, kGridId, RECT{0, 0, 1, 1});
     panel_.Create(window, kPanelId, RECT{0, 0, 1, 1}, Settings::GetTimePickerWheel());
@@ -90,11 +90,10 @@ BOOL DateTimePickerPage::OnInitDialog() {
 void DateTimePickerPage::Layout() {
     const RECT content = chrome_.Layout();
     const int margin = Scale(PickerChrome::kMargin);
-    valueRect_ = RECT{margin, content.top, content.right - margin, content.top + Scale(kValueHeight)};
-    const int room = std::max(2, content.bottom - valueRect_.bottom);
-    const int gridHeight = room * kGridShare / 100;
-    MoveWindow(grid_.GetHwnd(), margin, valueRect_.bottom, content.Width() - 2 * margin, gridHeight, true);
-    MoveWindow(panel_.GetHwnd(), margin, valueRect_.bottom + gridHeight + margin, content.Width() - 2 * margin,
+    const int room = std::max(2, content.Height());
+    const int gridHeight = room * (panel_.UsesWheels() ? kGridShareWheels : kGridShareButtons) / 100;
+    MoveWindow(grid_.GetHwnd(), margin, content.top, content.Width() - 2 * margin, gridHeight, true);
+    MoveWindow(panel_.GetHwnd(), margin, content.top + gridHeight + margin, content.Width() - 2 * margin,
                std::max(1, room - gridHeight - margin), true);
 }
 
@@ -105,17 +104,7 @@ void DateTimePickerPage::OnDialogReady() {
 }
 
 void DateTimePickerPage::OnPaint(HDC dc) {
-    if (!dc) return;
-    chrome_.Paint(*dc);
-    const std::u16string text = Locale::DayName(value_.GetDayOfWeek(), true) + u", " +
-                                Locale::FormatShortDate(value_.ToSystemTime()) + u"  " +
-                                TimeTexts::TimeLabel(value_.GetHour(), value_.GetMinute());
-    dc->SelectFont(valueFont_.get());
-    dc->SetBkMode(TRANSPARENT);
-    dc->SetTextColor(SkinStyles::Current().inputForms.colorItemText);
-    RECT rect = valueRect_;
-    dc->DrawText(text, rect, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
-    dc->SelectFont(nullptr);
+    if (dc) chrome_.Paint(*dc);
 }
 
 void DateTimePickerPage::OnCommand(UINT id, UINT code, HWND control) {

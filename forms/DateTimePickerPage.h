@@ -1,6 +1,7 @@
 #pragma once
 // A modal page that picks a date and a time together (the reminder moment):
-// the month grid of the date picker above the time picker's wheels or grid.
+// the month grid of the date picker above the time picker's wheels or grid,
+// the moment as chosen so far in the title band.
 // Tab moves the keys between the two parts (a touch on a part does too);
 // PageUp/PageDown always change the month, Enter is OK and Escape Cancel.
 // Returns nothing when the user cancels.
@@ -56,8 +57,6 @@ private:
     PickerChrome chrome_;
     MonthGridWnd grid_;
     TimePanelWnd panel_;
-    std::unique_ptr<Font> valueFont_;
-    RECT valueRect_{};
     int focusedPart_ = 0;
 };
 

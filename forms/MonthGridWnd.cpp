@@ -98,8 +98,9 @@ MonthGridWnd::Metrics MonthGridWnd::Measure() const {
     RECT client{};
     if (window) GetClientRect(window, &client);
     Metrics m{};
-    m.bandHeight = std::min(Scale(kBandHeight), client.Height() / 4);
-    m.namesHeight = std::min(Scale(kNamesHeight), client.Height() / 8);
+    // A low grid (beside the time on one page) keeps most of its height for the days.
+    m.bandHeight = std::min(Scale(kBandHeight), client.Height() / 6);
+    m.namesHeight = std::min(Scale(kNamesHeight), client.Height() / 9);
     m.cellWidth = std::max(1, client.Width() / kDays);
     m.cellHeight = std::max(1, (client.Height() - m.bandHeight - m.namesHeight) / kWeeks);
     m.left = (client.Width() - m.cellWidth * kDays) / 2;

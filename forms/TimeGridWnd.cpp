@@ -20,6 +20,7 @@ constexpr int kLabelHeight = 16;
 constexpr int kMinCellHeight = 22;
 constexpr int kMaxCellHeight = 34;
 constexpr int kInset = 1;
+constexpr int kCompactGap = 3;
 } // namespace
 
 TimeGridWnd::TimeGridWnd() = default;
@@ -29,6 +30,7 @@ HWND TimeGridWnd::Create(HWND parent, int id, const RECT& rect) {
     id_ = id;
     labelFont_ = PickerChrome::MakeFont(90, true);
     cellFont_ = PickerChrome::MakeFont(100, false);
+    smallCellFont_ = PickerChrome::MakeFont(80, false);
     return BaseWnd::Create(parent, kTimeGridClass, WS_CHILD | WS_VISIBLE, u"", rect.left, rect.top, rect.Width(),
                            rect.Height());
 }
@@ -55,17 +57,17 @@ TimeGridWnd::Metrics TimeGridWnd::Measure() const {
     if (window) GetClientRect(window, &client);
     Metrics m{};
     m.width = client.Width();
-    m.labelHeight = Scale(kLabelHeight);
-    // Six hours a row and six minutes (four and two rows) while the cells
-    // stay finger-sized; in a low band eight hours a row (three rows).
+    // Six hours a row and six minutes: four rows and two. In a low band the
+    // words above the parts give their room to the cells, and a gap parts them.
     m.hourColumns = 6;
     m.minuteColumns = 6;
-    const int room = client.Height() - 2 * m.labelHeight;
-    if (room / 6 < Scale(kMinCellHeight)) m.hourColumns = 8;
     const int rows = kHours / m.hourColumns + kMinuteCells / m.minuteColumns;
-    m.cellHeight = std::clamp(room / rows, 1, Scale(kMaxCellHeight));
+    m.labelHeight = Scale(kLabelHeight);
+    if ((client.Height() - 2 * m.labelHeight) / rows < Scale(kMinCellHeight)) m.labelHeight = 0;
+    const int gap = m.labelHeight ? m.labelHeight : Scale(kCompactGap);
+    m.cellHeight = std::clamp((client.Height() - m.labelHeight - gap) / rows, 1, Scale(kMaxCellHeight));
     m.hoursTop = m.labelHeight;
-    m.minutesTop = m.hoursTop + (kHours / m.hourColumns) * m.cellHeight + m.labelHeight;
+    m.minutesTop = m.hoursTop + (kHours / m.hourColumns) * m.cellHeight + gap;
     return m;
 }
 
@@ -118,14 +120,25 @@ void TimeGridWnd::OnPaint(HDC dc) {
         dc->DrawText(text, rect, centred);
     };
 
-    label(m.hoursTop, Lang("Hours"), activePart_ == 0);
-    label(m.minutesTop, Lang("Minutes"), activePart_ == 1);
+    if (m.labelHeight) {
+        label(m.hoursTop, Lang("picker.Hours"), activePart_ == 0);
+        label(m.minutesTop, Lang("picker.Minutes"), activePart_ == 1);
+    }
+    // Hours written "10 PM" may not fit narrow cells in the normal size.
     dc->SelectFont(cellFont_.get());
+    const int room = HourRect(0).Width() - 2 * inset;
+    if (dc->GetTextExtent(TimeTexts::HourLabel(22)).cx > room) dc->SelectFont(smallCellFont_.get());
     for (int hour = 0; hour < kHours; ++hour)
         cell(HourRect(hour), TimeTexts::HourLabel(hour), hour == hour_, pressedCell_ == hour);
     for (int index = 0; index < kMinuteCells; ++index)
         cell(MinuteRect(index), TimeTexts::MinuteLabel(index * kMinuteStep), index * kMinuteStep == minute_,
              pressedCell_ == kMinuteCellBase + index);
+    // The part the keys change is framed.
+    if (activePart_ >= 0) {
+        const RECT first = activePart_ == 0 ? HourRect(0) : MinuteRect(0);
+        const RECT last = activePart_ == 0 ? HourRect(kHours - 1) : MinuteRect(kMinuteCells - 1);
+        dc->FrameRect(RECT{first.left, first.top, last.right, last.bottom}, mark, inset);
+    }
     dc->SelectFont(nullptr);
 }
 

@@ -52,7 +52,7 @@ private:
     int hour_ = 0, minute_ = 0;
     int activePart_ = 0;
     int pressedCell_ = -1;
-    std::unique_ptr<Font> labelFont_, cellFont_;
+    std::unique_ptr<Font> labelFont_, cellFont_, smallCellFont_;
 };
 
 } // namespace mirodate

@@ -39,9 +39,7 @@ double FlingRate() {
 
 TimeWheelWnd::TimeWheelWnd() = default;
 
-TimeWheelWnd::~TimeWheelWnd() {
-    if (window) KillTimer(window, kMotionTimer);
-}
+TimeWheelWnd::~TimeWheelWnd() = default;
 
 HWND TimeWheelWnd::Create(HWND parent, int id, const RECT& rect, const std::vector<std::u16string>& labels,
                           const Font& font) {

@@ -41,6 +41,10 @@ protected:
         const int y = (grid.top + grid.bottom) / 2, middle = (grid.left + grid.right) / 2;
         Drag(middle - direction * 150, y, middle + direction * 150, y + 10, 6, 16);
     }
+    void TearDown() override {
+        page_.reset();
+        PickerTest::TearDown();
+    }
     std::unique_ptr<DatePickerPage> page_;
 };
 
@@ -178,6 +182,10 @@ protected:
     static bool RestsOnWholeEntry(const TimeWheelWnd& wheel) {
         return !wheel.IsMoving() && std::fmod(wheel.Offset(), wheel.RowHeight()) == 0.0;
     }
+    void TearDown() override {
+        page_.reset();
+        PickerTest::TearDown();
+    }
     std::unique_ptr<TimePickerPage> page_;
 };
 
@@ -312,6 +320,10 @@ protected:
         return *page_;
     }
     void TapRect(const RECT& rect) { Tap((rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2); }
+    void TearDown() override {
+        page_.reset();
+        PickerTest::TearDown();
+    }
     std::unique_ptr<TimeSpanPickerPage> page_;
 };
 
