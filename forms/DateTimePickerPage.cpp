@@ -118,6 +118,8 @@ void DateTimePickerPage::OnCommand(UINT id, UINT code, HWND control) {
     } else if (id == kPanelId && code == TimePanelWnd::kChanged) {
         FocusPart(1);
         FromParts();
+    } else if (id == kPanelId && code == TimePanelWnd::kTouched) {
+        FocusPart(1);
     }
 }
 

@@ -133,6 +133,8 @@ void TimePanelWnd::OnCommand(UINT id, UINT code, HWND) {
     // A touch on a wheel or on a part of the grid makes it the one the keys change.
     if (code == TimeWheelWnd::kTouched) {
         SetActivePart(id == kHourId ? 0 : 1);
+        if (HWND parent = GetParent(window))
+            SendMessage(parent, WM_COMMAND, MAKEWPARAM(id_, kTouched), reinterpret_cast<LPARAM>(window));
         return;
     }
     if (code != kChanged) return;

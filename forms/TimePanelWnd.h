@@ -3,7 +3,7 @@
 // (hours 0-23, minutes 0-59) when `TimePickerWheel` is 1, a grid of hour and
 // minute buttons otherwise. Up and Down change the active part, Left and
 // Right choose it. Each change goes to the parent as WM_COMMAND with the
-// panel's id and kChanged.
+// panel's id and kChanged, a touch on a wheel with kTouched.
 #include "forms/TimeGridWnd.h"
 #include "forms/TimeWheelWnd.h"
 #include "ui/BaseWnd.h"
@@ -18,6 +18,8 @@ constexpr const char* kTimePanelClass = "MIRODATE::TIMEPANEL";
 class TimePanelWnd : public BaseWnd {
 public:
     static constexpr WORD kChanged = 1;
+    // A finger touched one of the wheels.
+    static constexpr WORD kTouched = 2;
 
     TimePanelWnd();
     ~TimePanelWnd() override;
