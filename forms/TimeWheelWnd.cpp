@@ -80,7 +80,7 @@ void TimeWheelWnd::SetValue(int index, bool glide) {
 
 void TimeWheelWnd::Step(int delta) {
     const double base = motion_ != Motion::None ? target_ : Snapped(offset_);
-    GlideTo(base + static_cast<double>(delta) * rowHeight_, kSnapRate);
+    GlideTo(base + static_cast<double>(delta) * rowHeight_, Motion::Snap);
 }
 
 void TimeWheelWnd::Settle() {
@@ -96,9 +96,9 @@ void TimeWheelWnd::SetActive(bool active) {
     if (window) InvalidateRect(window, nullptr, false);
 }
 
-void TimeWheelWnd::GlideTo(double target, double rate) {
+void TimeWheelWnd::GlideTo(double target, Motion motion) {
     target_ = target;
-    rate_ = rate;
+    rate_ = motion == Motion::Fling ? FlingRate() : kSnapRate;
     if (std::abs(target_ - offset_) < kRestDistance) {
         offset_ = target_;
         Stop();
@@ -106,7 +106,7 @@ void TimeWheelWnd::GlideTo(double target, double rate) {
         return;
     }
     if (motion_ == Motion::None && window) SetTimer(window, kMotionTimer, kTick);
-    motion_ = rate == kSnapRate ? Motion::Snap : Motion::Fling;
+    motion_ = motion;
     lastTick_ = GetTickCount();
 }
 
@@ -208,15 +208,14 @@ LRESULT TimeWheelWnd::OnPointerUp(int button, int, int y, WPARAM) {
         const double velocity = still ? 0.0 : ReleaseVelocity();
         if (std::abs(velocity) * tuning.flingTick > tuning.flingMinVelocity) {
             // Where the friction alone would stop it, moved to the nearest whole entry.
-            const double rate = FlingRate();
-            GlideTo(Snapped(offset_ + velocity / rate), rate);
+            GlideTo(Snapped(offset_ + velocity / FlingRate()), Motion::Fling);
         } else {
-            GlideTo(Snapped(offset_), kSnapRate);
+            GlideTo(Snapped(offset_), Motion::Snap);
         }
         return 0;
     }
     if (caught_) {
-        GlideTo(Snapped(offset_), kSnapRate);
+        GlideTo(Snapped(offset_), Motion::Snap);
         return 0;
     }
     // A tap turns the tapped entry into the band.
@@ -230,7 +229,7 @@ LRESULT TimeWheelWnd::OnPointerUp(int button, int, int y, WPARAM) {
 void TimeWheelWnd::OnCaptureChanged(HWND newCapture) {
     if (newCapture == window || !pressed_) return;
     pressed_ = false;
-    GlideTo(Snapped(offset_), kSnapRate);
+    GlideTo(Snapped(offset_), Motion::Snap);
 }
 
 void TimeWheelWnd::OnTimer(UINT_PTR id) {

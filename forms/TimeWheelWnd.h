@@ -63,8 +63,9 @@ private:
     };
     static constexpr int kSamples = 8;
 
-    // Glides to the pixel position `target` with decay `rate` (per ms).
-    void GlideTo(double target, double rate);
+    // Glides to the pixel position `target`: slowing down with the lists'
+    // friction after a fling, or quicker for a snap or a step.
+    void GlideTo(double target, Motion motion);
     void MotionStep();
     void Stop();
     // The whole entry nearest to `offset`, as a position.
