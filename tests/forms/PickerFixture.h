@@ -16,6 +16,10 @@ protected:
         UiTest::SetUp();
         LanguageTable::Instance().Load(std::string(MIRODATE_BINARY_DIR) + "/lang.en.txt");
     }
+    void TearDown() override {
+        unsetenv("LC_ALL"); // a test that changed the locale gives it back
+        UiTest::TearDown();
+    }
     void Key(std::uint32_t key) {
         InjectKey(key);
         windows_->RunUntilIdle();

@@ -7,6 +7,7 @@
 #include "forms/DateTimePickerPage.h"
 #include "forms/TimePickerPage.h"
 #include "forms/TimeSpanPickerPage.h"
+#include "forms/TimeTexts.h"
 #include "skin/SkinStyles.h"
 #include "tests/forms/PickerFixture.h"
 #include "ui/RegisteredMessages.h"
@@ -129,6 +130,24 @@ TEST_F(DatePickerTest, YearsStayWithin1900And2100) {
     Key(VK_PRIOR);
     Swipe(1);
     EXPECT_EQ(page.Value(), DateTime(1900, 1, 1));
+}
+
+TEST_F(DatePickerTest, WeeksAndHoursFollowTheLocale) {
+    // English (United States): weeks from Sunday, hours on a 12-hour clock.
+    Open(DateTime(2024, 3, 15));
+    RECT sunday = page_->Grid().DayRect(2024, 3, 3), monday = page_->Grid().DayRect(2024, 3, 4);
+    EXPECT_EQ(sunday.top, monday.top);
+    EXPECT_LT(sunday.left, monday.left);
+    EXPECT_NE(TimeTexts::HourLabel(14), u"14");
+    EXPECT_NE(TimeTexts::HourLabel(14).find(u"2"), std::u16string::npos);
+
+    setenv("LC_ALL", "de_DE.UTF-8", 1);
+    Open(DateTime(2024, 3, 15));
+    sunday = page_->Grid().DayRect(2024, 3, 3), monday = page_->Grid().DayRect(2024, 3, 4);
+    EXPECT_LT(sunday.top, monday.top); // Monday starts the next row
+    EXPECT_GT(sunday.left, monday.left);
+    EXPECT_EQ(TimeTexts::HourLabel(14), u"14");
+    EXPECT_EQ(TimeTexts::HourLabel(7), u"07");
 }
 
 TEST_F(DatePickerTest, PickAnswersOkAndNothingOnCancelEscapeOrTheCloseAllBroadcast) {
