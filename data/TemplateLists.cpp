@@ -65,6 +65,13 @@ void LoadList(const std::string& path, std::vector<std::u16string>& list) {
     }
 }
 
+bool Replaceable(const std::string& path) {
+    if (!Paths::FileExists(path)) return true;
+    std::string bytes;
+    if (!ReadListFile(path, bytes)) return false;
+    return bytes.empty() || bytes.compare(0, kMarkSize, "\xFF\xFE") == 0;
+}
+
 bool WriteWhole(const std::string& path, const std::string& bytes) {
     // Through a temporary file and a rename: a failed write leaves the old list.
     const std::string temp = path + ".tmp";
@@ -118,6 +125,11 @@ bool TemplateLists::SaveLocations(const std::u16string& text) {
 bool TemplateLists::SaveSubjects(const std::u16string& text) {
     return WriteWhole(PathOf(kSubjectsFile), EncodeWithMark(text));
 }
+
+bool TemplateLists::SubjectsReplaceable() { return Replaceable(PathOf(kSubjectsFile)); }
+bool TemplateLists::LocationsReplaceable() { return Replaceable(PathOf(kLocationsFile)); }
+std::string TemplateLists::SubjectsPath() { return PathOf(kSubjectsFile); }
+std::string TemplateLists::LocationsPath() { return PathOf(kLocationsFile); }
 
 void TemplateLists::AddLocation(const std::u16string& text) {
     size_t begin = text.find_first_not_of(u' ');

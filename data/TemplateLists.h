@@ -22,6 +22,14 @@ public:
     // known once "Main Office" is).
     static void AddLocation(const std::u16string& text);
 
+    // Whether the whole list may be replaced: the file is absent, or one we
+    // can read (within the size limit and starting with the mark). A file we
+    // cannot read is never overwritten.
+    static bool SubjectsReplaceable();
+    static bool LocationsReplaceable();
+    static std::string SubjectsPath();
+    static std::string LocationsPath();
+
     // The folder that holds both files.
     static std::string Directory();
     // Tests point the lists at a folder of their own; empty restores the default.

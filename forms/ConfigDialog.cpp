@@ -2,7 +2,9 @@
 
 #include "data/Categories.h"
 #include "data/PimStore.h"
+#include "data/TemplateLists.h"
 #include "forms/ColorPickerPage.h"
+#include "forms/TextListPage.h"
 #include "lang/LanguageTable.h"
 #include "platform/DefaultApps.h"
 #include "platform/Log.h"
@@ -198,6 +200,7 @@ void ConfigDialog::Fill() {
             value = SwitchText(DefaultApps::IsTasksReplaced());
             break;
         case Kind::Choice:
+        case Kind::TextList:
             value = ConfigEntries::ValueText(entry);
             break;
         case Kind::Colour:
@@ -262,6 +265,9 @@ void ConfigDialog::ActivateRow(int index) {
     case Kind::Colour:
         OpenColourPage(index);
         return;
+    case Kind::TextList:
+        EditList(entry);
+        break;
     }
     Fill();
 }
@@ -364,6 +370,31 @@ void ConfigDialog::OpenColourPage(int index) {
     ColorPickerPage page(Label(entry), ConfigEntries::ColourValue(entry));
     if (page.DoModal(window) == IDOK)
         SetColour(index, page.Color());
+}
+
+void ConfigDialog::EditList(const ConfigEntry& entry) {
+    const bool subjects = entry.setting == kSubjectsList;
+    // A file we cannot read is never replaced by what we would show of it.
+    if (!(subjects ? TemplateLists::SubjectsReplaceable() : TemplateLists::LocationsReplaceable())) {
+        const std::string path = subjects ? TemplateLists::SubjectsPath() : TemplateLists::LocationsPath();
+        MessagePage::Tell(window, Lang("config.ListUnreadable") + u"\n" + Utf8ToUtf16(path));
+        return;
+    }
+    std::vector<std::u16string> list;
+    if (subjects)
+        TemplateLists::LoadSubjects(list);
+    else
+        TemplateLists::LoadLocations(list);
+    TextListPage page(Label(entry), list);
+    if (page.DoModal(window) != IDOK)
+        return;
+    const std::u16string text = TextListPage::FileText(page.Entries());
+    if (!(subjects ? TemplateLists::SaveSubjects(text) : TemplateLists::SaveLocations(text))) {
+        Log::Warning("could not write %s", entry.setting.c_str());
+        MessagePage::Tell(window, Lang("config.ListNotSaved"));
+        return;
+    }
+    Changed(entry.setting);
 }
 
 void ConfigDialog::SetColour(int index, COLORREF color) {

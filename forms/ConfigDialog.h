@@ -1,7 +1,8 @@
 #pragma once
 // The configuration dialog: tabs over a touch list of setting rows. A tap on
 // a switch flips it, a tap on a choice opens the list of its values, a tap on
-// a colour opens the colour page. Every change is written through Settings
+// a colour opens the colour page, a tap on the subject templates or the
+// locations opens that list as a text to edit. Every change is written through Settings
 // at once (there is nothing to confirm); the language is applied at once,
 // the skin and the font size at the next start, as the page says.
 #include "forms/ConfigEntries.h"
@@ -61,6 +62,8 @@ private:
     void SwitchReplacement(const ConfigEntry& entry);
     void OpenChoices(int index);
     void OpenColourPage(int index);
+    // Opens the text page of a list row and saves the list on OK.
+    void EditList(const ConfigEntry& entry);
     std::u16string Label(const ConfigEntry& entry) const;
 
     ChangeHandler onChange_;

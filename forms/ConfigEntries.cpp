@@ -1,6 +1,7 @@
 #include "forms/ConfigEntries.h"
 
 #include "data/Categories.h"
+#include "data/TemplateLists.h"
 #include "lang/LanguageTable.h"
 #include "platform/Paths.h"
 #include "platform/Settings.h"
@@ -96,6 +97,14 @@ ConfigEntry TaskView(const char* labelKey, const char* view) {
     entry.kind = Kind::TaskView;
     entry.labelKey = labelKey;
     entry.setting = view;
+    return entry;
+}
+
+ConfigEntry TextList(const char* labelKey, const char* list) {
+    ConfigEntry entry;
+    entry.kind = Kind::TextList;
+    entry.labelKey = labelKey;
+    entry.setting = list;
     return entry;
 }
 
@@ -196,8 +205,6 @@ std::vector<ConfigTab> ConfigEntries::Build(const ConfigFolders& folders) {
                                      Numbers({250, 500, 750, 1000, 1500, 2000, 3000}, nullptr), true));
     general.entries.push_back(Replacement(Kind::ReplaceCalendar, "config.ReplaceCalendar"));
     general.entries.push_back(Replacement(Kind::ReplaceTasks, "config.ReplaceTasks"));
-    // Subject templates and locations are edited as whole texts once the
-    // toolkit has its text field; until then the editors' lists are kept as they are.
     tabs.push_back(std::move(general));
 
     ConfigTab views{"config.Views", {}};
@@ -244,6 +251,8 @@ std::vector<ConfigTab> ConfigEntries::Build(const ConfigFolders& folders) {
     items.entries.push_back(Switch("config.DefaultReminderEnable", "DefaultReminderEnable", false));
     items.entries.push_back(Choice("config.DefaultReminder", "DefaultReminder", u"0",
                                    Durations({0, 5, 10, 15, 30, 60, 120, 1440, 2880, 10080}, true), true));
+    items.entries.push_back(TextList("config.Subjects", kSubjectsList));
+    items.entries.push_back(TextList("config.Locations", kLocationsList));
     tabs.push_back(std::move(items));
 
     ConfigTab colours{"config.Colors", {}};
@@ -300,6 +309,15 @@ COLORREF ConfigEntries::ColourValue(const ConfigEntry& entry) {
 }
 
 std::u16string ConfigEntries::ValueText(const ConfigEntry& entry) {
+    if (entry.kind == ConfigEntry::Kind::TextList) {
+        // How many entries the list holds.
+        std::vector<std::u16string> list;
+        if (entry.setting == kSubjectsList)
+            TemplateLists::LoadSubjects(list);
+        else
+            TemplateLists::LoadLocations(list);
+        return ToU16(static_cast<long>(list.size()));
+    }
     if (entry.kind != ConfigEntry::Kind::Choice)
         return {};
     const int at = CurrentOption(entry);

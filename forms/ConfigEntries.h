@@ -2,8 +2,9 @@
 // What the configuration dialog offers: its tabs and, on each, the rows of
 // settings with their choices, defaults and clamps. A row is a switch, a
 // choice among values, a colour, one of the two default-program switches or
-// a "show tasks in" view switch; every value is written through Settings as
-// text. Kept apart from the page so that the page only draws and reacts.
+// a "show tasks in" view switch, or a list edited as a whole text (the
+// subject templates and the locations); every value is written through
+// Settings as text, the lists through TemplateLists. Kept apart from the page so that the page only draws and reacts.
 #include "platform/Types.h"
 
 #include <string>
@@ -26,15 +27,19 @@ struct ConfigFolders {
 };
 
 struct ConfigEntry {
-    enum class Kind { Switch, Choice, Colour, ReplaceCalendar, ReplaceTasks, TaskView };
+    enum class Kind { Switch, Choice, Colour, ReplaceCalendar, ReplaceTasks, TaskView, TextList };
     Kind kind = Kind::Switch;
     std::string labelKey;    // language key
     std::u16string label;    // shown instead of the key when not empty (category names)
-    std::string setting;     // settings name; the view name for TaskView
+    std::string setting;     // settings name; the view name for TaskView; the list for TextList
     std::u16string fallback; // default value as text
     std::vector<ConfigOption> options;
     bool numeric = false; // a Choice of numbers: garbage and outliers read clamped
 };
+
+// The `setting` of the two TextList rows.
+constexpr const char* kSubjectsList = "MDSubjects";
+constexpr const char* kLocationsList = "MDLocations";
 
 struct ConfigTab {
     std::string labelKey;

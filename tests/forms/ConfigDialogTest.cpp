@@ -4,14 +4,18 @@
 // archive that does not open, the colour page and the tabs.
 #include "forms/ConfigDialog.h"
 #include "data/Categories.h"
+#include "data/TemplateLists.h"
 #include "forms/ColorPickerPage.h"
+#include "forms/TextListPage.h"
 #include "lang/LanguageTable.h"
 #include "platform/Settings.h"
 #include "platform/TextUtil.h"
+#include "platform/VirtualKeys.h"
 #include "tests/skin/SkinTestFiles.h"
 #include "tests/ui/UiTestFixture.h"
 #include "ui/MessagePage.h"
 
+#include <filesystem>
 #include <fstream>
 
 namespace mirodate::test {
@@ -38,6 +42,8 @@ protected:
     }
     void TearDown() override {
         MessagePage::SetOpenObserver(nullptr);
+        TextListPage::SetOpenObserver(nullptr);
+        TemplateLists::SetDirectory("");
         dialog_.reset();
         UiTest::TearDown();
     }
@@ -225,6 +231,118 @@ TEST_F(ConfigDialogTest, TabsAreTappedAndRowsTappedThroughTheList) {
     Tap(list.left + 40, list.top + 10);
     windows_->RunUntilIdle();
     EXPECT_FALSE(Settings::GetSplitMonthView());
+}
+
+// The lists live in a folder of the test's own.
+class ConfigListsTest : public ConfigDialogTest {
+protected:
+    void SetUp() override {
+        ConfigDialogTest::SetUp();
+        lists_ = dir_ + "/lists";
+        std::filesystem::create_directories(lists_);
+        TemplateLists::SetDirectory(lists_);
+    }
+    std::string Bytes(const char* name) const {
+        std::ifstream file(lists_ + "/" + name, std::ios::binary);
+        return std::string((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    }
+    void Inject(DisplayEvent event) { display_->Inject(std::move(event)); }
+    void InjectKey(std::uint32_t key) {
+        DisplayEvent event;
+        event.type = DisplayEvent::Type::KeyDown;
+        event.key = key;
+        Inject(event);
+        event.type = DisplayEvent::Type::KeyUp;
+        Inject(event);
+    }
+    void InjectText(const std::string& text) {
+        DisplayEvent event;
+        event.type = DisplayEvent::Type::Text;
+        event.text = text;
+        Inject(event);
+    }
+    void InjectTapOn(HWND control) {
+        RECT rect;
+        GetWindowRect(control, &rect);
+        DisplayEvent event;
+        event.type = DisplayEvent::Type::PointerDown;
+        event.x = (rect.left + rect.right) / 2;
+        event.y = (rect.top + rect.bottom) / 2;
+        Inject(event);
+        event.type = DisplayEvent::Type::PointerUp;
+        Inject(event);
+    }
+    std::string lists_;
+};
+
+TEST_F(ConfigListsTest, SubjectsAreEditedAsOneTextAndSavedAsTheEditorsReadThem) {
+    ASSERT_TRUE(TemplateLists::SaveSubjects(u"Meeting\r\nLunch\r\n"));
+    Open();
+    const int row = Row(kSubjectsList);
+    EXPECT_EQ(ConfigEntries::ValueText(Entry(row)), u"2");
+    std::u16string shown;
+    TextListPage::SetOpenObserver([&](TextListPage& page) {
+        shown = page.Field().GetText();
+        const int end = static_cast<int>(shown.size());
+        page.Field().SetSelection(end, end);
+        // Typed: a new line with spaces around the entry, and an empty line.
+        InjectKey(VK_RETURN);
+        InjectText("  Zahnarzt \xC3\xBC ");
+        InjectKey(VK_RETURN);
+        InjectKey(VK_RETURN);
+        InjectTapOn(page.Chrome().Ok().GetHwnd());
+    });
+    dialog_->ActivateRow(row);
+    EXPECT_EQ(shown, u"Meeting\nLunch");
+    EXPECT_EQ(Bytes("MDSubjects.txt"),
+              std::string("\xFF\xFE", 2) + EncodeUtf16Le(u"Meeting\r\nLunch\r\nZahnarzt \u00FC\r\n"));
+    std::vector<std::u16string> subjects;
+    TemplateLists::LoadSubjects(subjects);
+    EXPECT_EQ(subjects, (std::vector<std::u16string>{u"Meeting", u"Lunch", u"Zahnarzt \u00FC"}));
+    EXPECT_NE(std::find(changed_.begin(), changed_.end(), kSubjectsList), changed_.end());
+    // The row counts the entries now in the file.
+    EXPECT_EQ(ConfigEntries::ValueText(Entry(row)), u"3");
+}
+
+TEST_F(ConfigListsTest, LocationsAreWrittenFromScratchAndCancelKeepsTheFile) {
+    Open();
+    const int row = Row(kLocationsList);
+    TextListPage::SetOpenObserver([&](TextListPage& page) {
+        InjectText("Office");
+        InjectKey(VK_RETURN);
+        InjectText("Home");
+        InjectTapOn(page.Chrome().Ok().GetHwnd());
+    });
+    dialog_->ActivateRow(row);
+    const std::string written = Bytes("MDLocations.txt");
+    EXPECT_EQ(written, std::string("\xFF\xFE", 2) + EncodeUtf16Le(u"Office\r\nHome\r\n"));
+    // AddLocation finds an entry the page wrote.
+    TemplateLists::AddLocation(u"Home");
+    EXPECT_EQ(Bytes("MDLocations.txt"), written);
+
+    TextListPage::SetOpenObserver([&](TextListPage& page) {
+        InjectText("Elsewhere");
+        InjectTapOn(page.Chrome().Cancel().GetHwnd());
+    });
+    dialog_->ActivateRow(row);
+    EXPECT_EQ(Bytes("MDLocations.txt"), written);
+}
+
+TEST_F(ConfigListsTest, AListFileThatCannotBeReadIsLeftAsItIs) {
+    // UTF-8 without the mark: not a file of ours to rewrite.
+    const std::string foreign = "Office\nHome\n";
+    std::ofstream(lists_ + "/MDLocations.txt", std::ios::binary) << foreign;
+    Open();
+    bool opened = false;
+    TextListPage::SetOpenObserver([&](TextListPage& page) {
+        opened = true;
+        InjectTapOn(page.Chrome().Ok().GetHwnd());
+    });
+    dialog_->ActivateRow(Row(kLocationsList));
+    EXPECT_FALSE(opened);
+    ASSERT_FALSE(told_.empty());
+    EXPECT_NE(told_.back().find(Lang("config.ListUnreadable")), std::u16string::npos);
+    EXPECT_EQ(Bytes("MDLocations.txt"), foreign);
 }
 
 } // namespace
