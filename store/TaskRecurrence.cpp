@@ -30,10 +30,10 @@ icaltimetype Wall(icalproperty* p) {
 
 void Shift(icalproperty* p, int days) {
     if (!p) return;
-    icalvalue* value = icalproperty_get_value(p);
-    icaltimetype t = icalvalue_get_datetime(value);
+    icaltimetype t = icalvalue_get_datetime(icalproperty_get_value(p));
     icaltime_adjust(&t, days, 0, 0, 0);
-    icalvalue_set_datetime(value, t);
+    // A new value of the same kind; the property's TZID or VALUE=DATE stays.
+    icalproperty_set_value(p, t.is_date ? icalvalue_new_date(t) : icalvalue_new_datetime(t));
 }
 
 void RemoveAll(icalcomponent* component, icalproperty_kind kind) {

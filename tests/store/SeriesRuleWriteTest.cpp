@@ -139,7 +139,7 @@ TEST_F(SeriesRuleWriteTest, BadRecordsAreClampedBeforeTheyAreWritten) {
                   p.MonthOfYear = 13;
                   p.DayOfMonth = 0;
               }),
-              "RRULE:FREQ=YEARLY;BYMONTH=3;BYMONTHDAY=4");
+              "RRULE:FREQ=YEARLY;BYMONTHDAY=4;BYMONTH=3");
 }
 
 TEST_F(SeriesRuleWriteTest, TasksKeepDatesStatusAndPriorityBothWays) {
