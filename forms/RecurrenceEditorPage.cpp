@@ -29,8 +29,8 @@ constexpr int kButtonHeight = 26;
 constexpr int kMargin = 4;
 constexpr int kTextHeight = 11;
 constexpr int kSentenceLines = 2;
-constexpr int kWarningLines = 3;
-constexpr int kLabelShare = 40; // percent of a row's width for its label
+constexpr int kWarningLines = 6;
+constexpr int kLabelShare = 30; // percent of a row's width its label keeps at least
 constexpr int kDaysPerWeek = 7;
 constexpr int kMonths = 12;
 
@@ -291,32 +291,41 @@ void RecurrenceEditorPage::PaintRow(Dc& dc, Row row, const RECT& rect) {
         }
         return;
     }
-    RECT label{rect.left + margin, rect.top, rect.left + rect.Width() * kLabelShare / 100, rect.bottom};
+    // A rule the record only approximates is not named as one of the types.
+    const std::u16string valueText = row == Row::Type && ShowsWarning()
+                                         ? RecurrenceEditorRows::TypeName(RecurrencePattern::kNotRecurring - 1)
+                                         : RecurrenceEditorRows::ValueText(row, value_);
     dc.SelectFont(font_.get());
-    dc.DrawText(RecurrenceEditorRows::Label(row), label, DT_LEFT | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
-    RECT value{label.right + margin, rect.top, rect.right - margin, rect.bottom};
     if (control == RecurrenceEditorRows::Control::Stepper) {
         RECT minus{}, plus{};
         for (const Target& t : targets_) {
             if (t.row != row) continue;
             (t.action < 0 ? minus : plus) = t.rect;
         }
+        RECT label{rect.left + margin, rect.top, minus.left - margin, rect.bottom};
+        dc.DrawText(RecurrenceEditorRows::Label(row), label,
+                    DT_LEFT | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
+        dc.SelectFont(boldFont_.get());
         for (const RECT* box : {&minus, &plus}) {
             dc.FillRect(*box, style.colorBg2);
             RECT sign = *box;
-            dc.SelectFont(boldFont_.get());
-            dc.SetTextColor(style.colorText);
             dc.DrawText(box == &minus ? u"\u2212" : u"+", sign, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
         }
-        value = RECT{minus.right, rect.top, plus.left, rect.bottom};
-        dc.SelectFont(boldFont_.get());
-        dc.DrawText(RecurrenceEditorRows::ValueText(row, value_), value,
-                    DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
+        RECT value{minus.right, rect.top, plus.left, rect.bottom};
+        dc.DrawText(valueText, value, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
         return;
     }
+    // The value keeps what it needs; the label gets the rest, at least its share.
+    const std::u16string shown = valueText + u" \u25BE";
     dc.SelectFont(boldFont_.get());
-    dc.DrawText(RecurrenceEditorRows::ValueText(row, value_) + u" \u25BE", value,
-                DT_RIGHT | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
+    const int valueWidth = dc.GetTextExtent(shown).cx;
+    const int labelRight = std::max(rect.left + rect.Width() * kLabelShare / 100, rect.right - 2 * margin - valueWidth);
+    RECT value{labelRight + margin, rect.top, rect.right - margin, rect.bottom};
+    dc.DrawText(shown, value, DT_RIGHT | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
+    dc.SelectFont(font_.get());
+    RECT label{rect.left + margin, rect.top, labelRight, rect.bottom};
+    dc.DrawText(RecurrenceEditorRows::Label(row), label,
+                DT_LEFT | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
 }
 
 void RecurrenceEditorPage::OnPaint(HDC dc) {

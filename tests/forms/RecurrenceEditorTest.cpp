@@ -11,6 +11,9 @@
 #include "platform/VirtualKeys.h"
 #include "store/IcsItem.h"
 #include "store/SeriesExceptions.h"
+#include "skin/PictureCache.h"
+#include "skin/SkinLoader.h"
+#include "skin/SkinStyles.h"
 #include "store/VdirSource.h"
 #include "tests/ui/UiTestFixture.h"
 #include "ui/ContextMenu.h"
@@ -316,6 +319,60 @@ TEST_F(RecurrenceEditorTest, DroppingExceptionsIsAskedFirst) {
     });
     EXPECT_TRUE(RecurrenceEditorPage::Edit(nullptr, mondays, start, exceptions));
     EXPECT_TRUE(told_.empty());
+}
+
+TEST_F(RecurrenceEditorTest, DayTogglesAndRowsInTheSkinsColoursAtBothSizes) {
+    const SkinStyles saved = SkinStyles::Current();
+    const char* shot = std::getenv("MIRODATE_SCREENSHOT_DIR");
+    int checked = 0;
+    for (const char* skin : {"Mirodate Black", "Mirodate Daylight"}) {
+        const std::string archive = std::string(MIRODATE_BINARY_DIR) + "/skin." + skin + ".zip";
+        if (!std::filesystem::exists(archive)) continue;
+        for (const auto& [width, height] : {std::pair{480, 640}, std::pair{240, 320}}) {
+            SCOPED_TRACE(std::string(skin) + " " + std::to_string(width));
+            page_.reset();
+            UiTest::Open(width, height);
+            PictureCache::Instance().Clear();
+            SkinStyles styles;
+            ASSERT_TRUE(SkinLoader::LoadArchive(archive, styles, width >= 480));
+            SkinStyles::Current() = styles;
+            RecurrencePattern weekly;
+            weekly.RecurrenceType = RecurrencePattern::kWeekly;
+            weekly.DayOfWeekMask = RecurrencePattern::kMonday | RecurrencePattern::kFriday;
+            weekly.Occurrences = 8;
+            weekly.NoEndDate = false;
+            Open(weekly, DateTime(2024, 3, 15, 10, 0, 0));
+            const AddModifyFormStyle& form = styles.addModifyForm;
+            const RECT on = page_->DayScreenRect(5), off = page_->DayScreenRect(3);
+            EXPECT_EQ(FramePixel(on.left + 2, on.top + 2), form.colorSelectionMark);
+            EXPECT_EQ(FramePixel(off.left + 3, off.top + 3), form.colorBg);
+            // Every row and both buttons lie on the screen, finger-sized.
+            for (Row row : RecurrenceEditorRows::RowsFor(weekly)) {
+                const RECT r = page_->RowScreenRect(row);
+                EXPECT_GE(r.Height(), width / 12);
+                EXPECT_LE(r.bottom, page_->ButtonScreenRect(true).top);
+            }
+            EXPECT_LE(page_->ButtonScreenRect(true).bottom, height);
+            if (shot) {
+                const std::string name = std::string(shot) + "/recurrence-" + (skin[9] == 'B' ? "black" : "daylight") +
+                                         "-" + std::to_string(width) + ".png";
+                windows_->WriteScreenshot(name);
+                ChooseType(RecurrencePattern::kYearNth);
+                windows_->WriteScreenshot(name.substr(0, name.size() - 4) + "-yearly.png");
+                RecurrencePattern custom;
+                custom.RecurrenceType = RecurrencePattern::kMonthly;
+                custom.DayOfMonth = 1;
+                custom.RuleFit = RecurrencePattern::kNoFit;
+                page_.reset();
+                Open(custom, DateTime(2024, 3, 1, 9, 0, 0));
+                windows_->WriteScreenshot(name.substr(0, name.size() - 4) + "-custom.png");
+            }
+            ++checked;
+        }
+    }
+    page_.reset();
+    SkinStyles::Current() = saved;
+    if (checked == 0) GTEST_SKIP() << "the skins are not built";
 }
 
 } // namespace
