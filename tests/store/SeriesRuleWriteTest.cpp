@@ -220,3 +220,34 @@ TEST_F(SeriesRuleWriteTest, ARecurringTaskCompletedMovesToItsNextOccurrence) {
 
 } // namespace
 } // namespace mirodate
+
+namespace mirodate {
+namespace {
+
+TEST_F(SeriesRuleWriteTest, ACompletedTaskIsListedAsDone) {
+    const std::string binary = std::string(MIRODATE_BINARY_DIR) + "/mirodate";
+    if (!std::filesystem::exists(binary)) GTEST_SKIP() << "the program is not built";
+    source_ = OpenSource(false);
+    PimRecord task;
+    task.itemKind = kItemTask;
+    task.subject = u"Return books";
+    task.dueDate = DateTime(2026, 3, 16).ToDate();
+    ASSERT_EQ(source_->Save(task, kFolderTasks), SaveResult::Saved);
+    PimRecord done = Load(task.oid);
+    done.complete = true;
+    ASSERT_EQ(source_->Save(done, kFolderTasks), SaveResult::Saved);
+    source_.reset();
+    const std::string command = "TZ=Europe/Berlin XDG_CONFIG_HOME='" + (dir_ / "config").string() +
+                                "' XDG_CACHE_HOME='" + (dir_ / "cache").string() + "' '" + binary + "' --store '" +
+                                Root() + "' --list 2026-03-16 2026-03-16";
+    FILE* pipe = popen(command.c_str(), "r");
+    ASSERT_TRUE(pipe);
+    std::string out;
+    char buffer[1024];
+    while (size_t n = std::fread(buffer, 1, sizeof buffer, pipe)) out.append(buffer, n);
+    pclose(pipe);
+    EXPECT_EQ(out, "2026-03-16 task [x] Return books\n");
+}
+
+} // namespace
+} // namespace mirodate
