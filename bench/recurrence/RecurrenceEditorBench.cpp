@@ -29,6 +29,17 @@ constexpr int kOpenings = 50;
 constexpr int kRounds = 100;
 constexpr double kTargetMs = 16.0;
 
+// Counts the page's paints, so that a run that painted nothing is not reported.
+int g_paints = 0;
+class CountedPage : public RecurrenceEditorPage {
+public:
+    using RecurrenceEditorPage::RecurrenceEditorPage;
+    void OnPaint(HDC dc) override {
+        ++g_paints;
+        RecurrenceEditorPage::OnPaint(dc);
+    }
+};
+
 double Ms(std::chrono::steady_clock::duration d) { return std::chrono::duration<double, std::milli>(d).count(); }
 
 void Report(const char* what, std::vector<double> times) {
@@ -58,7 +69,7 @@ int main() {
     std::vector<double> openings;
     for (int i = 0; i < kOpenings; ++i) {
         const auto t0 = std::chrono::steady_clock::now();
-        auto page = std::make_unique<RecurrenceEditorPage>(RecurrencePattern(), start);
+        auto page = std::make_unique<CountedPage>(RecurrencePattern(), start);
         page->CreateModeless(nullptr);
         windows.RunUntilIdle();
         windows.ComposeIfNeeded();
@@ -67,7 +78,7 @@ int main() {
         windows.RunUntilIdle();
     }
 
-    auto page = std::make_unique<RecurrenceEditorPage>(RecurrencePattern(), start);
+    auto page = std::make_unique<CountedPage>(RecurrencePattern(), start);
     page->CreateModeless(nullptr);
     windows.RunUntilIdle();
     const std::vector<int>& types = RecurrenceEditorRows::Types();
@@ -81,6 +92,11 @@ int main() {
             changes.push_back(Ms(std::chrono::steady_clock::now() - t0));
         }
     page.reset();
+    const int expected = kOpenings + kRounds * static_cast<int>(types.size());
+    if (g_paints < expected) {
+        std::printf("only %d of %d frames were painted\n", g_paints, expected);
+        return 1;
+    }
     Report("open to first frame", openings);
     Report("type change to repainted sentence", changes);
     std::filesystem::remove_all(dir);
