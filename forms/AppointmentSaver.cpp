@@ -59,12 +59,9 @@ AppointmentSaver::Outcome AppointmentSaver::Save(HWND owner, AppointmentDraft& d
     if (ChangedSinceRead(draft, current)) return OnChangedOnDisk(owner, draft);
     if (!draft.IsChanged()) return Outcome::Saved;
 
-    PimRecord record = draft.Record();
-    if (record.isRecurring && (draft.RuleNotEditable() || record.recurrence == draft.Original().recurrence)) {
-        // A series whose pattern the user did not change keeps its rule as
-        // written: a recurring record without a pattern leaves RRULE alone.
-        record.recurrence.RecurrenceType = RecurrencePattern::kNotRecurring;
-    }
+    // A series whose pattern the user did not change keeps its rule as
+    // written: the store compares the pattern with the one it read.
+    const PimRecord record = draft.Record();
     const SaveResult result = draft.GetMode() == AppointmentDraft::Mode::Occurrence
                                   ? source->SaveOccurrence(oid, draft.OccurrenceStart(), &record)
                                   : source->Save(record, kFolderCalendar);

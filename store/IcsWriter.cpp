@@ -6,8 +6,12 @@
 #include "store/IcalText.h"
 #include "store/IcalTime.h"
 #include "store/IcsAttendees.h"
+#include "data/RecurrenceLimits.h"
 #include "store/IcsEditorFields.h"
+#include "store/IcsItem.h"
 #include "store/RecurrenceRule.h"
+#include "store/SeriesExceptions.h"
+#include "store/TaskRecurrence.h"
 #include "store/VtimezoneFilter.h"
 
 #include <cstdio>
@@ -57,7 +61,52 @@ void SetStamp(icalcomponent* component) {
                                icalproperty_new_dtstamp(icaltime_current_time_with_zone(icaltimezone_get_utc_timezone())));
 }
 
-void Fill(icalcomponent* component, const PimRecord& record) {
+// The first start a series counts from: the appointment's start, the task's
+// start or else its due date.
+double SeriesStart(const PimRecord& record) {
+    if (record.itemKind != 3) return record.start;
+    return record.startDate != kNoDate ? record.startDate : record.dueDate;
+}
+
+// Two records that say the same rule (the day the series starts is the
+// item's own, not the rule's).
+bool SameRule(const PimRecord& a, const PimRecord& b) {
+    // A recurring record without a pattern asks to keep the rule as written.
+    if (b.isRecurring && b.recurrence.RecurrenceType == RecurrencePattern::kNotRecurring) return a.isRecurring;
+    if (a.isRecurring != b.isRecurring) return false;
+    if (!a.isRecurring) return true;
+    RecurrencePattern x = a.recurrence, y = b.recurrence;
+    x.PatternStartDate = y.PatternStartDate = 0.0;
+    return x == y;
+}
+
+// A rule kept as the file wrote it: an RRULE line without parameters goes
+// back out as the very text that came in, which libical would otherwise
+// write in its own order and leave out parts it takes as defaults (WKST=MO).
+void KeepRawRule(icalcomponent* component, const std::string& line) {
+    constexpr size_t kNameLength = 6; // "RRULE:"
+    if (line.size() <= kNameLength || line[kNameLength - 1] != ':') return;
+    RemoveAll(component, ICAL_RRULE_PROPERTY);
+    icalproperty* raw = icalproperty_new_x(line.c_str() + kNameLength);
+    icalproperty_set_x_name(raw, "RRULE");
+    icalcomponent_add_property(component, raw);
+}
+
+void WriteRule(icalcomponent* component, const PimRecord& record) {
+    RemoveAll(component, ICAL_RRULE_PROPERTY);
+    if (!record.isRecurring || record.recurrence.RecurrenceType == RecurrencePattern::kNotRecurring) return;
+    const double start = SeriesStart(record);
+    if (start == kNoDate) return;
+    // Out-of-range fields are clamped here too: a record from any caller
+    // never reaches the file as a rule other programs cannot expand.
+    const RecurrencePattern pattern = RecurrenceLimits::Normalise(record.recurrence, DateTime(start));
+    const bool dateOnly = record.allDay || record.itemKind == 3;
+    const std::string rule = RecurrenceRule::FromPattern(pattern, dateOnly);
+    if (!rule.empty())
+        icalcomponent_add_property(component, icalproperty_new_rrule(icalrecurrencetype_from_string(rule.c_str())));
+}
+
+void Fill(icalcomponent* component, const PimRecord& record, bool writeRule = true) {
     SetText(component, ICAL_SUMMARY_PROPERTY, record.subject);
     SetText(component, ICAL_LOCATION_PROPERTY, record.location);
     SetText(component, ICAL_DESCRIPTION_PROPERTY, record.body);
@@ -72,14 +121,17 @@ void Fill(icalcomponent* component, const PimRecord& record) {
             icalcomponent_add_property(component, TimeProperty(ICAL_DTSTART_PROPERTY, record.startDate, true));
         if (record.dueDate != kNoDate)
             icalcomponent_add_property(component, TimeProperty(ICAL_DUE_PROPERTY, record.dueDate, true));
+        // A task that was complete already keeps the moment it was completed.
+        const bool wasComplete = icalcomponent_get_first_property(component, ICAL_COMPLETED_PROPERTY) != nullptr;
         RemoveAll(component, ICAL_STATUS_PROPERTY);
-        RemoveAll(component, ICAL_COMPLETED_PROPERTY);
         RemoveAll(component, ICAL_PRIORITY_PROPERTY);
+        if (!record.complete || !wasComplete) RemoveAll(component, ICAL_COMPLETED_PROPERTY);
+        if (!record.complete) RemoveAll(component, ICAL_PERCENTCOMPLETE_PROPERTY);
         icalcomponent_add_property(component,
                                    icalproperty_new_status(record.complete    ? ICAL_STATUS_COMPLETED
                                                            : record.cancelled ? ICAL_STATUS_CANCELLED
                                                                               : ICAL_STATUS_NEEDSACTION));
-        if (record.complete)
+        if (record.complete && !wasComplete)
             icalcomponent_add_property(
                 component, icalproperty_new_completed(icaltime_current_time_with_zone(icaltimezone_get_utc_timezone())));
         icalcomponent_add_property(component, icalproperty_new_priority(PriorityOfImportance(record.importance)));
@@ -88,12 +140,7 @@ void Fill(icalcomponent* component, const PimRecord& record) {
         icalcomponent_add_property(component, TimeProperty(ICAL_DTEND_PROPERTY, record.end, record.allDay));
         IcsEditorFields::Write(component, record);
     }
-    if (record.recurrence.RecurrenceType != RecurrencePattern::kNotRecurring || !record.isRecurring) {
-        RemoveAll(component, ICAL_RRULE_PROPERTY);
-        const std::string rule = record.isRecurring ? RecurrenceRule::FromPattern(record.recurrence, record.allDay) : "";
-        if (!rule.empty())
-            icalcomponent_add_property(component, icalproperty_new_rrule(icalrecurrencetype_from_string(rule.c_str())));
-    }
+    if (writeRule) WriteRule(component, record);
     SetStamp(component);
 }
 
@@ -178,7 +225,26 @@ bool IcsWriter::Update(std::string_view existing, const PimRecord& record, std::
     if (!calendar) return false;
     icalcomponent* item = MainComponent(calendar.get());
     if (!item) return false;
-    Fill(item, record);
+    IcsItem before;
+    std::string problem;
+    const bool known = before.Parse(existing, problem);
+    // An unchanged pattern leaves the rule as it was written, also one the
+    // record can only approximate.
+    const bool sameRule = known && SameRule(before.GetRecord(), record);
+    Fill(item, record, !sameRule);
+    bool ruleMoved = false;
+    if (icalcomponent_isa(item) == ICAL_VTODO_COMPONENT && known && record.complete &&
+        !before.GetRecord().complete && sameRule && record.isRecurring)
+        ruleMoved = TaskRecurrence::Advance(item);
+    if (sameRule && !ruleMoved) {
+        KeepRawRule(item, SeriesExceptions::RawRuleLine(existing));
+    } else if (!sameRule) {
+        // Exceptions that no longer fall on the series' days point at nothing.
+        RecurrencePattern pattern = record.recurrence;
+        if (!record.isRecurring) pattern.RecurrenceType = RecurrencePattern::kNotRecurring;
+        const double start = SeriesStart(record);
+        if (start != kNoDate || !record.isRecurring) SeriesExceptions::Drop(calendar.get(), item, pattern, start);
+    }
     out = Serialise(calendar.get());
     return true;
 }
