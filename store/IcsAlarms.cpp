@@ -365,7 +365,8 @@ void IcsAlarms::AddReminder(const Alarm& alarm, double lastAck, const PimRecord&
         } else if (alarm.relatedEnd) {
             base = occurrence.end;
         }
-        moment = base + alarm.offset;
+        // To the second, as the times in the file are.
+        moment = std::round((base + alarm.offset) * kSecondsPerDay) / kSecondsPerDay;
     }
     if (moment < from || moment >= before) return;
     if (moment <= std::max(lastAck, alarm.acknowledged) + kSameMoment / 2) return;
