@@ -89,7 +89,17 @@ HWND MainWnd::Create(const std::u16string& commandLine) {
     if (splitView_) dayList_.ShowDay(now.wYear, now.wMonth, now.wDay);
     SetForegroundWindow(window);
     ProcessCommand(commandLine);
+    StartReminders();
     return window;
+}
+
+void MainWnd::StartReminders() {
+    ReminderService::Hooks hooks;
+    hooks.inFront = [this] { return IsWindowVisible(window); };
+    hooks.open = [this](const Reminder& reminder) {
+        router_.OpenItemDetail(reminder.oid, reminder.itemKind == kItemTask, DateTime(reminder.start));
+    };
+    if (!reminders_.Start(window, std::move(hooks))) Log::Warning("reminders: the service did not start");
 }
 
 void MainWnd::Layout() {

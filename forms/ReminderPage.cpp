@@ -30,7 +30,7 @@ class ReminderRow : public TouchListItem {
 public:
     ReminderRow(const Reminder& reminder, const Font& bold, const Font& font, int width, bool selected,
                 std::function<void()> tap)
-        : subject_(reminder.subject.empty() ? Lang("NoSubject") : reminder.subject, bold,
+        : subject_(reminder.subject.empty() ? Lang("reminder.NoSubject") : reminder.subject, bold,
                    std::max(1, width - Scale(2 * kMargin)), false),
           when_(ReminderPage::WhenText(reminder), font, std::max(1, width - Scale(2 * kMargin)), true),
           selected_(selected), tap_(std::move(tap)) {}

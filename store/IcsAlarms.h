@@ -24,8 +24,9 @@ public:
     // a file of a hundred thousand alarms costs no more than a busy one.
     static constexpr int kMaxAlarms = 100;
     // A trigger further than this from its item is a mistake, not a
-    // reminder: ignored.
-    static constexpr double kMaxOffsetDays = 366.0;
+    // reminder: ignored. (Calendars offer four weeks at most.) Fixed-time
+    // alarms count from the item's start the same way.
+    static constexpr double kMaxOffsetDays = 31.0;
 
     // Whether the text may hold an alarm at all: a cheap test that spares
     // parsing the files that hold none.

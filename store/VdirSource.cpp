@@ -695,6 +695,19 @@ bool VdirSource::ExportItem(std::int32_t oid, std::string& text) {
 
 namespace mirodate {
 
+bool VdirSource::MayRemindIn(const StoredItem& item, double from, double before) {
+    // No alarm fires further from its item than IcsAlarms reads, so that an
+    // item far from the window needs no reading of its file. Open tasks are
+    // always read: a snoozed reminder of one long overdue comes back now.
+    const PimRecord& record = item.record;
+    if (item.folder == kFolderTasks) return !record.complete;
+    const double margin = IcsAlarms::kMaxOffsetDays;
+    const double start = record.start;
+    if (start > before + margin) return false;
+    if (item.series) return item.seriesEnd == kNoDate || item.seriesEnd >= from - margin;
+    return start + item.longest >= from - margin && record.end >= from - margin;
+}
+
 void VdirSource::ReadAlarmsLocked(StoredItem& item) {
     item.alarmsRead = true;
     std::string text;
@@ -709,6 +722,7 @@ std::vector<Reminder> VdirSource::GetReminders(double from, double before) {
     std::lock_guard lock(mutex_);
     for (auto& [key, item] : files_) {
         if (!item->readable || (item->folder != kFolderCalendar && item->folder != kFolderTasks)) continue;
+        if (!MayRemindIn(*item, from, before)) continue;
         if (!item->alarmsRead) ReadAlarmsLocked(*item);
         if (!item->alarms) continue;
         if (item->remindersFrom != from || item->remindersBefore != before) {

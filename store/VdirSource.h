@@ -89,6 +89,7 @@ private:
     void SaveIndexLocked();
     std::shared_ptr<const IcsItem> GetParsedLocked(const std::shared_ptr<const StoredItem>& item);
     void ReadAlarmsLocked(StoredItem& item);
+    static bool MayRemindIn(const StoredItem& item, double from, double before);
     // Rewrites an item's file through `change` (existing text to new text),
     // with the same checks as Save.
     SaveResult RewriteItem(std::int32_t oid, const std::function<bool(std::string_view, std::string&)>& change);
