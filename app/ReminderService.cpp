@@ -89,9 +89,11 @@ void ReminderService::Reschedule() {
 
 void ReminderService::FireDue() {
     const double now = Now();
+
     bool fired = false;
     for (const Reminder& reminder : upcoming_) {
-        if (reminder.moment <= checked_ || reminder.moment > now) continue;
+        // Moments are whole seconds; the clock's may differ in the last bit.
+        if (reminder.moment <= checked_ + kSameMoment || reminder.moment > now + kSameMoment) continue;
         const bool known = std::any_of(due_.begin(), due_.end(), [&](const Reminder& d) {
             return d.SameAlarm(reminder) && std::fabs(d.moment - reminder.moment) < kSameMoment;
         });
@@ -109,14 +111,17 @@ void ReminderService::FireDue() {
     // One timer, to the next moment (or to a look at the store later on).
     next_ = kNoDate;
     for (const Reminder& reminder : upcoming_)
-        if (reminder.moment > now) {
+        if (reminder.moment > now + kSameMoment) {
             next_ = reminder.moment;
             break;
         }
     UINT delay = kMaxTimerMs;
     if (next_ != kNoDate)
-        delay = static_cast<UINT>(std::clamp(std::ceil((next_ - now) * kMsPerDay), 1.0, double(kMaxTimerMs)));
+        // To the millisecond (the moment is a whole second; FireDue allows
+        // for the last bit of the arithmetic).
+        delay = static_cast<UINT>(std::clamp(std::round((next_ - now) * kMsPerDay), 1.0, double(kMaxTimerMs)));
     if (window) SetTimer(window, kFireTimer, delay);
+
 }
 
 void ReminderService::SetChecked(double moment) {
@@ -190,6 +195,7 @@ void ReminderService::Open(const Reminder& reminder) {
 }
 
 void ReminderService::OnTimer(UINT_PTR id) {
+
     if (id != kFireTimer) return;
     KillTimer(window, kFireTimer);
     // The window may have moved on to a new day.

@@ -14,6 +14,7 @@
 #include "ui/ScreenBars.h"
 
 #include <chrono>
+#include <cmath>
 #include <fstream>
 #include <thread>
 
@@ -121,6 +122,7 @@ TEST_F(ReminderServiceTest, FiresOnTheMinuteAndNotAgainAfterDismissalAndRestart)
     Start();
     EXPECT_TRUE(notifier_.shown.empty());
     EXPECT_EQ(Page(), nullptr);
+    EXPECT_NEAR(Service().NextMoment(), DateTime(2024, 3, 15, 10, 15, 0).ToDate(), 1e-7);
     Advance(15 * kMinute - kSecond);
     EXPECT_TRUE(notifier_.shown.empty());
     Advance(kSecond); // 10:15:00

@@ -53,7 +53,7 @@ if ! grep -q 'member=Notify' "$work/monitor.txt"; then
     cat "$work/monitor.txt"
     exit 1
 fi
-for text in 'string "Dentist with Dr. Ng"' 'Harbour Street 4' '09:00'; do
+for text in 'string "Dentist with Dr. Ng"' 'Harbour Street 4' '9:00'; do
     if ! grep -q "$text" "$work/monitor.txt"; then
         echo "FAIL: the Notify call lacks $text"
         cat "$work/monitor.txt"
