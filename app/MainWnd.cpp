@@ -249,6 +249,8 @@ LRESULT MainWnd::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPara
         const std::u16string text = TextOfCopyData(*data);
         PostMessage(HWND_BROADCAST, minimizedBroadcast_, 0, 0);
         if (!text.empty()) ProcessCommand(text);
+        // Reminders that came while the program was in the background.
+        reminders_.BroughtToFront();
         return 1;
     }
     if (IsStoreNotification(message)) {

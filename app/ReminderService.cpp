@@ -124,6 +124,10 @@ void ReminderService::FireDue() {
 
 }
 
+void ReminderService::BroughtToFront() {
+    if (!due_.empty()) ShowPage();
+}
+
 void ReminderService::SetChecked(double moment) {
     checked_ = std::max(checked_, moment);
     Settings::SetText(kCheckedSetting, MomentText(checked_));

@@ -54,6 +54,8 @@ public:
     void Reschedule();
     // Fires what is due now.
     void FireDue();
+    // The program came to the front: the page shows what is still due.
+    void BroughtToFront();
 
     // Reminders fired and not yet answered, oldest first.
     const std::vector<Reminder>& Due() const { return due_; }

@@ -11,6 +11,7 @@
 #include "platform/TextUtil.h"
 #include "store/VdirSource.h"
 #include "tests/ui/UiTestFixture.h"
+#include "ui/ContextMenu.h"
 #include "ui/ScreenBars.h"
 
 #include <chrono>
@@ -156,6 +157,8 @@ TEST_F(ReminderServiceTest, SnoozeBringsTheReminderBackAfterFiveMinutes) {
     ASSERT_NE(Page(), nullptr);
     // "Snooze" offers its choices; the page acts on the one chosen.
     TapCentre(Page()->SnoozeButtonRect());
+    Advance(kSecond);
+    EXPECT_EQ(ContextMenu::OpenCount(), 1);
     ASSERT_NE(Page(), nullptr);
     Page()->SnoozeSelected(5);
     EXPECT_EQ(Page(), nullptr);
