@@ -21,6 +21,8 @@ namespace mirodate {
 
 namespace {
 constexpr const char* kClassName = "MIRODATE::REMINDERS";
+// Posted to ourselves: the emptied page is deleted.
+constexpr UINT kMsgClosePage = WM_APP + 0x2F1;
 constexpr double kMsPerDay = 86400000.0;
 constexpr double kMinutesPerDay = 1440.0;
 // Two moments closer than this are one.
@@ -139,6 +141,7 @@ void ReminderService::Notify(const Reminder& reminder) {
 }
 
 void ReminderService::ShowPage() {
+    if (page_ && !IsWindowVisible(page_->GetHwnd())) ShowWindow(page_->GetHwnd(), SW_SHOW);
     if (!page_) {
         ReminderPage::Actions actions;
         actions.snooze = [this](const Reminder& r, int minutes) { Snooze(r, minutes); };
@@ -157,11 +160,13 @@ void ReminderService::ShowPage() {
 
 void ReminderService::UpdatePage() {
     if (!page_) return;
-    if (due_.empty()) {
-        delete page_;
-        return;
-    }
     page_->SetReminders(due_);
+    if (due_.empty()) {
+        // The page may be in the middle of its own message (the answer that
+        // emptied it): hidden now, deleted from the queue.
+        ShowWindow(page_->GetHwnd(), SW_HIDE);
+        PostMessage(window, kMsgClosePage, 0, 0);
+    }
 }
 
 void ReminderService::Forget(const Reminder& reminder) {
@@ -207,6 +212,10 @@ void ReminderService::OnTimer(UINT_PTR id) {
 }
 
 LRESULT ReminderService::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == kMsgClosePage) {
+        if (page_ && due_.empty()) delete page_;
+        return 0;
+    }
     if (dataChangedMessage_ && message == dataChangedMessage_) {
         Reschedule();
         return 0;

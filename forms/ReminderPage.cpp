@@ -140,7 +140,10 @@ void ReminderPage::Fill() {
     for (size_t i = 0; i < reminders_.size(); ++i) {
         const int index = static_cast<int>(i);
         list_.AddItem(std::make_unique<ReminderRow>(reminders_[i], *bold_, *font_, client.Width(), index == selected_,
-                                                    [this, index] { Select(index); }));
+                                                    [this, index] {
+                                                        // After the list has finished with the tap.
+                                                        PostDeferredCommand(kCmdSelectBase + index, nullptr);
+                                                    }));
     }
     list_.Relayout();
     const bool any = !reminders_.empty();
@@ -202,6 +205,10 @@ void ReminderPage::OpenSnoozeMenu() {
 }
 
 void ReminderPage::OnDeferredCommand(UINT id) {
+    if (id >= kCmdSelectBase) {
+        Select(static_cast<int>(id - kCmdSelectBase));
+        return;
+    }
     if (id >= kCmdSnoozeBase && id < kCmdSnoozeBase + std::size(kSnoozeMinutes))
         SnoozeSelected(kSnoozeMinutes[id - kCmdSnoozeBase]);
 }

@@ -27,6 +27,8 @@ public:
     static constexpr int kSnoozeMinutes[] = {5, 10, 15, 30, 60};
     // Commands of the snooze menu: kCmdSnoozeBase + index into kSnoozeMinutes.
     static constexpr UINT kCmdSnoozeBase = 0x7D00;
+    // A tap on row N: kCmdSelectBase + N.
+    static constexpr UINT kCmdSelectBase = 0x10000;
 
     struct Actions {
         std::function<void(const Reminder&, int minutes)> snooze;

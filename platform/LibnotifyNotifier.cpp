@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <libnotify/notify.h>
+#include <unistd.h>
 
 namespace mirodate {
 
@@ -49,7 +50,9 @@ LibnotifyNotifier::~LibnotifyNotifier() {
 bool LibnotifyNotifier::Show(const std::string& summary, const std::string& body) {
     // Without a session bus the library would try to start one.
     const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
-    if (!address || !*address) {
+    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+    const bool userBus = runtime && *runtime && access((std::string(runtime) + "/bus").c_str(), F_OK) == 0;
+    if ((!address || !*address) && !userBus) {
         Log::Info("no session bus: notification \"%s\" not shown", summary.c_str());
         return false;
     }

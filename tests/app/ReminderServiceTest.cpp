@@ -5,6 +5,7 @@
 #include "app/MainWnd.h"
 #include "app/MarkerWorker.h"
 #include "app/ReminderService.h"
+#include "views/ItemDetailView.h"
 #include "data/PimStore.h"
 #include "forms/ReminderPage.h"
 #include "platform/DesktopNotifier.h"
@@ -161,6 +162,7 @@ TEST_F(ReminderServiceTest, SnoozeBringsTheReminderBackAfterFiveMinutes) {
     EXPECT_EQ(ContextMenu::OpenCount(), 1);
     ASSERT_NE(Page(), nullptr);
     Page()->SnoozeSelected(5);
+    windows_->RunUntilIdle();
     EXPECT_EQ(Page(), nullptr);
     Advance(5 * kMinute - kSecond);
     EXPECT_EQ(notifier_.shown.size(), 1u);
@@ -171,6 +173,28 @@ TEST_F(ReminderServiceTest, SnoozeBringsTheReminderBackAfterFiveMinutes) {
     TapCentre(Page()->DismissButtonRect());
     Advance(60 * kMinute);
     EXPECT_EQ(notifier_.shown.size(), 2u);
+}
+
+TEST_F(ReminderServiceTest, OpenShowsTheItemAndTheReminderStays) {
+    WriteFile("calendar/a.ics", Event("a", "Planning", "20240315T103000Z"));
+    WriteFile("calendar/b.ics", Event("b", "Lunch", "20240315T103000Z"));
+    Start();
+    Advance(15 * kMinute);
+    ASSERT_NE(Page(), nullptr);
+    ASSERT_EQ(Page()->Reminders().size(), 2u);
+    ASSERT_EQ(notifier_.shown.size(), 2u);
+    TapCentre(Page()->OpenButtonRect());
+    ItemDetailView* detail = main_->Router().Detail();
+    ASSERT_NE(detail, nullptr);
+    EXPECT_TRUE(detail->HasItem());
+    EXPECT_TRUE(IsWindowVisible(detail->GetHwnd()));
+    ASSERT_NE(Page(), nullptr);
+    EXPECT_EQ(Page()->Reminders().size(), 2u);
+    // Dismissing one (the detail view is over the page) leaves the other.
+    Page()->DismissSelected();
+    windows_->RunUntilIdle();
+    ASSERT_NE(Page(), nullptr);
+    EXPECT_EQ(Page()->Reminders().size(), 1u);
 }
 
 TEST_F(ReminderServiceTest, WeeklySeriesFiresOnEachOccurrence) {
