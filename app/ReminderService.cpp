@@ -45,7 +45,8 @@ bool ParseMoment(const std::u16string& text, double& moment) {
 ReminderService::ReminderService() = default;
 
 ReminderService::~ReminderService() {
-    if (window) Settings::SetText(kCheckedSetting, MomentText(checked_));
+    // The handled moment is written only when reminders fire: a run without
+    // reminders leaves the settings file as it was.
     delete page_; // tells us through its gone handler
 }
 
