@@ -12,6 +12,7 @@
 #include "platform/TextUtil.h"
 #include "store/VdirSource.h"
 #include "tests/ui/UiTestFixture.h"
+#include "platform/VirtualKeys.h"
 #include "ui/ContextMenu.h"
 #include "ui/ScreenBars.h"
 
@@ -159,14 +160,24 @@ TEST_F(ReminderServiceTest, SnoozeBringsTheReminderBackAfterFiveMinutes) {
     // "Snooze" offers its choices; the page acts on the one chosen.
     TapCentre(Page()->SnoozeButtonRect());
     Advance(kSecond);
-    EXPECT_EQ(ContextMenu::OpenCount(), 1);
-    ASSERT_NE(Page(), nullptr);
-    Page()->SnoozeSelected(5);
-    windows_->RunUntilIdle();
+    ASSERT_EQ(ContextMenu::OpenCount(), 1);
+    const HWND menu = FindWindow(nullptr, kContextMenuTitle);
+    ASSERT_TRUE(menu);
+    // The first choice, 5 minutes, taken with the menu's keys.
+    SendMessage(menu, WM_KEYDOWN, VK_DOWN, 0);
+    SendMessage(menu, WM_KEYDOWN, VK_RETURN, 0);
+    Advance(kSecond);
+    EXPECT_EQ(ContextMenu::OpenCount(), 0);
     EXPECT_EQ(Page(), nullptr);
-    Advance(5 * kMinute - kSecond);
+    EXPECT_NE(ReadFile("calendar/a.ics").find("RELTYPE=SNOOZE"), std::string::npos);
+    // Five minutes after the choice (made a second or two after 10:15).
+    const double back = Service().NextMoment();
+    EXPECT_GT(back, DateTime(2024, 3, 15, 10, 20, 0).ToDate());
+    EXPECT_LT(back, DateTime(2024, 3, 15, 10, 20, 3).ToDate());
+    const auto untilBack = static_cast<std::uint32_t>(std::llround((back - ReminderService::Now()) * 86400000.0));
+    Advance(untilBack - kSecond);
     EXPECT_EQ(notifier_.shown.size(), 1u);
-    Advance(kSecond); // 10:20
+    Advance(kSecond);
     ASSERT_EQ(notifier_.shown.size(), 2u);
     ASSERT_NE(Page(), nullptr);
     EXPECT_TRUE(Page()->Reminders()[0].snoozed);
