@@ -72,7 +72,17 @@ HWND MainWnd::Create(const std::u16string& commandLine) {
     if (splitView_) dayList_.ShowDay(now.wYear, now.wMonth, now.wDay);
     SetForegroundWindow(window);
     ProcessCommand(commandLine);
+    StartReminders();
     return window;
+}
+
+void MainWnd::StartReminders() {
+    ReminderService::Hooks hooks;
+    hooks.inFront = [this] { return IsWindowVisible(window); };
+    hooks.open = [this](const Reminder& reminder) {
+        router_.OpenItemDetail(reminder.oid, reminder.itemKind == kItemTask, DateTime(reminder.start));
+    };
+    if (!reminders_.Start(window, std::move(hooks))) Log::Warning("reminders: the service did not start");
 }
 
 void MainWnd::Layout() {
@@ -213,6 +223,8 @@ void MainWnd::OnTimer(UINT_PTR id) {
 bool MainWnd::OnCommandText(const std::u16string& text) {
     BroadcastCloseAll(true);
     if (!text.empty()) ProcessCommand(text);
+    // Reminders that came while the program was in the background.
+    reminders_.BroughtToFront();
     return true;
 }
 

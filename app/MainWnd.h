@@ -5,6 +5,7 @@
 // cache current on the store's change reports (one deferred reload while a
 // synchroniser runs) and tells every other window to reload.
 #include "app/MonthGridWnd.h"
+#include "app/ReminderService.h"
 #include "app/SplitDayList.h"
 #include "app/StatusBar.h"
 #include "app/ViewRouter.h"
@@ -74,6 +75,7 @@ public:
     StatusBar& Status() { return statusBar_; }
     MenuBar& Menu() { return menuBar_; }
     ViewRouter& Router() { return router_; }
+    ReminderService& Reminders() { return reminders_; }
 
     void OnClose() override;
     void OnCommand(UINT id, UINT code, HWND control) override;
@@ -89,6 +91,7 @@ public:
 
 private:
     void Layout();
+    void StartReminders();
     void ReloadAfterSync();
     bool IsSynchronizing();
     void OpenMainMenu();
@@ -107,6 +110,7 @@ private:
     SplitDayList dayList_;
     MenuBar menuBar_;
     ViewRouter router_;
+    ReminderService reminders_;
     bool splitView_;
     bool built_ = false;
     bool syncSeen_ = false;

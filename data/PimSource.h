@@ -6,6 +6,7 @@
 #include "data/PimFolder.h"
 #include "data/PimNotification.h"
 #include "data/PimRecord.h"
+#include "data/Reminder.h"
 
 #include <functional>
 #include <memory>
@@ -87,6 +88,25 @@ public:
     virtual bool ExportItem(std::int32_t oid, std::string& text) {
         (void)oid, (void)text;
         return false;
+    }
+
+    // Reminders of every appointment and task due in [from, before), sorted
+    // by moment; acknowledged, cancelled and completed ones left out.
+    virtual std::vector<Reminder> GetReminders(double from, double before) {
+        (void)from, (void)before;
+        return {};
+    }
+    // Records in the item that the user has seen `reminder` at `now`: it,
+    // and every earlier reminder of the item, do not come again, here or in
+    // other programs that read the file.
+    virtual SaveResult DismissReminder(const Reminder& reminder, double now) {
+        (void)reminder, (void)now;
+        return SaveResult::Failed;
+    }
+    // Dismisses `reminder` and makes it come back at `until`.
+    virtual SaveResult SnoozeReminder(const Reminder& reminder, double now, double until) {
+        (void)reminder, (void)now, (void)until;
+        return SaveResult::Failed;
     }
 };
 

@@ -3,13 +3,16 @@
 // read, and the item it holds. Published entries are never changed; a new
 // reading replaces the entry.
 #include "data/PimRecord.h"
+#include "data/Reminder.h"
 
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace mirodate {
 
+class IcsAlarms;
 class IcsItem;
 
 struct StoredItem {
@@ -27,6 +30,14 @@ struct StoredItem {
     double longest = 0.0;   // longest occurrence in days
     // The parsed file of a series, read when first expanded.
     std::shared_ptr<const IcsItem> parsed;
+    // Its alarms, read when reminders are first asked for (null: none), and
+    // the reminders of the last window asked for, kept until the file
+    // changes (a change publishes a new entry).
+    bool alarmsRead = false;
+    std::shared_ptr<const IcsAlarms> alarms;
+    double remindersFrom = 0.0;
+    double remindersBefore = 0.0;
+    std::vector<Reminder> reminders;
 };
 
 } // namespace mirodate

@@ -2,6 +2,8 @@
 
 #include "store/IcsExport.h"
 
+#include "store/IcsAlarms.h"
+
 #include "platform/Log.h"
 #include "platform/Paths.h"
 #include "platform/TextUtil.h"
@@ -387,6 +389,10 @@ VdirSource::Snapshot VdirSource::GetSnapshot(int folderId) {
 
 std::shared_ptr<const IcsItem> VdirSource::GetParsed(const std::shared_ptr<const StoredItem>& item) {
     std::lock_guard lock(mutex_);
+    return GetParsedLocked(item);
+}
+
+std::shared_ptr<const IcsItem> VdirSource::GetParsedLocked(const std::shared_ptr<const StoredItem>& item) {
     if (item->parsed) return item->parsed;
     auto it = files_.find(Key(item->directory, item->fileName));
     std::string text;
@@ -683,6 +689,95 @@ bool VdirSource::ExportItem(std::int32_t oid, std::string& text) {
         return true;
     }
     return IcsExport::Standalone(content, text);
+}
+
+} // namespace mirodate
+
+namespace mirodate {
+
+bool VdirSource::MayRemindIn(const StoredItem& item, double from, double before) {
+    // No alarm fires further from its item than IcsAlarms reads, so that an
+    // item far from the window needs no reading of its file. Open tasks are
+    // always read: a snoozed reminder of one long overdue comes back now.
+    const PimRecord& record = item.record;
+    if (item.folder == kFolderTasks) return !record.complete;
+    const double margin = IcsAlarms::kMaxOffsetDays;
+    const double start = record.start;
+    if (start > before + margin) return false;
+    if (item.series) return item.seriesEnd == kNoDate || item.seriesEnd >= from - margin;
+    return start + item.longest >= from - margin && record.end >= from - margin;
+}
+
+void VdirSource::ReadAlarmsLocked(StoredItem& item) {
+    item.alarmsRead = true;
+    std::string text;
+    if (!ReadWholeFile(DirectoryPath(item.directory) + "/" + item.fileName, text) || !IcsAlarms::MayHaveAlarms(text))
+        return;
+    auto alarms = std::make_shared<IcsAlarms>();
+    if (alarms->Parse(text)) item.alarms = std::move(alarms);
+}
+
+std::vector<Reminder> VdirSource::GetReminders(double from, double before) {
+    std::vector<Reminder> out;
+    std::lock_guard lock(mutex_);
+    for (auto& [key, item] : files_) {
+        if (!item->readable || (item->folder != kFolderCalendar && item->folder != kFolderTasks)) continue;
+        if (!MayRemindIn(*item, from, before)) continue;
+        if (!item->alarmsRead) ReadAlarmsLocked(*item);
+        if (!item->alarms) continue;
+        if (item->remindersFrom != from || item->remindersBefore != before) {
+            item->reminders.clear();
+            std::shared_ptr<const IcsItem> series = item->series ? GetParsedLocked(item) : nullptr;
+            item->alarms->Collect(item->record, series.get(), from, before, item->reminders);
+            item->remindersFrom = from;
+            item->remindersBefore = before;
+        }
+        out.insert(out.end(), item->reminders.begin(), item->reminders.end());
+    }
+    std::sort(out.begin(), out.end(), [](const Reminder& a, const Reminder& b) {
+        if (a.moment != b.moment) return a.moment < b.moment;
+        if (a.oid != b.oid) return a.oid < b.oid;
+        if (a.occurrence != b.occurrence) return a.occurrence < b.occurrence;
+        return a.alarm < b.alarm;
+    });
+    return out;
+}
+
+SaveResult VdirSource::RewriteItem(std::int32_t oid,
+                                   const std::function<bool(std::string_view, std::string&)>& change) {
+    std::lock_guard lock(mutex_);
+    auto found = byOid_.find(oid);
+    if (found == byOid_.end()) return SaveResult::NotFound;
+    Entry entry = found->second;
+    const std::string key = Key(entry->directory, entry->fileName);
+    if (!StampMatches(*entry)) {
+        // Someone else changed the file: keep theirs and read it again.
+        bool exists = false;
+        auto fresh = std::make_shared<StoredItem>(ReadFile(entry->directory, entry->fileName, exists));
+        if (exists) Publish(fresh);
+        else Unpublish(key);
+        return SaveResult::ChangedOnDisk;
+    }
+    std::string text, out;
+    if (!ReadWholeFile(DirectoryPath(entry->directory) + "/" + entry->fileName, text) || !change(text, out))
+        return SaveResult::Failed;
+    if (!WriteAtomically(entry->directory, entry->fileName, out)) return SaveResult::Failed;
+    bool exists = false;
+    Publish(std::make_shared<StoredItem>(ReadFile(entry->directory, entry->fileName, exists)));
+    if (watcher_.IsRunning()) pendingLocal_[key] = {kMsgItemChangedLocal, oid, entry->folder};
+    return SaveResult::Saved;
+}
+
+SaveResult VdirSource::DismissReminder(const Reminder& reminder, double now) {
+    return RewriteItem(reminder.oid, [&](std::string_view existing, std::string& out) {
+        return IcsAlarms::Dismiss(existing, reminder, now, out);
+    });
+}
+
+SaveResult VdirSource::SnoozeReminder(const Reminder& reminder, double now, double until) {
+    return RewriteItem(reminder.oid, [&](std::string_view existing, std::string& out) {
+        return IcsAlarms::Snooze(existing, reminder, now, until, out);
+    });
 }
 
 } // namespace mirodate

@@ -10,10 +10,12 @@
 #include "store/ItemFileLimits.h"
 #include "store/StoredItem.h"
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -56,6 +58,9 @@ public:
     StoreSummary Summarize() override;
     std::string ItemFilePath(std::int32_t oid) override { return FilePath(oid); }
     bool ExportItem(std::int32_t oid, std::string& text) override;
+    std::vector<Reminder> GetReminders(double from, double before) override;
+    SaveResult DismissReminder(const Reminder& reminder, double now) override;
+    SaveResult SnoozeReminder(const Reminder& reminder, double now, double until) override;
 
     const std::string& Root() const { return root_; }
     std::string FilePath(std::int32_t oid);
@@ -82,6 +87,12 @@ private:
     bool ReadWholeFile(const std::string& path, std::string& text) const;
     bool StampMatches(const StoredItem& item) const;
     void SaveIndexLocked();
+    std::shared_ptr<const IcsItem> GetParsedLocked(const std::shared_ptr<const StoredItem>& item);
+    void ReadAlarmsLocked(StoredItem& item);
+    static bool MayRemindIn(const StoredItem& item, double from, double before);
+    // Rewrites an item's file through `change` (existing text to new text),
+    // with the same checks as Save.
+    SaveResult RewriteItem(std::int32_t oid, const std::function<bool(std::string_view, std::string&)>& change);
     void OnFileEvent(int directory, const std::string& fileName, DirectoryWatcher::Change change);
     void UpdateWatcher();
     void Notify(const std::vector<PimNotification>& notifications);
