@@ -95,6 +95,7 @@ int Application::Run() {
         if (status != 0 || !options_.list) return status;
     }
     if (options_.list) return StoreCommands::List(options_);
+    if (options_.exportGiven) return StoreCommands::Export(options_);
     const std::u16string& commandLine = options_.commandLine;
 
     // "-f": the desktop's previous calendar or tasks program takes the

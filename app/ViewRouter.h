@@ -18,6 +18,7 @@ namespace mirodate {
 class AgendaView;
 class DayView;
 class QuickView;
+class ImportView;
 class YearView;
 class SearchView;
 class TasksView;
@@ -54,6 +55,9 @@ public:
     HWND OpenYearView(const DateTime& date) override;
     HWND OpenQuickView() override;
     HWND MainWindow() override;
+    // The page of a calendar file to import (one at a time).
+    HWND OpenImport(const std::string& path);
+    ImportView* Import() { return import_.get(); }
     YearView* Year() { return year_.get(); }
     QuickView* Quick() { return quick_.get(); }
 
@@ -97,6 +101,7 @@ private:
     std::unique_ptr<ItemDetailView> detail_;
     std::unique_ptr<TasksView> tasks_;
     std::unique_ptr<SearchView> search_; // kept once made
+    std::unique_ptr<ImportView> import_;
 };
 
 } // namespace mirodate

@@ -4,6 +4,7 @@
 // system's zone data, so that a program on another device reads the same
 // times. What the file already holds is kept as it is.
 #include <string>
+#include <vector>
 
 namespace mirodate {
 
@@ -11,6 +12,10 @@ class IcsExport {
 public:
     // False when `calendarText` is no calendar.
     static bool Standalone(const std::string& calendarText, std::string& out);
+    // One calendar of the items of several calendar files, with each time
+    // zone defined once (the first definition met, else the system's). Files
+    // that are no calendar are left out; false when none was one.
+    static bool Combine(const std::vector<std::string>& calendarTexts, std::string& out);
 };
 
 } // namespace mirodate

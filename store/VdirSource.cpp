@@ -14,6 +14,8 @@
 #include "store/VdirFolder.h"
 
 #include <algorithm>
+#include <cctype>
+#include <cstdio>
 #include <cerrno>
 #include <cstring>
 #include <dirent.h>
@@ -683,6 +685,113 @@ bool VdirSource::ExportItem(std::int32_t oid, std::string& text) {
         return true;
     }
     return IcsExport::Standalone(content, text);
+}
+
+} // namespace mirodate
+
+namespace mirodate {
+
+namespace {
+// A UID makes the file name when it is a plain one; otherwise its hash does.
+constexpr std::size_t kMaxUidFileName = 120;
+
+std::string ImportFileName(const std::string& uid) {
+    bool plain = !uid.empty() && uid.size() <= kMaxUidFileName && uid[0] != '.';
+    for (char c : uid)
+        if (!std::isalnum(static_cast<unsigned char>(c)) && c != '-' && c != '_' && c != '.' && c != '@') plain = false;
+    if (plain) return uid + ".ics";
+    char name[32];
+    std::snprintf(name, sizeof name, "import-%08x.ics", static_cast<unsigned>(VdirSource::HashUid(uid)));
+    return name;
+}
+} // namespace
+
+bool VdirSource::HasUid(const std::string& uid) {
+    std::lock_guard lock(mutex_);
+    auto known = oidOfUid_.find(uid);
+    return known != oidOfUid_.end() && byOid_.count(known->second);
+}
+
+std::vector<SaveResult> VdirSource::ImportFiles(const std::vector<ImportFile>& files) {
+    std::lock_guard lock(mutex_);
+    std::vector<SaveResult> results(files.size(), SaveResult::Failed);
+    struct Pending {
+        std::size_t index;
+        int directory;
+        std::string fileName;
+        std::string temp;
+        bool replaces;
+    };
+    std::vector<Pending> pending;
+    std::set<std::string> taken; // file names of this batch
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const ImportFile& file = files[i];
+        Pending item{i, DirectoryOfFolder(file.folder == kFolderTasks ? kFolderTasks : kFolderCalendar), "", "", false};
+        auto known = oidOfUid_.find(file.uid);
+        auto holder = known == oidOfUid_.end() ? byOid_.end() : byOid_.find(known->second);
+        if (holder != byOid_.end()) {
+            // The item is here already: its file takes the new version,
+            // unless someone changed it since we read it.
+            if (holder->second->folder == kFolderContacts) continue;
+            if (!StampMatches(*holder->second)) {
+                results[i] = SaveResult::ChangedOnDisk;
+                continue;
+            }
+            item.directory = holder->second->directory;
+            item.fileName = holder->second->fileName;
+            item.replaces = true;
+        } else {
+            item.fileName = ImportFileName(file.uid);
+            // Never over a file of another UID (or one we could not read).
+            for (int n = 1; files_.count(Key(item.directory, item.fileName)) || taken.count(item.fileName); ++n)
+                item.fileName = ImportFileName(file.uid + "#" + std::to_string(n));
+        }
+        if (!taken.insert(item.fileName).second) continue; // the same UID twice in one batch
+        const std::string dir = DirectoryPath(item.directory);
+        if (!Paths::MakeDirs(dir)) continue;
+        item.temp = dir + "/." + item.fileName + ".tmp";
+        const int fd = open(item.temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+        if (fd < 0) continue;
+        std::size_t done = 0;
+        while (done < file.text.size()) {
+            const ssize_t n = write(fd, file.text.data() + done, file.text.size() - done);
+            if (n <= 0) break;
+            done += static_cast<std::size_t>(n);
+        }
+        if (close(fd) != 0 || done != file.text.size()) {
+            unlink(item.temp.c_str());
+            continue;
+        }
+        pending.push_back(std::move(item));
+    }
+    // One sync for the batch's data, then the renames.
+    if (!pending.empty()) {
+        const int dirFd = open(root_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        const bool synced = dirFd >= 0 && syncfs(dirFd) == 0;
+        if (dirFd >= 0) close(dirFd);
+        if (!synced) {
+            Log::Error("store: cannot sync the imported files: %s", std::strerror(errno));
+            for (const Pending& item : pending) unlink(item.temp.c_str());
+            return results;
+        }
+    }
+    for (const Pending& item : pending) {
+        const std::string target = DirectoryPath(item.directory) + "/" + item.fileName;
+        if (rename(item.temp.c_str(), target.c_str()) != 0) {
+            Log::Error("store: cannot write %s: %s", target.c_str(), std::strerror(errno));
+            unlink(item.temp.c_str());
+            continue;
+        }
+        bool exists = false;
+        auto entry = std::make_shared<StoredItem>(ReadFile(item.directory, item.fileName, exists));
+        Publish(entry);
+        if (!entry->readable) continue;
+        results[item.index] = SaveResult::Saved;
+        if (watcher_.IsRunning())
+            pendingLocal_[Key(item.directory, item.fileName)] = {
+                item.replaces ? kMsgItemChangedLocal : kMsgItemCreatedLocal, entry->record.oid, entry->folder};
+    }
+    return results;
 }
 
 } // namespace mirodate

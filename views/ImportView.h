@@ -1,0 +1,85 @@
+#pragma once
+// The page a calendar file from elsewhere opens in: its events and tasks as
+// rows, and "Add to calendar", which writes each as a file of the store with
+// its UID and time zones kept. An item whose UID the store holds already is
+// marked "Update" and replaces the store's version instead of doubling it.
+// The file is read on a worker thread and written in slices on a timer, so
+// that the window keeps repainting (with a progress bar) through thousands
+// of items.
+#include "store/IcsImport.h"
+#include "views/ViewPage.h"
+
+#include <chrono>
+#include <functional>
+#include <future>
+#include <string>
+#include <vector>
+
+namespace mirodate {
+
+class ImportView : public ViewPage {
+public:
+    // The slice timer, and how long one slice of writing may take.
+    static constexpr UINT_PTR kSliceTimer = 60;
+    static constexpr UINT kSlicePeriod = 1;
+    static constexpr std::chrono::milliseconds kSliceBudget{40};
+    // How often the worker reading the file is looked at.
+    static constexpr UINT_PTR kReadTimer = 61;
+    static constexpr UINT kReadPeriod = 20;
+    // Height of the progress bar for a 240-pixel-wide screen.
+    static constexpr int kProgressHeight = 12;
+    static constexpr UINT kCmdAdd = 0x7F01;
+
+    enum class Phase { Reading, Ready, Writing, Done, Failed };
+
+    explicit ImportView(std::string path);
+    ~ImportView() override;
+
+    DateTime CurrentDate() const override;
+    void Reload() override;
+
+    // Starts writing the items (the "Add to calendar" button).
+    void AddToCalendar();
+    Phase GetPhase() const { return phase_; }
+    const std::vector<ImportItem>& Items() const { return items_; }
+    // Which items the store holds already (by index).
+    const std::vector<bool>& Existing() const { return existing_; }
+    int Written() const { return written_; }
+    int Failed() const { return failed_; }
+    // Called after every slice and at the end (the benchmark counts them).
+    void SetProgressObserver(std::function<void(int done, int total)> observer) {
+        progressObserver_ = std::move(observer);
+    }
+
+    void OnTimer(UINT_PTR id) override;
+    void OnPaint(HDC dc) override;
+    void OnRowTap(ViewRow& row, int x, int y) override;
+    void OnListHold(int index) override;
+
+protected:
+    std::vector<MenuBarEntry> MenuEntries() const override;
+    std::u16string Title() const override;
+    void OnMenuButton(const std::string& key) override;
+    void LayoutLists(const RECT& area) override;
+
+private:
+    void OnRead(IcsImport::Result result, IcsImport::Parsed parsed);
+    void WriteSlice();
+    void Finish();
+    RECT ProgressRect() const;
+    void ShowText(const std::u16string& text);
+
+    std::string path_;
+    Phase phase_ = Phase::Reading;
+    std::future<std::pair<IcsImport::Result, IcsImport::Parsed>> reading_;
+    std::vector<ImportItem> items_;
+    std::vector<bool> existing_;
+    int droppedAlarms_ = 0;
+    std::size_t next_ = 0;
+    int written_ = 0;
+    int failed_ = 0;
+    RECT listArea_{};
+    std::function<void(int, int)> progressObserver_;
+};
+
+} // namespace mirodate
