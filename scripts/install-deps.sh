@@ -12,6 +12,7 @@ PACKAGES=(
     libgtest-dev libgmock-dev libbenchmark-dev
     xvfb xdotool imagemagick
     khal libpcre2-dev
+    radicale vdirsyncer python3
 )
 
 missing=()
