@@ -21,6 +21,7 @@
 #include "ui/Shell.h"
 #include "ui/WinApi.h"
 #include "ui/WindowClasses.h"
+#include "views/ImportView.h"
 #include "views/ItemCommands.h"
 #include "views/PlatformHandoff.h"
 #include "views/ViewPage.h"
@@ -61,6 +62,7 @@ HWND MainWnd::Create(const std::u16string& commandLine) {
     LanguageTable::Instance().LoadFromSettings();
     minimizedBroadcast_ = RegisterWindowMessage(kMinimizedBroadcastName);
     dataChangedBroadcast_ = RegisterWindowMessage(kPoomDataChangedName);
+    bulkChangeMessage_ = RegisterWindowMessage(kBulkChangeMessageName);
     Shell::SetHideTaskBar(!Settings::GetShowWindowsTaskBar());
     ScreenBars::SetTopBarHeight(Scale(kTopBarHeight));
     ScreenBars::SetMenuBarHeight(SkinStyles::Current().menuBar.height);
@@ -243,8 +245,8 @@ void MainWnd::OnSyncEnded(SyncRunner::State state) {
 }
 
 void MainWnd::OnStoreNotification(UINT message, WPARAM wParam, LPARAM lParam) {
-    // Our own synchroniser run: its end reads everything again, once.
-    if (sync_.IsRunning() || syncSettling_) return;
+    // Our own synchroniser run or an import: its end reads everything again, once.
+    if (sync_.IsRunning() || syncSettling_ || bulkChange_) return;
     if (IsSynchronizing()) {
         // A burst of changes during a synchronisation ends in one reload.
         SetTimer(window, kSyncReloadTimer, kSyncReloadDelay);
@@ -308,6 +310,15 @@ LRESULT MainWnd::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPara
         PostMessage(HWND_BROADCAST, minimizedBroadcast_, 0, 0);
         if (!text.empty()) ProcessCommand(text);
         return 1;
+    }
+    if (message == bulkChangeMessage_ && bulkChangeMessage_ != 0) {
+        bulkChange_ = wParam != 0;
+        if (!bulkChange_) {
+            // The last change reports arrive within the settling time.
+            syncSettling_ = true;
+            SetTimer(window, kSyncSettleTimer, kSyncSettleDelay);
+        }
+        return 0;
     }
     if (IsStoreNotification(message)) {
         OnStoreNotification(message, wParam, lParam);

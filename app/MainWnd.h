@@ -127,6 +127,8 @@ private:
     bool syncSeen_ = false;
     SyncRunner sync_;
     bool syncSettling_ = false;
+    bool bulkChange_ = false; // an import writes many items
+    UINT bulkChangeMessage_ = 0;
     // The day list's last tapped or held item, and its guard.
     std::optional<PimItem> selectedItem_;
     double selectedDay_ = 0.0;

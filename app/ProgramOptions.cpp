@@ -35,9 +35,7 @@ bool ProgramOptions::Parse(const std::vector<std::string>& args, ProgramOptions&
             error = "option " + arg + " needs " + (count == 1 ? "a value" : std::to_string(count) + " values");
             return false;
         };
-        if (arg.rfind("--", 0) != 0 && IsCalendarFileName(arg) && options.importPath.empty()) {
-            options.importPath = arg;
-        } else if (arg.rfind("--", 0) != 0) {
+        if (arg.rfind("--", 0) != 0) {
             if (!commandLine.empty()) commandLine += ' ';
             commandLine += arg;
             options.arguments.push_back(arg);
@@ -109,6 +107,10 @@ bool ProgramOptions::Parse(const std::vector<std::string>& args, ProgramOptions&
         error = "--now needs --headless (a real window keeps the real time)";
         return false;
     }
+    // A calendar file alone ("mirodate invite.ics") is one to import; with a
+    // command word ("-f invite.ics") it belongs to the command.
+    if (options.importPath.empty() && options.arguments.size() == 1 && IsCalendarFileName(options.arguments[0]))
+        options.importPath = options.arguments[0];
     // A file to import is the command the window (or the running instance) acts on.
     if (!options.importPath.empty()) {
         std::error_code failed;

@@ -97,7 +97,8 @@ void ImportView::Reload() {
         SetTimer(window, kReadTimer, kReadPeriod);
         return;
     }
-    if (phase_ == Phase::Failed) return;
+    // While writing, the rows wait for the end: one fill, not one per file.
+    if (phase_ == Phase::Failed || phase_ == Phase::Writing) return;
     VdirSource* source = StoreSource();
     existing_.assign(items_.size(), false);
     BeginFill(list_);
@@ -158,6 +159,7 @@ void ImportView::AddToCalendar() {
     written_ = failed_ = 0;
     LayoutLists(listArea_);
     InvalidateRect(window, nullptr, false);
+    if (HWND owner = GetParent(window)) PostMessage(owner, RegisterWindowMessage(kBulkChangeMessageName), 1, 0);
     SetTimer(window, kSliceTimer, kSlicePeriod);
 }
 
@@ -187,6 +189,7 @@ void ImportView::WriteSlice() {
 void ImportView::Finish() {
     KillTimer(window, kSliceTimer);
     phase_ = Phase::Done;
+    if (HWND owner = GetParent(window)) PostMessage(owner, RegisterWindowMessage(kBulkChangeMessageName), 0, 0);
     LayoutLists(listArea_);
     Reload();
     std::u16string message = WithCount(Lang("ImportDone"), written_);

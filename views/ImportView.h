@@ -17,6 +17,11 @@
 
 namespace mirodate {
 
+// Sent to the page's owner when many items are about to change (wParam 1)
+// and when they have (wParam 0): the owner reads the store again once at
+// the end instead of once per item.
+constexpr const char* kBulkChangeMessageName = "MIRODATE_WM_BULK_CHANGE";
+
 class ImportView : public ViewPage {
 public:
     // The slice timer, and how long one slice of writing may take.

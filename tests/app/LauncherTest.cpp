@@ -90,7 +90,9 @@ TEST(Launcher, HandsTasksAndACalendarFileToTheRunningInstance) {
                              dir.File("l2.out"))),
               0);
     EXPECT_TRUE(WaitFor([&] {
-        return ReadAll(dir.File("first.out")).find("command \"calendar -d20270214\"") != std::string::npos;
+        // The running instance opens it in its import page.
+        return ReadAll(dir.File("first.out")).find("command \"--import " + dir.File("invite.ics") + "\"") !=
+               std::string::npos;
     }));
     kill(first, SIGTERM);
     EXPECT_EQ(WaitExit(first), 0);

@@ -146,8 +146,8 @@ protected:
             "    code, text = e.code, e.read()\n"
             "open(sys.argv[4], 'wb').write(text)\n"
             "print(code)\n";
-        std::ofstream(dir_ + "/http.py") << script;
-        const std::string command = "python3 " + dir_ + "/http.py " + method + " '" + url + "' " + in + " " + out;
+        std::ofstream(dir_ + "/davclient.py") << script;
+        const std::string command = "python3 " + dir_ + "/davclient.py " + method + " '" + url + "' " + in + " " + out;
         FILE* pipe = popen(command.c_str(), "r");
         if (!pipe) return -1;
         int code = -1;
@@ -365,7 +365,10 @@ TEST_F(SyncTest, ASynchroniserThatHangsIsStoppedAfterTheTimeLimit) {
     windows_->RunFor(1000 + MainWnd::kSyncPollPeriod);
     EXPECT_FALSE(main_->Sync().IsRunning());
     ASSERT_EQ(messages_.size(), 1u);
-    EXPECT_NE(messages_[0].find("5"), std::string::npos) << messages_[0];
+    // "... longer than 5 seconds ..."
+    std::u16string expected = Lang("SyncTimedOut");
+    if (const size_t at = expected.find(u"%s"); at != std::u16string::npos) expected.replace(at, 2, u"5");
+    EXPECT_EQ(messages_[0], Utf16ToUtf8(expected));
     EXPECT_EQ(main_->Sync().GetState(), SyncRunner::State::TimedOut);
     windows_->RunFor(MainWnd::kSyncSettleDelay);
     // A new run can start at once.
