@@ -19,6 +19,7 @@
 #include <cerrno>
 #include <cstring>
 #include <dirent.h>
+#include <filesystem>
 #include <fcntl.h>
 #include <set>
 #include <string_view>
@@ -713,70 +714,80 @@ bool VdirSource::HasUid(const std::string& uid) {
 }
 
 std::vector<SaveResult> VdirSource::ImportFiles(const std::vector<ImportFile>& files) {
-    std::lock_guard lock(mutex_);
     std::vector<SaveResult> results(files.size(), SaveResult::Failed);
     struct Pending {
         std::size_t index;
         int directory;
         std::string fileName;
         std::string temp;
-        bool replaces;
+        Entry replaced; // the entry whose file the item replaces
     };
     std::vector<Pending> pending;
-    std::set<std::string> taken; // file names of this batch
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        const ImportFile& file = files[i];
-        Pending item{i, DirectoryOfFolder(file.folder == kFolderTasks ? kFolderTasks : kFolderCalendar), "", "", false};
-        auto known = oidOfUid_.find(file.uid);
-        auto holder = known == oidOfUid_.end() ? byOid_.end() : byOid_.find(known->second);
-        if (holder != byOid_.end()) {
-            // The item is here already: its file takes the new version,
-            // unless someone changed it since we read it.
-            if (holder->second->folder == kFolderContacts) continue;
-            if (!StampMatches(*holder->second)) {
-                results[i] = SaveResult::ChangedOnDisk;
-                continue;
+    {
+        // Where each item goes, decided under the lock.
+        std::lock_guard lock(mutex_);
+        std::set<std::string> taken; // file names of this batch
+        for (std::size_t i = 0; i < files.size(); ++i) {
+            const ImportFile& file = files[i];
+            Pending item{i, DirectoryOfFolder(file.folder == kFolderTasks ? kFolderTasks : kFolderCalendar), "", "", {}};
+            auto known = oidOfUid_.find(file.uid);
+            auto holder = known == oidOfUid_.end() ? byOid_.end() : byOid_.find(known->second);
+            if (holder != byOid_.end()) {
+                // The item is here already: its file takes the new version.
+                if (holder->second->folder == kFolderContacts) continue;
+                item.directory = holder->second->directory;
+                item.fileName = holder->second->fileName;
+                item.replaced = holder->second;
+            } else {
+                item.fileName = ImportFileName(file.uid);
+                // Never over a file of another UID (or one we could not read).
+                for (int n = 1; files_.count(Key(item.directory, item.fileName)) || taken.count(item.fileName); ++n)
+                    item.fileName = ImportFileName(file.uid + "#" + std::to_string(n));
             }
-            item.directory = holder->second->directory;
-            item.fileName = holder->second->fileName;
-            item.replaces = true;
-        } else {
-            item.fileName = ImportFileName(file.uid);
-            // Never over a file of another UID (or one we could not read).
-            for (int n = 1; files_.count(Key(item.directory, item.fileName)) || taken.count(item.fileName); ++n)
-                item.fileName = ImportFileName(file.uid + "#" + std::to_string(n));
+            if (!taken.insert(item.fileName).second) continue; // the same UID twice in one batch
+            pending.push_back(std::move(item));
         }
-        if (!taken.insert(item.fileName).second) continue; // the same UID twice in one batch
+    }
+    // The data, written and synced without holding the store.
+    std::vector<Pending> written;
+    for (Pending& item : pending) {
         const std::string dir = DirectoryPath(item.directory);
         if (!Paths::MakeDirs(dir)) continue;
         item.temp = dir + "/." + item.fileName + ".tmp";
+        const std::string& text = files[item.index].text;
         const int fd = open(item.temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
         if (fd < 0) continue;
         std::size_t done = 0;
-        while (done < file.text.size()) {
-            const ssize_t n = write(fd, file.text.data() + done, file.text.size() - done);
+        while (done < text.size()) {
+            const ssize_t n = write(fd, text.data() + done, text.size() - done);
             if (n <= 0) break;
             done += static_cast<std::size_t>(n);
         }
-        if (close(fd) != 0 || done != file.text.size()) {
+        if (close(fd) != 0 || done != text.size()) {
             unlink(item.temp.c_str());
             continue;
         }
-        pending.push_back(std::move(item));
+        written.push_back(std::move(item));
     }
-    // One sync for the batch's data, then the renames.
-    if (!pending.empty()) {
-        const int dirFd = open(root_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        const bool synced = dirFd >= 0 && syncfs(dirFd) == 0;
-        if (dirFd >= 0) close(dirFd);
-        if (!synced) {
-            Log::Error("store: cannot sync the imported files: %s", std::strerror(errno));
-            for (const Pending& item : pending) unlink(item.temp.c_str());
-            return results;
-        }
+    if (written.empty()) return results;
+    const int rootFd = open(root_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const bool synced = rootFd >= 0 && syncfs(rootFd) == 0;
+    if (rootFd >= 0) close(rootFd);
+    if (!synced) {
+        Log::Error("store: cannot sync the imported files: %s", std::strerror(errno));
+        for (const Pending& item : written) unlink(item.temp.c_str());
+        return results;
     }
-    for (const Pending& item : pending) {
+    // Renamed into place under the lock, unless someone changed the file meanwhile.
+    std::lock_guard lock(mutex_);
+    for (const Pending& item : written) {
         const std::string target = DirectoryPath(item.directory) + "/" + item.fileName;
+        const std::string key = Key(item.directory, item.fileName);
+        if (item.replaced ? !StampMatches(*item.replaced) : std::filesystem::exists(target)) {
+            unlink(item.temp.c_str());
+            results[item.index] = SaveResult::ChangedOnDisk;
+            continue;
+        }
         if (rename(item.temp.c_str(), target.c_str()) != 0) {
             Log::Error("store: cannot write %s: %s", target.c_str(), std::strerror(errno));
             unlink(item.temp.c_str());
@@ -788,8 +799,8 @@ std::vector<SaveResult> VdirSource::ImportFiles(const std::vector<ImportFile>& f
         if (!entry->readable) continue;
         results[item.index] = SaveResult::Saved;
         if (watcher_.IsRunning())
-            pendingLocal_[Key(item.directory, item.fileName)] = {
-                item.replaces ? kMsgItemChangedLocal : kMsgItemCreatedLocal, entry->record.oid, entry->folder};
+            pendingLocal_[key] = {item.replaced ? kMsgItemChangedLocal : kMsgItemCreatedLocal, entry->record.oid,
+                                  entry->folder};
     }
     return results;
 }

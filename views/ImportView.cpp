@@ -57,7 +57,9 @@ ImportView::ImportView(std::string path) : ViewPage(SkinStyles::Current().agenda
 }
 
 ImportView::~ImportView() {
+    cancel_ = true;
     if (reading_.valid()) reading_.wait();
+    if (writing_.valid()) writing_.wait();
 }
 
 DateTime ImportView::CurrentDate() const { return DateTime::Today(); }
@@ -141,8 +143,8 @@ void ImportView::OnTimer(UINT_PTR id) {
         OnRead(result, std::move(parsed));
         return;
     }
-    if (id == kSliceTimer) {
-        WriteSlice();
+    if (id == kProgressTimer) {
+        OnProgress();
         return;
     }
     ViewPage::OnTimer(id);
@@ -155,39 +157,49 @@ void ImportView::OnMenuButton(const std::string& key) {
 void ImportView::AddToCalendar() {
     if (phase_ != Phase::Ready || items_.empty() || !StoreSource()) return;
     phase_ = Phase::Writing;
-    next_ = 0;
-    written_ = failed_ = 0;
+    progress_ = 0;
+    shownProgress_ = 0;
+    writtenSoFar_ = failedSoFar_ = 0;
     LayoutLists(listArea_);
     InvalidateRect(window, nullptr, false);
     if (HWND owner = GetParent(window)) PostMessage(owner, RegisterWindowMessage(kBulkChangeMessageName), 1, 0);
-    SetTimer(window, kSliceTimer, kSlicePeriod);
+    // items_ stays untouched by the window until the worker has ended.
+    writing_ = std::async(std::launch::async, [this] { WriteAll(); });
+    SetTimer(window, kProgressTimer, kProgressPeriod);
 }
 
-void ImportView::WriteSlice() {
+void ImportView::WriteAll() {
     VdirSource* source = StoreSource();
-    if (!source) {
-        Finish();
-        return;
+    std::vector<VdirSource::ImportFile> files;
+    for (std::size_t next = 0; source && next < items_.size() && !cancel_;) {
+        const std::size_t end = std::min(items_.size(), next + kBatchItems);
+        files.clear();
+        for (std::size_t i = next; i < end; ++i) files.push_back({items_[i].folder, items_[i].uid, items_[i].text});
+        for (SaveResult result : source->ImportFiles(files))
+            (result == SaveResult::Saved ? writtenSoFar_ : failedSoFar_)++;
+        next = end;
+        progress_ = next;
     }
-    // Batches grow while they stay well inside the slice's budget.
-    const auto begin = std::chrono::steady_clock::now();
-    std::size_t batch = 16;
-    while (next_ < items_.size() && std::chrono::steady_clock::now() - begin < kSliceBudget / 2) {
-        std::vector<VdirSource::ImportFile> files;
-        const std::size_t end = std::min(items_.size(), next_ + batch);
-        for (std::size_t i = next_; i < end; ++i) files.push_back({items_[i].folder, items_[i].uid, items_[i].text});
-        for (SaveResult result : source->ImportFiles(files)) (result == SaveResult::Saved ? written_ : failed_)++;
-        next_ = end;
-        batch *= 2;
+}
+
+void ImportView::OnProgress() {
+    const bool done = writing_.valid() && writing_.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+    const std::size_t progress = progress_;
+    if (progress != shownProgress_) {
+        shownProgress_ = progress;
+        const RECT bar = ProgressRect();
+        InvalidateRect(window, &bar, false);
+        if (progressObserver_) progressObserver_(static_cast<int>(progress), static_cast<int>(items_.size()));
     }
-    const RECT bar = ProgressRect();
-    InvalidateRect(window, &bar, false);
-    if (progressObserver_) progressObserver_(static_cast<int>(next_), static_cast<int>(items_.size()));
-    if (next_ >= items_.size()) Finish();
+    if (!done) return;
+    writing_.get();
+    written_ = writtenSoFar_;
+    failed_ = failedSoFar_ + static_cast<int>(items_.size() - std::min(items_.size(), progress_.load()));
+    Finish();
 }
 
 void ImportView::Finish() {
-    KillTimer(window, kSliceTimer);
+    KillTimer(window, kProgressTimer);
     phase_ = Phase::Done;
     if (HWND owner = GetParent(window)) PostMessage(owner, RegisterWindowMessage(kBulkChangeMessageName), 0, 0);
     LayoutLists(listArea_);
@@ -204,7 +216,7 @@ void ImportView::OnPaint(HDC dc) {
     const RECT bar = ProgressRect();
     dc->FillRect(bar, look_.separator);
     RECT done = bar;
-    done.right = bar.left + static_cast<int>(static_cast<long long>(bar.Width()) * next_ / items_.size());
+    done.right = bar.left + static_cast<int>(static_cast<long long>(bar.Width()) * shownProgress_ / items_.size());
     dc->FillRect(done, look_.selection);
 }
 

@@ -3,12 +3,13 @@
 // rows, and "Add to calendar", which writes each as a file of the store with
 // its UID and time zones kept. An item whose UID the store holds already is
 // marked "Update" and replaces the store's version instead of doubling it.
-// The file is read on a worker thread and written in slices on a timer, so
-// that the window keeps repainting (with a progress bar) through thousands
-// of items.
+// The file is read and written on worker threads in batches (one sync of
+// the disk per batch), and a timer moves the progress bar, so that the
+// window keeps repainting through thousands of items.
 #include "store/IcsImport.h"
 #include "views/ViewPage.h"
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <future>
@@ -24,10 +25,11 @@ constexpr const char* kBulkChangeMessageName = "MIRODATE_WM_BULK_CHANGE";
 
 class ImportView : public ViewPage {
 public:
-    // The slice timer, and how long one slice of writing may take.
-    static constexpr UINT_PTR kSliceTimer = 60;
-    static constexpr UINT kSlicePeriod = 1;
-    static constexpr std::chrono::milliseconds kSliceBudget{40};
+    // The timer that looks at the writing worker, and the items it writes
+    // per batch.
+    static constexpr UINT_PTR kProgressTimer = 60;
+    static constexpr UINT kProgressPeriod = 50;
+    static constexpr std::size_t kBatchItems = 250;
     // How often the worker reading the file is looked at.
     static constexpr UINT_PTR kReadTimer = 61;
     static constexpr UINT kReadPeriod = 20;
@@ -51,7 +53,7 @@ public:
     const std::vector<bool>& Existing() const { return existing_; }
     int Written() const { return written_; }
     int Failed() const { return failed_; }
-    // Called after every slice and at the end (the benchmark counts them).
+    // Called as the progress bar moves and at the end.
     void SetProgressObserver(std::function<void(int done, int total)> observer) {
         progressObserver_ = std::move(observer);
     }
@@ -69,7 +71,8 @@ protected:
 
 private:
     void OnRead(IcsImport::Result result, IcsImport::Parsed parsed);
-    void WriteSlice();
+    void WriteAll();
+    void OnProgress();
     void Finish();
     RECT ProgressRect() const;
     void ShowText(const std::u16string& text);
@@ -80,7 +83,12 @@ private:
     std::vector<ImportItem> items_;
     std::vector<bool> existing_;
     int droppedAlarms_ = 0;
-    std::size_t next_ = 0;
+    std::future<void> writing_;
+    std::atomic<std::size_t> progress_{0};
+    std::atomic<int> writtenSoFar_{0};
+    std::atomic<int> failedSoFar_{0};
+    std::atomic<bool> cancel_{false};
+    std::size_t shownProgress_ = 0;
     int written_ = 0;
     int failed_ = 0;
     RECT listArea_{};
