@@ -140,9 +140,9 @@ IcsImport::Result IcsImport::Parse(const std::string& text, Parsed& parsed) {
         item.folder = group.folder;
         icalcomponent* main = group.master ? group.master : group.components.front();
         if (const char* summary = icalcomponent_get_summary(main)) item.subject = Utf8ToUtf16(summary);
-        // Times are read within the new calendar, where their zones are.
-        icalcomponent* shown = icalcomponent_get_first_component(
-            out.get(), group.folder == kFolderTasks ? ICAL_VTODO_COMPONENT : ICAL_VEVENT_COMPONENT);
+        // Times are read in the file as given, whose zones are worked out
+        // once for all its items.
+        icalcomponent* shown = main;
         if (shown) {
             icaltimetype start = icalcomponent_get_dtstart(shown);
             if (icaltime_is_null_time(start) && group.folder == kFolderTasks) start = icalcomponent_get_due(shown);

@@ -721,6 +721,7 @@ std::vector<SaveResult> VdirSource::ImportFiles(const std::vector<ImportFile>& f
         std::string fileName;
         std::string temp;
         Entry replaced; // the entry whose file the item replaces
+        Entry entry;    // the new file, read
     };
     std::vector<Pending> pending;
     {
@@ -729,7 +730,7 @@ std::vector<SaveResult> VdirSource::ImportFiles(const std::vector<ImportFile>& f
         std::set<std::string> taken; // file names of this batch
         for (std::size_t i = 0; i < files.size(); ++i) {
             const ImportFile& file = files[i];
-            Pending item{i, DirectoryOfFolder(file.folder == kFolderTasks ? kFolderTasks : kFolderCalendar), "", "", {}};
+            Pending item{i, DirectoryOfFolder(file.folder == kFolderTasks ? kFolderTasks : kFolderCalendar), "", "", {}, {}};
             auto known = oidOfUid_.find(file.uid);
             auto holder = known == oidOfUid_.end() ? byOid_.end() : byOid_.find(known->second);
             if (holder != byOid_.end()) {
@@ -778,6 +779,13 @@ std::vector<SaveResult> VdirSource::ImportFiles(const std::vector<ImportFile>& f
         for (const Pending& item : written) unlink(item.temp.c_str());
         return results;
     }
+    // Read back without holding the store: a rename keeps size and time,
+    // so the entry stays true to the file once it is in place.
+    for (Pending& item : written) {
+        bool exists = false;
+        item.entry = std::make_shared<StoredItem>(ReadFile(item.directory, "." + item.fileName + ".tmp", exists));
+        item.entry->fileName = item.fileName;
+    }
     // Renamed into place under the lock, unless someone changed the file meanwhile.
     std::lock_guard lock(mutex_);
     for (const Pending& item : written) {
@@ -793,8 +801,7 @@ std::vector<SaveResult> VdirSource::ImportFiles(const std::vector<ImportFile>& f
             unlink(item.temp.c_str());
             continue;
         }
-        bool exists = false;
-        auto entry = std::make_shared<StoredItem>(ReadFile(item.directory, item.fileName, exists));
+        const Entry& entry = item.entry;
         Publish(entry);
         if (!entry->readable) continue;
         results[item.index] = SaveResult::Saved;
