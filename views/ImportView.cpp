@@ -10,9 +10,11 @@
 #include "ui/MessagePage.h"
 #include "ui/Scale.h"
 #include "ui/WinApi.h"
+#include "views/DayHeaderRow.h"
 #include "views/ItemRow.h"
 #include "views/MessageRow.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace mirodate {
@@ -105,11 +107,15 @@ void ImportView::Reload() {
     existing_.assign(items_.size(), false);
     BeginFill(list_);
     const std::u16string update = Lang("ImportUpdate");
+    double shownDay = -1.0;
     for (std::size_t i = 0; i < items_.size(); ++i) {
         existing_[i] = source && source->HasUid(items_[i].uid);
         const PimItem item = RowItem(items_[i]);
         const DateTime start(items_[i].start);
-        const double day = DateTime(start.GetYear(), start.GetMonth(), start.GetDay()).ToDate();
+        const double day = items_[i].start > 0 ? DateTime(start.GetYear(), start.GetMonth(), start.GetDay()).ToDate() : 0.0;
+        // The items of a day stand under its header, as in the agenda.
+        if (day > 0 && day != shownDay) list_.AddItem(std::make_unique<DayHeaderRow>(look_, day, u""));
+        shownDay = day;
         auto row = std::make_unique<ItemRow>(look_, item, day);
         if (existing_[i]) row->SetMark(update);
         list_.AddItem(std::move(row));
@@ -121,6 +127,10 @@ void ImportView::OnRead(IcsImport::Result result, IcsImport::Parsed parsed) {
     switch (result) {
     case IcsImport::Result::Ok:
         items_ = std::move(parsed.items);
+        // Shown by date like the agenda; items without one come last.
+        std::stable_sort(items_.begin(), items_.end(), [](const ImportItem& a, const ImportItem& b) {
+            return (a.start > 0 ? a.start : 1e9) < (b.start > 0 ? b.start : 1e9);
+        });
         droppedAlarms_ = parsed.droppedAlarms;
         phase_ = Phase::Ready;
         title_.SetLabel(Title());
