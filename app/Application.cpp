@@ -125,6 +125,11 @@ int Application::Run() {
 }
 
 void Application::OnCommand(const std::u16string& text) {
+    if (text.rfind(MainWnd::kImportCommand, 0) == 0) {
+        std::printf("mirodate: command \"%s\": import page\n", Utf16ToUtf8(text).c_str());
+        std::fflush(stdout);
+        return;
+    }
     const CommandRequest request = CommandRequest::Parse(text);
     std::printf("mirodate: command \"%s\": %s\n", Utf16ToUtf8(text).c_str(), DescribeRequest(request).c_str());
     std::fflush(stdout);
