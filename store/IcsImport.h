@@ -13,12 +13,12 @@ namespace mirodate {
 
 struct ImportItem {
     std::string uid;
-    int folder = 0;          // kFolderCalendar or kFolderTasks
+    int folder = 0; // kFolderCalendar or kFolderTasks
     std::u16string subject;
-    double start = 0.0;      // local DATE of DTSTART (DUE for a task), 0 when none
+    double start = 0.0; // local DATE of DTSTART (DUE for a task), 0 when none
     bool allDay = false;
     bool recurring = false;
-    std::string text;        // the item's own calendar file
+    std::string text; // the item's own calendar file
 };
 
 class IcsImport {

@@ -28,15 +28,18 @@ using namespace mirodate;
 using Steady = std::chrono::steady_clock;
 
 namespace {
-double Ms(Steady::duration d) { return std::chrono::duration<double, std::milli>(d).count(); }
+double Ms(Steady::duration d) {
+    return std::chrono::duration<double, std::milli>(d).count();
+}
 
 std::string MakeFile(int events, bool utc) {
-    std::string text = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//bench//EN\r\n"
-                       "BEGIN:VTIMEZONE\r\nTZID:Europe/Berlin\r\n"
-                       "BEGIN:DAYLIGHT\r\nTZOFFSETFROM:+0100\r\nTZOFFSETTO:+0200\r\nDTSTART:19700329T020000\r\n"
-                       "RRULE:FREQ=YEARLY;BYMONTH=3;BYDAY=-1SU\r\nEND:DAYLIGHT\r\n"
-                       "BEGIN:STANDARD\r\nTZOFFSETFROM:+0200\r\nTZOFFSETTO:+0100\r\nDTSTART:19701025T030000\r\n"
-                       "RRULE:FREQ=YEARLY;BYMONTH=10;BYDAY=-1SU\r\nEND:STANDARD\r\nEND:VTIMEZONE\r\n";
+    std::string text =
+        "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//bench//EN\r\n"
+        "BEGIN:VTIMEZONE\r\nTZID:Europe/Berlin\r\n"
+        "BEGIN:DAYLIGHT\r\nTZOFFSETFROM:+0100\r\nTZOFFSETTO:+0200\r\nDTSTART:19700329T020000\r\n"
+        "RRULE:FREQ=YEARLY;BYMONTH=3;BYDAY=-1SU\r\nEND:DAYLIGHT\r\n"
+        "BEGIN:STANDARD\r\nTZOFFSETFROM:+0200\r\nTZOFFSETTO:+0100\r\nDTSTART:19701025T030000\r\n"
+        "RRULE:FREQ=YEARLY;BYMONTH=10;BYDAY=-1SU\r\nEND:STANDARD\r\nEND:VTIMEZONE\r\n";
     char line[512];
     const char* zone = utc ? ":" : ";TZID=Europe/Berlin:";
     const char* suffix = utc ? "Z" : "";
@@ -59,11 +62,14 @@ int main(int argc, char** argv) {
     int events = 5000;
     bool utc = false;
     for (int i = 1; i < argc; ++i) {
-        if (i + 1 < argc && std::strcmp(argv[i], "--events") == 0) events = std::max(1, std::atoi(argv[i + 1]));
-        if (std::strcmp(argv[i], "--utc") == 0) utc = true;
+        if (i + 1 < argc && std::strcmp(argv[i], "--events") == 0)
+            events = std::max(1, std::atoi(argv[i + 1]));
+        if (std::strcmp(argv[i], "--utc") == 0)
+            utc = true;
     }
     char pattern[] = "/var/tmp/mirodate-bench-import-XXXXXX";
-    if (!mkdtemp(pattern)) return 1;
+    if (!mkdtemp(pattern))
+        return 1;
     const std::string dir = pattern;
     setenv("XDG_CACHE_HOME", (dir + "/cache").c_str(), 1);
     Settings::UseFile(dir + "/settings.conf");
@@ -122,10 +128,12 @@ int main(int argc, char** argv) {
         PimStore::Instance().Close();
     }
     std::filesystem::remove_all(dir);
-    std::printf("bench_import: %d events in one file, times %s\n", events, utc ? "in UTC" : "with TZID and VTIMEZONE");
-    std::printf("  reading the file and listing it      %8.1f ms   (longest gap meanwhile %.1f ms)\n", reading,
-                readingGap);
+    std::printf("bench_import: %d events in one file, times %s\n", events,
+                utc ? "in UTC" : "with TZID and VTIMEZONE");
+    std::printf("  reading the file and listing it      %8.1f ms   (longest gap meanwhile %.1f ms)\n",
+                reading, readingGap);
     std::printf("  import of %d items                 %8.1f ms   target < 3000 ms\n", written, writing);
-    std::printf("  longest gap between repaints         %8.1f ms   target <= 100 ms (while importing)\n", longestGap);
+    std::printf("  longest gap between repaints         %8.1f ms   target <= 100 ms (while importing)\n",
+                longestGap);
     return written == events ? 0 : 1;
 }

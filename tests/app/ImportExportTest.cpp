@@ -18,7 +18,8 @@ namespace {
 // As Google Calendar exports a calendar: its own zone definition, a weekly
 // series with one cancelled and one moved occurrence, an all-day event.
 constexpr const char* kGoogleExport =
-    "BEGIN:VCALENDAR\r\nPRODID:-//Google Inc//Google Calendar 70.9054//EN\r\nVERSION:2.0\r\nCALSCALE:GREGORIAN\r\n"
+    "BEGIN:VCALENDAR\r\nPRODID:-//Google Inc//Google Calendar "
+    "70.9054//EN\r\nVERSION:2.0\r\nCALSCALE:GREGORIAN\r\n"
     "METHOD:PUBLISH\r\nX-WR-CALNAME:Work\r\nX-WR-TIMEZONE:America/New_York\r\n"
     "BEGIN:VTIMEZONE\r\nTZID:America/New_York\r\nX-LIC-LOCATION:America/New_York\r\n"
     "BEGIN:DAYLIGHT\r\nTZOFFSETFROM:-0500\r\nTZOFFSETTO:-0400\r\nTZNAME:EDT\r\nDTSTART:19700308T020000\r\n"
@@ -67,17 +68,21 @@ protected:
         VdirSource source(root, options);
         EXPECT_TRUE(source.Logon());
         std::vector<VdirSource::ImportFile> files;
-        for (const ImportItem& item : parsed.items) files.push_back({item.folder, item.uid, item.text});
+        for (const ImportItem& item : parsed.items)
+            files.push_back({item.folder, item.uid, item.text});
         return source.ImportFiles(files);
     }
     // The binary's own output for a command line.
     std::string Run(const std::string& arguments) {
-        const std::string command = std::string(MIRODATE_BINARY_DIR) + "/mirodate " + arguments + " 2>/dev/null";
+        const std::string command =
+            std::string(MIRODATE_BINARY_DIR) + "/mirodate " + arguments + " 2>/dev/null";
         FILE* pipe = popen(command.c_str(), "r");
         std::string out;
         char buffer[4096];
-        while (pipe && std::fgets(buffer, sizeof buffer, pipe)) out += buffer;
-        if (pipe) pclose(pipe);
+        while (pipe && std::fgets(buffer, sizeof buffer, pipe))
+            out += buffer;
+        if (pipe)
+            pclose(pipe);
         return out;
     }
     std::map<std::string, std::string> Files(const std::string& folder) {
@@ -94,7 +99,8 @@ TEST_F(ImportExportTest, GoogleExportListsAsGoogleShowsItAndRoundTrips) {
     const std::string store = dir_.File("store");
     const auto results = Import(store, kGoogleExport);
     ASSERT_EQ(results.size(), 2u); // the series with its moved occurrence is one item
-    for (SaveResult result : results) EXPECT_EQ(result, SaveResult::Saved);
+    for (SaveResult result : results)
+        EXPECT_EQ(result, SaveResult::Saved);
     // The series keeps its UID as its file name and its zone as given.
     const std::string series = ReadAll(store + "/calendar/7kq1series@google.com.ics");
     EXPECT_NE(series.find("TZOFFSETFROM:-0500"), std::string::npos);
@@ -111,7 +117,7 @@ TEST_F(ImportExportTest, GoogleExportListsAsGoogleShowsItAndRoundTrips) {
     Run("--store " + store + " --export 2024-03-01 2024-04-30 " + exported);
     const std::string text = ReadAll(exported);
     EXPECT_EQ(text.rfind("BEGIN:VCALENDAR", 0), 0u);
-    EXPECT_EQ(text.find("BEGIN:VCALENDAR", 1), std::string::npos); // one calendar
+    EXPECT_EQ(text.find("BEGIN:VCALENDAR", 1), std::string::npos);          // one calendar
     EXPECT_EQ(text.find("BEGIN:VTIMEZONE"), text.rfind("BEGIN:VTIMEZONE")); // its zone once
     const std::string copy = dir_.File("copy");
     Import(copy, text);
@@ -119,7 +125,8 @@ TEST_F(ImportExportTest, GoogleExportListsAsGoogleShowsItAndRoundTrips) {
 }
 
 TEST_F(ImportExportTest, KhalReadsTheExport) {
-    if (std::system("command -v khal >/dev/null 2>&1") != 0) GTEST_SKIP() << "khal is not installed";
+    if (std::system("command -v khal >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "khal is not installed";
     const std::string store = dir_.File("store");
     Import(store, kGoogleExport);
     const std::string exported = dir_.File("export.ics");
@@ -134,8 +141,10 @@ TEST_F(ImportExportTest, KhalReadsTheExport) {
     FILE* pipe = popen((khal + "list 2024-03-18 1d 2>&1").c_str(), "r");
     std::string out;
     char buffer[512];
-    while (pipe && std::fgets(buffer, sizeof buffer, pipe)) out += buffer;
-    if (pipe) pclose(pipe);
+    while (pipe && std::fgets(buffer, sizeof buffer, pipe))
+        out += buffer;
+    if (pipe)
+        pclose(pipe);
     EXPECT_NE(out.find("16:00-16:30 Standup (moved)"), std::string::npos) << out;
 }
 
@@ -144,14 +153,17 @@ TEST_F(ImportExportTest, BadImportFiles) {
     EXPECT_EQ(IcsImport::Parse("From: someone\r\nSubject: lunch\r\n\r\nSee you!\r\n", parsed),
               IcsImport::Result::NotCalendar);
     EXPECT_EQ(IcsImport::Parse(std::string("\0\x01\x02", 3), parsed), IcsImport::Result::NotCalendar);
-    EXPECT_EQ(IcsImport::Parse("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nEND:VCALENDAR\r\n", parsed), IcsImport::Result::Empty);
+    EXPECT_EQ(IcsImport::Parse("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nEND:VCALENDAR\r\n", parsed),
+              IcsImport::Result::Empty);
     EXPECT_EQ(IcsImport::ReadFile(dir_.File("missing.ics"), parsed), IcsImport::Result::Unreadable);
 
     // 100,000 reminders on one event: the event comes in with a sane number.
-    std::string text = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VEVENT\r\nUID:alarms\r\nDTSTART:20240320T090000Z\r\n"
-                       "SUMMARY:Many reminders\r\n";
+    std::string text =
+        "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VEVENT\r\nUID:alarms\r\nDTSTART:20240320T090000Z\r\n"
+        "SUMMARY:Many reminders\r\n";
     for (int i = 0; i < 100000; ++i)
-        text += "BEGIN:VALARM\r\nACTION:DISPLAY\r\nTRIGGER:-PT" + std::to_string(i % 60 + 1) + "M\r\nEND:VALARM\r\n";
+        text += "BEGIN:VALARM\r\nACTION:DISPLAY\r\nTRIGGER:-PT" + std::to_string(i % 60 + 1) +
+                "M\r\nEND:VALARM\r\n";
     text += "END:VEVENT\r\nEND:VCALENDAR\r\n";
     ASSERT_EQ(IcsImport::Parse(text, parsed), IcsImport::Result::Ok);
     ASSERT_EQ(parsed.items.size(), 1u);
@@ -160,7 +172,8 @@ TEST_F(ImportExportTest, BadImportFiles) {
     const auto results = Import(store, text);
     ASSERT_EQ(results.size(), 1u);
     EXPECT_EQ(results[0], SaveResult::Saved);
-    EXPECT_EQ(Run("--store " + store + " --list 2024-03-20 2024-03-20"), "2024-03-20 10:00-10:00 Many reminders\n");
+    EXPECT_EQ(Run("--store " + store + " --list 2024-03-20 2024-03-20"),
+              "2024-03-20 10:00-10:00 Many reminders\n");
 }
 
 } // namespace

@@ -40,7 +40,8 @@ public:
         return Create(nullptr, "MIRODATE::SYNCCOUNTER", WS_POPUP, u"counter", 0, 0, 1, 1);
     }
     LRESULT WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override {
-        if (message == message_) ++reloads;
+        if (message == message_)
+            ++reloads;
         return BaseWnd::WindowProc(hwnd, message, wParam, lParam);
     }
 
@@ -79,7 +80,8 @@ std::string ReadAll(const std::string& path) {
 
 std::string Event(const std::string& uid, const std::string& summary, const std::string& stamp) {
     return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//test server//EN\r\nBEGIN:VEVENT\r\nUID:" + uid +
-           "\r\nDTSTAMP:" + stamp + "\r\nDTSTART:20240320T090000Z\r\nDTEND:20240320T100000Z\r\nSUMMARY:" + summary +
+           "\r\nDTSTAMP:" + stamp +
+           "\r\nDTSTART:20240320T090000Z\r\nDTEND:20240320T100000Z\r\nSUMMARY:" + summary +
            "\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
 }
 
@@ -98,7 +100,8 @@ protected:
         source_ = source.get();
         WindowManager* windows = windows_.get();
         ASSERT_TRUE(PimStore::Instance().Open(std::move(source), [this, windows](const PimNotification& n) {
-            if (HWND main = mainHwnd_.load()) windows->PostMessage(main, n.message, n.oid, n.folder);
+            if (HWND main = mainHwnd_.load())
+                windows->PostMessage(main, n.message, n.oid, n.folder);
         }));
         // Each message page is recorded and answered with its button.
         MessagePage::SetOpenObserver([this](MessagePage& page) {
@@ -127,7 +130,9 @@ protected:
     std::string Store() const { return dir_ + "/store"; }
     std::string Url() const { return "http://127.0.0.1:" + std::to_string(port_) + "/user/calendar/"; }
 
-    static bool HaveTools() { return ChildProcess::IsOnPath("radicale") && ChildProcess::IsOnPath("vdirsyncer"); }
+    static bool HaveTools() {
+        return ChildProcess::IsOnPath("radicale") && ChildProcess::IsOnPath("vdirsyncer");
+    }
 
     // An HTTP request through Python's standard library (Radicale brings
     // Python along); the answer's status, and its body in `body`.
@@ -147,27 +152,33 @@ protected:
             "open(sys.argv[4], 'wb').write(text)\n"
             "print(code)\n";
         std::ofstream(dir_ + "/davclient.py") << script;
-        const std::string command = "python3 " + dir_ + "/davclient.py " + method + " '" + url + "' " + in + " " + out;
+        const std::string command =
+            "python3 " + dir_ + "/davclient.py " + method + " '" + url + "' " + in + " " + out;
         FILE* pipe = popen(command.c_str(), "r");
-        if (!pipe) return -1;
+        if (!pipe)
+            return -1;
         int code = -1;
-        if (std::fscanf(pipe, "%d", &code) != 1) code = -1;
+        if (std::fscanf(pipe, "%d", &code) != 1)
+            code = -1;
         pclose(pipe);
-        if (body) *body = ReadAll(out);
+        if (body)
+            *body = ReadAll(out);
         return code;
     }
 
     void StartRadicale() {
         port_ = port_ ? port_ : FreePort();
-        std::ofstream(dir_ + "/radicale.conf") << "[server]\nhosts = 127.0.0.1:" << port_
-                                               << "\n[auth]\ntype = none\n[storage]\nfilesystem_folder = " << dir_
-                                               << "/radicale\n[logging]\nlevel = warning\n";
+        std::ofstream(dir_ + "/radicale.conf")
+            << "[server]\nhosts = 127.0.0.1:" << port_
+            << "\n[auth]\ntype = none\n[storage]\nfilesystem_folder = " << dir_
+            << "/radicale\n[logging]\nlevel = warning\n";
         ASSERT_TRUE(server_.Start({"radicale", "--config", dir_ + "/radicale.conf"}, dir_ + "/radicale.log"));
         WaitForPort();
     }
     void WaitForPort() {
         const auto deadline = std::chrono::steady_clock::now() + 15s;
-        while (!PortAnswers(port_) && std::chrono::steady_clock::now() < deadline) std::this_thread::sleep_for(50ms);
+        while (!PortAnswers(port_) && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::sleep_for(50ms);
         ASSERT_TRUE(PortAnswers(port_)) << ReadAll(dir_ + "/radicale.log");
     }
     // The example configuration of the README, pointed at this test's folders.
@@ -236,14 +247,16 @@ protected:
     std::string ServerFileOf(const std::string& uid) {
         std::error_code error;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(dir_ + "/radicale", error))
-            if (entry.path().extension() == ".ics" && ReadAll(entry.path()).find("UID:" + uid) != std::string::npos)
+            if (entry.path().extension() == ".ics" &&
+                ReadAll(entry.path()).find("UID:" + uid) != std::string::npos)
                 return entry.path().filename().string();
         return "";
     }
     int LocalFiles() {
         int count = 0;
         for (const auto& entry : std::filesystem::directory_iterator(Store() + "/calendar"))
-            if (entry.path().extension() == ".ics") ++count;
+            if (entry.path().extension() == ".ics")
+                ++count;
         return count;
     }
 
@@ -257,7 +270,8 @@ protected:
 };
 
 TEST_F(SyncTest, RoundTripsWithRadicaleAndReloadsOncePerRun) {
-    if (!HaveTools()) GTEST_SKIP() << "radicale or vdirsyncer is not installed (scripts/install-deps.sh installs them)";
+    if (!HaveTools())
+        GTEST_SKIP() << "radicale or vdirsyncer is not installed (scripts/install-deps.sh installs them)";
     StartRadicale();
     MakeCalendarOnServer();
     StartMain();
@@ -318,7 +332,8 @@ TEST_F(SyncTest, RoundTripsWithRadicaleAndReloadsOncePerRun) {
 }
 
 TEST_F(SyncTest, ServerErrorsAreShownAndNothingIsLost) {
-    if (!HaveTools()) GTEST_SKIP() << "radicale or vdirsyncer is not installed (scripts/install-deps.sh installs them)";
+    if (!HaveTools())
+        GTEST_SKIP() << "radicale or vdirsyncer is not installed (scripts/install-deps.sh installs them)";
     // A server that answers every request with 500.
     port_ = FreePort();
     std::ofstream(dir_ + "/broken.py")
@@ -367,7 +382,8 @@ TEST_F(SyncTest, ASynchroniserThatHangsIsStoppedAfterTheTimeLimit) {
     ASSERT_EQ(messages_.size(), 1u);
     // "... longer than 5 seconds ..."
     std::u16string expected = Lang("SyncTimedOut");
-    if (const size_t at = expected.find(u"%s"); at != std::u16string::npos) expected.replace(at, 2, u"5");
+    if (const size_t at = expected.find(u"%s"); at != std::u16string::npos)
+        expected.replace(at, 2, u"5");
     EXPECT_EQ(messages_[0], Utf16ToUtf8(expected));
     EXPECT_EQ(main_->Sync().GetState(), SyncRunner::State::TimedOut);
     windows_->RunFor(MainWnd::kSyncSettleDelay);

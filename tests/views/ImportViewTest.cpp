@@ -2,14 +2,14 @@
 // a file, "Add to calendar" tapped like a finger does, the "Update" mark on
 // items the store has, the progress bar while writing, and files that are
 // no calendar.
+#include "views/ImportView.h"
 #include "lang/LanguageTable.h"
 #include "store/IcsImport.h"
 #include "tests/views/ViewFixture.h"
-#include "views/ImportView.h"
-#include "views/ItemRow.h"
-#include "views/MessageRow.h"
 #include "tests/views/ViewRows.h"
 #include "ui/Scale.h"
+#include "views/ItemRow.h"
+#include "views/MessageRow.h"
 
 #include <chrono>
 #include <thread>
@@ -22,8 +22,8 @@ std::string Calendar(const std::string& events) {
 }
 
 std::string Event(const std::string& uid, const std::string& summary, const std::string& day) {
-    return "BEGIN:VEVENT\r\nUID:" + uid + "\r\nDTSTAMP:20240101T000000Z\r\nDTSTART:" + day + "T090000Z\r\nDTEND:" +
-           day + "T100000Z\r\nSUMMARY:" + summary + "\r\nEND:VEVENT\r\n";
+    return "BEGIN:VEVENT\r\nUID:" + uid + "\r\nDTSTAMP:20240101T000000Z\r\nDTSTART:" + day +
+           "T090000Z\r\nDTEND:" + day + "T100000Z\r\nSUMMARY:" + summary + "\r\nEND:VEVENT\r\n";
 }
 
 class ImportViewTest : public ViewFixture {
@@ -39,7 +39,8 @@ protected:
         view_ = std::make_unique<ImportView>(path);
         ASSERT_TRUE(view_->Open(nullptr));
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (view_->GetPhase() == ImportView::Phase::Reading && std::chrono::steady_clock::now() < deadline) {
+        while (view_->GetPhase() == ImportView::Phase::Reading &&
+               std::chrono::steady_clock::now() < deadline) {
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
             Wait(ImportView::kReadPeriod);
         }
@@ -54,7 +55,8 @@ protected:
     std::vector<ItemRow*> ItemRows() {
         std::vector<ItemRow*> rows;
         for (int i = 0; i < view_->List().ItemCount(); ++i)
-            if (auto* row = dynamic_cast<ItemRow*>(view_->List().Item(i))) rows.push_back(row);
+            if (auto* row = dynamic_cast<ItemRow*>(view_->List().Item(i)))
+                rows.push_back(row);
         return rows;
     }
     ItemRow* Row(int index) { return ItemRows().at(static_cast<std::size_t>(index)); }
@@ -75,7 +77,8 @@ protected:
     int CalendarFiles() {
         int count = 0;
         for (const auto& entry : std::filesystem::directory_iterator(Root() + "/calendar"))
-            if (entry.path().extension() == ".ics") ++count;
+            if (entry.path().extension() == ".ics")
+                ++count;
         return count;
     }
 
@@ -85,7 +88,8 @@ protected:
 TEST_F(ImportViewTest, AddsNewItemsAndUpdatesKnownOnesWithoutDoubling) {
     AddTimed("known-1", "Dentist", "20240320T090000Z", "20240320T100000Z");
     OpenStore();
-    OpenOn(Calendar(Event("known-1", "Dentist (new time)", "20240321") + Event("new-1", "Concert", "20240322") +
+    OpenOn(Calendar(Event("known-1", "Dentist (new time)", "20240321") +
+                    Event("new-1", "Concert", "20240322") +
                     "BEGIN:VTODO\r\nUID:task-1\r\nDTSTAMP:20240101T000000Z\r\nDUE;VALUE=DATE:20240325\r\n"
                     "SUMMARY:Pay rent\r\nEND:VTODO\r\n"));
     ASSERT_EQ(view_->GetPhase(), ImportView::Phase::Ready);
@@ -118,7 +122,8 @@ TEST_F(ImportViewTest, AddsNewItemsAndUpdatesKnownOnesWithoutDoubling) {
 TEST_F(ImportViewTest, ShowsProgressWhileWritingManyItems) {
     OpenStore();
     std::string events;
-    for (int i = 0; i < 750; ++i) events += Event("many-" + std::to_string(i), "Item " + std::to_string(i), "20240320");
+    for (int i = 0; i < 750; ++i)
+        events += Event("many-" + std::to_string(i), "Item " + std::to_string(i), "20240320");
     OpenOn(Calendar(events));
     ASSERT_EQ(view_->GetPhase(), ImportView::Phase::Ready);
     std::vector<int> progress;
