@@ -50,17 +50,8 @@ constexpr const char* kProductId = "-//Mirodate//Export//EN";
 } // namespace
 
 bool IcsExport::Standalone(const std::string& calendarText, std::string& out) {
-    IcalComponentPtr calendar(icalparser_parse_string(calendarText.c_str()));
-    if (!calendar || icalcomponent_isa(calendar.get()) != ICAL_VCALENDAR_COMPONENT) return false;
-    if (!AddMissingZones(calendar.get())) {
-        out = calendarText;
-        return true;
-    }
-    char* text = icalcomponent_as_ical_string_r(calendar.get());
-    if (!text) return false;
-    out = text;
-    icalmemory_free_buffer(text);
-    return true;
+    // One item is written as a calendar of one: the same writer as an export.
+    return Combine({calendarText}, out);
 }
 
 bool IcsExport::Combine(const std::vector<std::string>& calendarTexts, std::string& out) {

@@ -2,7 +2,8 @@
 // Turns an item's calendar file into one that stands on its own: every time
 // zone its times name (TZID=Europe/Berlin) gets its VTIMEZONE from the
 // system's zone data, so that a program on another device reads the same
-// times. What the file already holds is kept as it is.
+// times. Items and the zones a file already holds are kept as they are.
+// "Beam" (one item) and --export (the items of a range) write through here.
 #include <string>
 #include <vector>
 
