@@ -95,6 +95,7 @@ int Application::Run() {
         if (status != 0 || !options_.list) return status;
     }
     if (options_.list) return StoreCommands::List(options_);
+    if (options_.exportGiven) return StoreCommands::Export(options_);
     const std::u16string& commandLine = options_.commandLine;
 
     // "-f": the desktop's previous calendar or tasks program takes the
@@ -124,6 +125,11 @@ int Application::Run() {
 }
 
 void Application::OnCommand(const std::u16string& text) {
+    if (text.rfind(MainWnd::kImportCommand, 0) == 0) {
+        std::printf("mirodate: command \"%s\": import page\n", Utf16ToUtf8(text).c_str());
+        std::fflush(stdout);
+        return;
+    }
     const CommandRequest request = CommandRequest::Parse(text);
     std::printf("mirodate: command \"%s\": %s\n", Utf16ToUtf8(text).c_str(), DescribeRequest(request).c_str());
     std::fflush(stdout);

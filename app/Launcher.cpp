@@ -1,5 +1,8 @@
 #include "app/Launcher.h"
 
+#include <cstring>
+#include <filesystem>
+
 #include "app/Application.h"
 #include "platform/DesktopHandlers.h"
 #include "platform/InstanceServer.h"
@@ -78,11 +81,12 @@ std::u16string Launcher::CommandFor(const std::vector<std::string>& arguments) {
             file = argument;
     }
     std::string command = mode;
-    // Until files are imported, a calendar file opens the month of its first item.
-    if (mode == "calendar" && !file.empty()) {
-        const std::string date = FirstItemDate(file);
-        if (!date.empty())
-            command += " -d" + date;
+    // A calendar file that is there opens in the import page, which also
+    // tells the user when it is no calendar.
+    if (mode == "calendar" && !file.empty() && access(file.c_str(), F_OK) == 0) {
+        std::error_code error;
+        const std::filesystem::path absolute = std::filesystem::absolute(file, error);
+        return u"--import " + Utf8ToUtf16(error ? file : absolute.string());
     }
     return Utf8ToUtf16(command);
 }
@@ -134,6 +138,12 @@ int Launcher::Run(const Options& options) {
         argv.push_back(options.socketPath);
     }
     const std::string text = Utf16ToUtf8(command);
+    if (text.rfind("--import ", 0) == 0) {
+        // The path is one argument, blanks and all.
+        argv.push_back("--import");
+        argv.push_back(text.substr(std::strlen("--import ")));
+        return PlatformServices::Instance().RunProgram(argv) ? 0 : 1;
+    }
     for (size_t start = 0; start < text.size();) {
         const size_t end = std::min(text.find(' ', start), text.size());
         argv.push_back(text.substr(start, end - start));

@@ -10,14 +10,18 @@
 #include "platform/Log.h"
 #include "platform/Settings.h"
 #include "platform/TextUtil.h"
+#include "store/VdirSource.h"
 #include "skin/SkinLoader.h"
 #include "skin/SkinStyles.h"
 #include "ui/ContextMenu.h"
+#include "ui/MessagePage.h"
+#include "ui/RegisteredMessages.h"
 #include "ui/Scale.h"
 #include "ui/ScreenBars.h"
 #include "ui/Shell.h"
 #include "ui/WinApi.h"
 #include "ui/WindowClasses.h"
+#include "views/ImportView.h"
 #include "views/ItemCommands.h"
 #include "views/PlatformHandoff.h"
 #include "views/ViewPage.h"
@@ -42,6 +46,7 @@ MainWnd::~MainWnd() = default;
 HWND MainWnd::Create(const std::u16string& commandLine) {
     SkinLoader::Load(SkinStyles::Current(), IsHighResolution());
     LanguageTable::Instance().LoadFromSettings();
+    bulkChangeMessage_ = RegisterWindowMessage(kBulkChangeMessageName);
     Shell::SetHideTaskBar(!Settings::GetShowWindowsTaskBar());
     ScreenBars::SetTopBarHeight(Scale(kTopBarHeight));
     ScreenBars::SetMenuBarHeight(SkinStyles::Current().menuBar.height);
@@ -174,11 +179,67 @@ void MainWnd::Refresh(bool reload, int year, int month) {
 }
 
 bool MainWnd::IsSynchronizing() {
+    if (sync_.IsRunning() || syncSettling_) return true;
     PimSource* source = PimStore::Instance().Source();
     return source && source->IsSynchronizing();
 }
 
+namespace {
+std::string StoreRoot() {
+    auto* vdir = dynamic_cast<VdirSource*>(PimStore::Instance().Source());
+    return vdir ? vdir->Root() : std::string();
+}
+} // namespace
+
+bool MainWnd::CanSync() {
+    const std::string root = StoreRoot();
+    return !root.empty() && SyncRunner::IsAvailable(root);
+}
+
+bool MainWnd::StartSync() {
+    if (sync_.IsRunning() || syncSettling_) return false;
+    if (!sync_.Start(GetTickCount())) {
+        MessagePage::Tell(window, Lang("SyncCannotStart"));
+        return false;
+    }
+    // Our own run ends in one reload: the process-list watch is not needed.
+    KillTimer(window, kSyncWatchTimer);
+    syncSeen_ = false;
+    statusBar_.SetActivity(Lang("Syncing"));
+    SetTimer(window, kSyncPollTimer, kSyncPollPeriod);
+    return true;
+}
+
+void MainWnd::PollSync() {
+    const SyncRunner::State state = sync_.Poll(GetTickCount());
+    if (state == SyncRunner::State::Running) return;
+    KillTimer(window, kSyncPollTimer);
+    OnSyncEnded(state);
+}
+
+void MainWnd::OnSyncEnded(SyncRunner::State state) {
+    statusBar_.SetActivity(u"");
+    // Change reports still on their way are covered by the one reload.
+    KillTimer(window, kSyncReloadTimer);
+    syncSettling_ = true;
+    SetTimer(window, kSyncSettleTimer, kSyncSettleDelay);
+    if (state == SyncRunner::State::Succeeded) return;
+    std::u16string message;
+    if (state == SyncRunner::State::TimedOut) {
+        message = Lang("SyncTimedOut");
+        const size_t at = message.find(u"%s");
+        const std::u16string seconds = Utf8ToUtf16(std::to_string(sync_.TimeLimit() / 1000));
+        if (at != std::u16string::npos) message.replace(at, 2, seconds);
+    } else {
+        message = Lang("SyncFailed");
+        for (const std::string& line : sync_.LastLines()) message += u"\n" + Utf8ToUtf16(line);
+    }
+    MessagePage::Tell(window, message);
+}
+
 void MainWnd::OnItemNotification(const PimNotification& notification) {
+    // Our own synchroniser run or an import: its end reads everything again, once.
+    if (sync_.IsRunning() || syncSettling_ || bulkChange_) return;
     if (IsSynchronizing()) {
         // A burst of changes during a synchronisation ends in one reload.
         SetTimer(window, kSyncReloadTimer, kSyncReloadDelay);
@@ -204,6 +265,16 @@ void MainWnd::ReloadAfterSync() {
 }
 
 void MainWnd::OnTimer(UINT_PTR id) {
+    if (id == kSyncPollTimer) {
+        PollSync();
+        return;
+    }
+    if (id == kSyncSettleTimer) {
+        KillTimer(window, kSyncSettleTimer);
+        syncSettling_ = false;
+        ReloadAfterSync();
+        return;
+    }
     if (id == kSyncReloadTimer) {
         KillTimer(window, kSyncReloadTimer);
         ReloadAfterSync();
@@ -226,6 +297,19 @@ bool MainWnd::OnCommandText(const std::u16string& text) {
     // Reminders that came while the program was in the background.
     reminders_.BroughtToFront();
     return true;
+}
+
+LRESULT MainWnd::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == bulkChangeMessage_ && bulkChangeMessage_ != 0) {
+        bulkChange_ = wParam != 0;
+        if (!bulkChange_) {
+            // The last change reports arrive within the settling time.
+            syncSettling_ = true;
+            SetTimer(window, kSyncSettleTimer, kSyncSettleDelay);
+        }
+        return 0;
+    }
+    return DialogWnd::WindowProc(hwnd, message, wParam, lParam);
 }
 
 void MainWnd::OnClose() {
@@ -275,6 +359,7 @@ void MainWnd::OpenMainMenu() {
                                           {Lang("Config"), kCmdConfig},
                                           {Lang("About"), kCmdAbout},
                                           {Lang("Exit"), kCmdExit}};
+    if (CanSync()) items.insert(items.begin() + 4, {Lang("Sync"), kCmdSync});
     auto* menu = new ContextMenu(this, std::move(items), -1); // owns itself until chosen or closed
     menu->Open();
 }
@@ -366,6 +451,8 @@ void MainWnd::OnDeferredCommand(UINT id) {
         router_.OpenYearView(SelectedDate());
     } else if (id == kCmdQuickView) {
         router_.OpenQuickView();
+    } else if (id == kCmdSync) {
+        StartSync();
     } else if (id == kCmdConfig) {
         router_.OpenConfig(window);
     } else if (id == kCmdAbout) {
@@ -383,6 +470,12 @@ void MainWnd::OnDeferredCommand(UINT id) {
 
 HWND MainWnd::ProcessCommand(const std::u16string& text) {
     if (commandObserver_) commandObserver_(text);
+    // A calendar file to import (from the command line or the desktop's handler).
+    if (text.rfind(kImportCommand, 0) == 0) {
+        const std::u16string path = text.substr(std::char_traits<char16_t>::length(kImportCommand));
+        HWND page = path.empty() ? nullptr : router_.OpenImport(Utf16ToUtf8(path));
+        return page ? page : window;
+    }
     const CommandRequest request = CommandRequest::Parse(text);
     if (request.kind == CommandRequest::Kind::FirstRun) {
         std::string error;

@@ -8,6 +8,7 @@
 #include "app/ReminderService.h"
 #include "app/SplitDayList.h"
 #include "app/StatusBar.h"
+#include "app/SyncRunner.h"
 #include "app/ViewRouter.h"
 #include "ui/DialogWnd.h"
 #include "ui/MenuBar.h"
@@ -20,12 +21,20 @@ namespace mirodate {
 
 class MainWnd : public DialogWnd {
 public:
+    // The command text that opens a calendar file for import: this, then the path.
+    static constexpr const char16_t* kImportCommand = u"--import ";
     // Timer of the deferred reload while a synchroniser runs, and its delay.
     static constexpr UINT_PTR kSyncReloadTimer = 44;
     static constexpr UINT kSyncReloadDelay = 2000;
     // Looks for the end of a synchronisation while one was seen running.
     static constexpr UINT_PTR kSyncWatchTimer = 45;
     static constexpr UINT kSyncWatchPeriod = 1000;
+    // Looks at our own synchroniser run, and how long after its end the
+    // store's last change reports are left to arrive before the one reload.
+    static constexpr UINT_PTR kSyncPollTimer = 46;
+    static constexpr UINT kSyncPollPeriod = 200;
+    static constexpr UINT_PTR kSyncSettleTimer = 47;
+    static constexpr UINT kSyncSettleDelay = 300;
     // Share of the space between the bars that the grid takes in the split view.
     static constexpr int kSplitGridPercent = 58;
 
@@ -39,6 +48,7 @@ public:
     static constexpr UINT kCmdAbout = 0x7E06;
     static constexpr UINT kCmdYearView = 0x7E07;
     static constexpr UINT kCmdQuickView = 0x7E08;
+    static constexpr UINT kCmdSync = 0x7E09;
     static constexpr UINT kCmdMonthBase = 100;   // + month 1..12
     static constexpr UINT kCmdYearBase = 10000;  // + year
     // Years the year picker offers on each side of the shown one.
@@ -76,7 +86,13 @@ public:
     MenuBar& Menu() { return menuBar_; }
     ViewRouter& Router() { return router_; }
     ReminderService& Reminders() { return reminders_; }
+    SyncRunner& Sync() { return sync_; }
+    // Runs the synchroniser in the background ("Sync" in the menu).
+    bool StartSync();
+    // Whether "Sync" is offered: vdirsyncer and a configuration for the store.
+    static bool CanSync();
 
+    LRESULT WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override;
     void OnClose() override;
     void OnCommand(UINT id, UINT code, HWND control) override;
     LRESULT OnNotify(UINT_PTR id, NMHDR* header) override;
@@ -94,6 +110,8 @@ private:
     void StartReminders();
     void ReloadAfterSync();
     bool IsSynchronizing();
+    void PollSync();
+    void OnSyncEnded(SyncRunner::State state);
     void OpenMainMenu();
     void OpenMonthPicker();
     void OpenYearPicker();
@@ -114,6 +132,10 @@ private:
     bool splitView_;
     bool built_ = false;
     bool syncSeen_ = false;
+    SyncRunner sync_;
+    bool syncSettling_ = false;
+    bool bulkChange_ = false; // an import writes many items
+    UINT bulkChangeMessage_ = 0;
     // The day list's last tapped or held item, and its guard.
     std::optional<PimItem> selectedItem_;
     double selectedDay_ = 0.0;

@@ -3,7 +3,10 @@
 #include "data/DateTime.h"
 #include "platform/TextUtil.h"
 
+#include <cctype>
 #include <cstdio>
+#include <filesystem>
+#include <string_view>
 
 namespace mirodate {
 
@@ -11,6 +14,16 @@ namespace {
 // Screens outside these bounds are refused rather than allocated.
 constexpr int kMinScreenSide = 120;
 constexpr int kMaxScreenSide = 8192;
+
+// A bare argument naming a calendar file (FILE.ics) is a file to import.
+bool IsCalendarFileName(const std::string& arg) {
+    constexpr std::string_view kExtension = ".ics";
+    if (arg.size() <= kExtension.size()) return false;
+    for (std::size_t i = 0; i < kExtension.size(); ++i)
+        if (std::tolower(static_cast<unsigned char>(arg[arg.size() - kExtension.size() + i])) != kExtension[i])
+            return false;
+    return true;
+}
 } // namespace
 
 bool ProgramOptions::Parse(const std::vector<std::string>& args, ProgramOptions& options, std::string& error) {
@@ -71,6 +84,15 @@ bool ProgramOptions::Parse(const std::vector<std::string>& args, ProgramOptions&
             options.list = true;
             options.listFrom = args[++i];
             options.listTo = args[++i];
+        } else if (arg == "--import") {
+            if (!needValue(1)) return false;
+            options.importPath = args[++i];
+        } else if (arg == "--export") {
+            if (!needValue(3)) return false;
+            options.exportGiven = true;
+            options.exportFrom = args[++i];
+            options.exportTo = args[++i];
+            options.exportPath = args[++i];
         } else if (arg == "--verbose") {
             options.verbose = true;
         } else if (arg == "--socket") {
@@ -85,6 +107,16 @@ bool ProgramOptions::Parse(const std::vector<std::string>& args, ProgramOptions&
         error = "--now needs --headless (a real window keeps the real time)";
         return false;
     }
+    // A calendar file alone ("mirodate invite.ics") is one to import; with a
+    // command word ("-f invite.ics") it belongs to the command.
+    if (options.importPath.empty() && options.arguments.size() == 1 && IsCalendarFileName(options.arguments[0]))
+        options.importPath = options.arguments[0];
+    // A file to import is the command the window (or the running instance) acts on.
+    if (!options.importPath.empty()) {
+        std::error_code failed;
+        const std::filesystem::path absolute = std::filesystem::absolute(options.importPath, failed);
+        commandLine = "--import " + (failed ? options.importPath : absolute.string());
+    }
     options.commandLine = Utf8ToUtf16(commandLine);
     return true;
 }
@@ -92,7 +124,8 @@ bool ProgramOptions::Parse(const std::vector<std::string>& args, ProgramOptions&
 std::string ProgramOptions::Usage() {
     return "usage: mirodate [--store DIR] [--size WxH] [--headless] [--virtual-clock]\n"
            "                [--now YYYY-MM-DDTHH:MM] [--script FILE] [--screenshot PNG] [--demo]\n"
-           "                [--list FROM TO] [--verbose] [--socket PATH]\n"
+           "                [--list FROM TO] [--import FILE.ics] [--export FROM TO FILE.ics]\n"
+           "                [--verbose] [--socket PATH]\n"
            "                [command text, e.g. calendar -vd -d20091231]\n";
 }
 

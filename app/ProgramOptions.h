@@ -20,6 +20,11 @@ struct ProgramOptions {
     bool list = false;          // --list FROM TO
     std::string listFrom;
     std::string listTo;
+    std::string importPath;     // --import FILE, or a bare FILE.ics
+    bool exportGiven = false;   // --export FROM TO FILE
+    std::string exportFrom;
+    std::string exportTo;
+    std::string exportPath;
     bool verbose = false;       // --verbose
     std::string socketPath;     // --socket PATH (instance link; default under the runtime dir)
     std::u16string commandLine; // everything else, joined by single spaces

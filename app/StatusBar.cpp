@@ -94,6 +94,12 @@ void StatusBar::UpdateFont(int barHeight) {
     fontBarHeight_ = barHeight;
 }
 
+void StatusBar::SetActivity(const std::u16string& text) {
+    if (text == activity_) return;
+    activity_ = text;
+    if (window) InvalidateRect(window, nullptr, false);
+}
+
 void StatusBar::OnPaint(HDC dc) {
     RECT client;
     GetClientRect(window, &client);
@@ -115,7 +121,14 @@ void StatusBar::OnPaint(HDC dc) {
         dc->DrawText(text, rect, kFormat | align);
     };
     const int textLeft = signal ? Scale(34) : Scale(4);
-    drawText(operatorName, {textLeft, 0, client.Width() / 2, client.Height()}, DT_LEFT);
+    if (activity_.empty()) {
+        drawText(operatorName, {textLeft, 0, client.Width() / 2, client.Height()}, DT_LEFT);
+    } else {
+        // Work in the background ("Syncing") stands where the operator's name was,
+        // clear of the clock.
+        drawText(activity_, {textLeft, 0, client.Width() / 2 - Scale(kClockHalfWidth), client.Height()},
+                 DT_LEFT | DT_END_ELLIPSIS);
+    }
     drawText(clockText, client, DT_CENTER);
     dc->SelectFont(nullptr);
 

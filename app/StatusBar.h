@@ -40,6 +40,11 @@ public:
     HWND Create(HWND parent, int x, int y, int width, int height);
     // Reads clock, battery and signal again; repaints when anything changed.
     void Refresh();
+    // A short text of work that runs in the background; empty when none.
+    void SetActivity(const std::u16string& text);
+    const std::u16string& Activity() const { return activity_; }
+    // Half the clock's width at 240 pixels, which the activity text keeps clear of.
+    static constexpr int kClockHalfWidth = 22;
 
     // The meters' boxes for a bar of this size (before the battery's shrink).
     static RECT SignalBox(int width, int height);
@@ -65,6 +70,7 @@ private:
     std::unique_ptr<Font> font_;
     int fontBarHeight_ = 0;
     bool pressedInside_ = false;
+    std::u16string activity_;
 };
 
 } // namespace mirodate

@@ -6,9 +6,13 @@
 #include "platform/Settings.h"
 #include "platform/TextUtil.h"
 #include "store/DemoData.h"
+#include "store/IcsExport.h"
 #include "store/VdirSource.h"
 
 #include <cstdio>
+#include <fstream>
+#include <set>
+#include <unistd.h>
 #include <memory>
 #include <string>
 
@@ -97,6 +101,63 @@ int StoreCommands::List(const ProgramOptions& options) {
     }
     std::fwrite(out.data(), 1, out.size(), stdout);
     std::fflush(stdout);
+    return 0;
+}
+
+int StoreCommands::Export(const ProgramOptions& options) {
+    DateTime from, to;
+    if (!ParseIsoDate(options.exportFrom, from) || !ParseIsoDate(options.exportTo, to) || to < from ||
+        (to - from).GetDays() > kMaxListDays) {
+        std::fprintf(stderr, "mirodate: --export wants two dates as YYYY-MM-DD, the first not after the second, got \"%s\" \"%s\"\n",
+                     options.exportFrom.c_str(), options.exportTo.c_str());
+        return 2;
+    }
+    const std::string root = StoreRoot(options);
+    PimStore& store = PimStore::Instance();
+    if (!store.Open(std::make_unique<VdirSource>(root))) {
+        std::fprintf(stderr, "mirodate: cannot read the store at %s\n", root.c_str());
+        return 2;
+    }
+    // Every item of the range, unfiltered: an export is a copy, not a view.
+    store.SetFilters(u"", u"", false, false, false);
+    std::vector<PimItem> items;
+    store.QueryAppointments(from.GetYear(), from.GetMonth(), from.GetDay(), to.GetYear(), to.GetMonth(), to.GetDay(),
+                            items);
+    store.QueryTasks(from.GetYear(), from.GetMonth(), from.GetDay(), to.GetYear(), to.GetMonth(), to.GetDay(), items);
+    std::set<std::int32_t> seen;
+    std::vector<std::string> texts;
+    for (const PimItem& item : items) {
+        if (item.oid <= 0 || item.kind == PimItem::kBirthday || item.kind == PimItem::kAnniversary) continue;
+        if (!seen.insert(item.oid).second) continue;
+        const std::string path = store.Source()->ItemFilePath(item.oid);
+        std::ifstream file(path, std::ios::binary);
+        std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+        if (!text.empty()) texts.push_back(std::move(text));
+    }
+    std::string out;
+    if (!IcsExport::Combine(texts, out) && !texts.empty()) {
+        std::fprintf(stderr, "mirodate: the items could not be put together\n");
+        return 2;
+    }
+    if (texts.empty()) IcsExport::Combine({"BEGIN:VCALENDAR\r\nVERSION:2.0\r\nEND:VCALENDAR\r\n"}, out);
+    // Written beside the target and renamed: a reader never sees half a file.
+    const std::string temp = options.exportPath + ".part";
+    {
+        std::ofstream file(temp, std::ios::binary | std::ios::trunc);
+        file << out;
+        file.flush();
+        if (!file) {
+            unlink(temp.c_str());
+            std::fprintf(stderr, "mirodate: cannot write %s\n", options.exportPath.c_str());
+            return 2;
+        }
+    }
+    if (std::rename(temp.c_str(), options.exportPath.c_str()) != 0) {
+        unlink(temp.c_str());
+        std::fprintf(stderr, "mirodate: cannot write %s\n", options.exportPath.c_str());
+        return 2;
+    }
+    std::fprintf(stderr, "mirodate: wrote %zu items to %s\n", texts.size(), options.exportPath.c_str());
     return 0;
 }
 

@@ -11,6 +11,10 @@ public:
     static int List(const ProgramOptions& options);
     // --demo: fills an empty store with a demo month around today.
     static int Demo(const ProgramOptions& options);
+    // --export FROM TO FILE: one calendar file of the appointments and tasks
+    // of those days (each item once, with its time zones); 0, or 2 with a
+    // one-line error on stderr. FILE is written whole or not at all.
+    static int Export(const ProgramOptions& options);
 };
 
 } // namespace mirodate

@@ -15,6 +15,7 @@
 #include "views/AgendaView.h"
 #include "views/DayView.h"
 #include "views/ItemDetailView.h"
+#include "views/ImportView.h"
 #include "views/QuickView.h"
 #include "views/WeekView.h"
 #include "views/YearView.h"
@@ -89,6 +90,7 @@ void ViewRouter::OnPageClosed(ViewPage& page) {
         main_.PostDeferredCommand(kCmdPageClosed, day_.release());
     }
     if (&page == quick_.get()) main_.PostDeferredCommand(kCmdPageClosed, quick_.release());
+    if (&page == import_.get()) main_.PostDeferredCommand(kCmdPageClosed, import_.release());
     if (&page == tasks_.get()) main_.PostDeferredCommand(kCmdPageClosed, tasks_.release());
     if (&page == detail_.get()) main_.PostDeferredCommand(kCmdPageClosed, detail_.release());
     if (&page == agenda_.get() || &page == week_.get()) SetLastViewMode(0);
@@ -145,6 +147,17 @@ HWND ViewRouter::OpenYearView(const DateTime& date) {
         return nullptr;
     }
     return year_->GetHwnd();
+}
+
+HWND ViewRouter::OpenImport(const std::string& path) {
+    if (import_) import_->CloseView();
+    import_ = std::make_unique<ImportView>(path);
+    import_->SetCloseHandler([this](ViewPage& page) { OnPageClosed(page); });
+    if (!import_->Open(main_.GetHwnd())) {
+        import_.reset();
+        return nullptr;
+    }
+    return import_->GetHwnd();
 }
 
 HWND ViewRouter::OpenQuickView() {

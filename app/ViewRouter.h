@@ -19,6 +19,7 @@ class AgendaView;
 class AppointmentEditor;
 class DayView;
 class QuickView;
+class ImportView;
 class YearView;
 class SearchView;
 class TasksView;
@@ -55,6 +56,9 @@ public:
     HWND OpenYearView(const DateTime& date) override;
     HWND OpenQuickView() override;
     HWND MainWindow() override;
+    // The page of a calendar file to import (one at a time).
+    HWND OpenImport(const std::string& path);
+    ImportView* Import() { return import_.get(); }
     YearView* Year() { return year_.get(); }
     QuickView* Quick() { return quick_.get(); }
 
@@ -102,6 +106,7 @@ private:
     std::unique_ptr<TasksView> tasks_;
     std::unique_ptr<SearchView> search_; // kept once made
     std::unique_ptr<AppointmentEditor> editor_; // deleted from the loop once closed
+    std::unique_ptr<ImportView> import_;
 };
 
 } // namespace mirodate

@@ -11,11 +11,12 @@ function(mirodate_library name)
     target_link_libraries(mirodate_${name} PUBLIC ${ARG_DEPS})
 endfunction()
 
-# mirodate_test(<folder> [DEPS <targets>...])
+# mirodate_test(<folder> [DEPS <targets>...] [LOCK <resource>])
 # One GoogleTest executable test_<folder> from every .cpp of the calling
-# folder, registered with ctest test by test.
+# folder, registered with ctest test by test. Tests that share a LOCK never
+# run at the same time.
 function(mirodate_test folder)
-    cmake_parse_arguments(ARG "" "" "DEPS" ${ARGN})
+    cmake_parse_arguments(ARG "" "LOCK" "DEPS" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
     if(NOT sources)
         return()
@@ -26,6 +27,9 @@ function(mirodate_test folder)
     target_compile_definitions(test_${folder} PRIVATE
         MIRODATE_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
         MIRODATE_BINARY_DIR="${PROJECT_BINARY_DIR}")
-    gtest_discover_tests(test_${folder} DISCOVERY_MODE PRE_TEST
-        PROPERTIES ENVIRONMENT "MIRODATE_BIN=${PROJECT_BINARY_DIR}/mirodate")
+    set(properties ENVIRONMENT "MIRODATE_BIN=${PROJECT_BINARY_DIR}/mirodate")
+    if(ARG_LOCK)
+        list(APPEND properties RESOURCE_LOCK ${ARG_LOCK})
+    endif()
+    gtest_discover_tests(test_${folder} DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
 endfunction()

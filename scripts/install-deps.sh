@@ -13,6 +13,7 @@ PACKAGES=(
     xvfb xdotool imagemagick
     khal libpcre2-dev
     libnotify-dev dbus-daemon dbus-bin dunst
+    radicale vdirsyncer python3
 )
 
 missing=()

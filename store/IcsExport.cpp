@@ -24,11 +24,11 @@ void CollectZoneIds(icalcomponent* component, std::set<std::string>& used, std::
 }
 } // namespace
 
-bool IcsExport::Standalone(const std::string& calendarText, std::string& out) {
-    IcalComponentPtr calendar(icalparser_parse_string(calendarText.c_str()));
-    if (!calendar || icalcomponent_isa(calendar.get()) != ICAL_VCALENDAR_COMPONENT) return false;
+namespace {
+// Adds the system's definition of every zone `calendar` names but lacks.
+bool AddMissingZones(icalcomponent* calendar) {
     std::set<std::string> used, defined;
-    CollectZoneIds(calendar.get(), used, defined);
+    CollectZoneIds(calendar, used, defined);
     bool added = false;
     for (const std::string& id : used) {
         if (defined.count(id)) continue;
@@ -40,14 +40,48 @@ bool IcsExport::Standalone(const std::string& calendarText, std::string& out) {
         // The zone keeps the plain name the times use, not libical's prefixed one.
         if (icalproperty* tzid = icalcomponent_get_first_property(copy, ICAL_TZID_PROPERTY))
             icalproperty_set_tzid(tzid, id.c_str());
-        icalcomponent_add_component(calendar.get(), copy);
+        icalcomponent_add_component(calendar, copy);
         added = true;
     }
-    if (!added) {
-        out = calendarText;
-        return true;
+    return added;
+}
+
+constexpr const char* kProductId = "-//Mirodate//Export//EN";
+} // namespace
+
+bool IcsExport::Standalone(const std::string& calendarText, std::string& out) {
+    // One item is written as a calendar of one: the same writer as an export.
+    return Combine({calendarText}, out);
+}
+
+bool IcsExport::Combine(const std::vector<std::string>& calendarTexts, std::string& out) {
+    IcalComponentPtr combined(icalcomponent_new(ICAL_VCALENDAR_COMPONENT));
+    icalcomponent_add_property(combined.get(), icalproperty_new_version("2.0"));
+    icalcomponent_add_property(combined.get(), icalproperty_new_prodid(kProductId));
+    std::set<std::string> zones;
+    bool any = false;
+    for (const std::string& text : calendarTexts) {
+        IcalComponentPtr calendar(icalparser_parse_string(text.c_str()));
+        if (!calendar || icalcomponent_isa(calendar.get()) != ICAL_VCALENDAR_COMPONENT) continue;
+        any = true;
+        // Components are moved over; the emptied calendar is freed.
+        std::vector<icalcomponent*> children;
+        for (icalcomponent* c = icalcomponent_get_first_component(calendar.get(), ICAL_ANY_COMPONENT); c;
+             c = icalcomponent_get_next_component(calendar.get(), ICAL_ANY_COMPONENT))
+            children.push_back(c);
+        for (icalcomponent* c : children) {
+            if (icalcomponent_isa(c) == ICAL_VTIMEZONE_COMPONENT) {
+                icalproperty* id = icalcomponent_get_first_property(c, ICAL_TZID_PROPERTY);
+                const char* name = id ? icalproperty_get_tzid(id) : nullptr;
+                if (!name || !zones.insert(name).second) continue;
+            }
+            icalcomponent_remove_component(calendar.get(), c);
+            icalcomponent_add_component(combined.get(), c);
+        }
     }
-    char* text = icalcomponent_as_ical_string_r(calendar.get());
+    if (!any) return false;
+    AddMissingZones(combined.get());
+    char* text = icalcomponent_as_ical_string_r(combined.get());
     if (!text) return false;
     out = text;
     icalmemory_free_buffer(text);

@@ -16,9 +16,12 @@
 #include "store/VdirFolder.h"
 
 #include <algorithm>
+#include <cctype>
+#include <cstdio>
 #include <cerrno>
 #include <cstring>
 #include <dirent.h>
+#include <filesystem>
 #include <fcntl.h>
 #include <set>
 #include <string_view>
@@ -778,6 +781,126 @@ SaveResult VdirSource::SnoozeReminder(const Reminder& reminder, double now, doub
     return RewriteItem(reminder.oid, [&](std::string_view existing, std::string& out) {
         return IcsAlarms::Snooze(existing, reminder, now, until, out);
     });
+}
+
+namespace {
+// A UID makes the file name when it is a plain one; otherwise its hash does.
+constexpr std::size_t kMaxUidFileName = 120;
+
+std::string ImportFileName(const std::string& uid) {
+    bool plain = !uid.empty() && uid.size() <= kMaxUidFileName && uid[0] != '.';
+    for (char c : uid)
+        if (!std::isalnum(static_cast<unsigned char>(c)) && c != '-' && c != '_' && c != '.' && c != '@') plain = false;
+    if (plain) return uid + ".ics";
+    char name[32];
+    std::snprintf(name, sizeof name, "import-%08x.ics", static_cast<unsigned>(VdirSource::HashUid(uid)));
+    return name;
+}
+} // namespace
+
+bool VdirSource::HasUid(const std::string& uid) {
+    std::lock_guard lock(mutex_);
+    auto known = oidOfUid_.find(uid);
+    return known != oidOfUid_.end() && byOid_.count(known->second);
+}
+
+std::vector<SaveResult> VdirSource::ImportFiles(const std::vector<ImportFile>& files) {
+    std::vector<SaveResult> results(files.size(), SaveResult::Failed);
+    struct Pending {
+        std::size_t index;
+        int directory;
+        std::string fileName;
+        std::string temp;
+        Entry replaced; // the entry whose file the item replaces
+        Entry entry;    // the new file, read
+    };
+    std::vector<Pending> pending;
+    {
+        // Where each item goes, decided under the lock.
+        std::lock_guard lock(mutex_);
+        std::set<std::string> taken; // file names of this batch
+        for (std::size_t i = 0; i < files.size(); ++i) {
+            const ImportFile& file = files[i];
+            Pending item{i, DirectoryOfFolder(file.folder == kFolderTasks ? kFolderTasks : kFolderCalendar), "", "", {}, {}};
+            auto known = oidOfUid_.find(file.uid);
+            auto holder = known == oidOfUid_.end() ? byOid_.end() : byOid_.find(known->second);
+            if (holder != byOid_.end()) {
+                // The item is here already: its file takes the new version.
+                if (holder->second->folder == kFolderContacts) continue;
+                item.directory = holder->second->directory;
+                item.fileName = holder->second->fileName;
+                item.replaced = holder->second;
+            } else {
+                item.fileName = ImportFileName(file.uid);
+                // Never over a file of another UID (or one we could not read).
+                for (int n = 1; files_.count(Key(item.directory, item.fileName)) || taken.count(item.fileName); ++n)
+                    item.fileName = ImportFileName(file.uid + "#" + std::to_string(n));
+            }
+            if (!taken.insert(item.fileName).second) continue; // the same UID twice in one batch
+            pending.push_back(std::move(item));
+        }
+    }
+    // The data, written and synced without holding the store.
+    std::vector<Pending> written;
+    for (Pending& item : pending) {
+        const std::string dir = DirectoryPath(item.directory);
+        if (!Paths::MakeDirs(dir)) continue;
+        item.temp = dir + "/." + item.fileName + ".tmp";
+        const std::string& text = files[item.index].text;
+        const int fd = open(item.temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+        if (fd < 0) continue;
+        std::size_t done = 0;
+        while (done < text.size()) {
+            const ssize_t n = write(fd, text.data() + done, text.size() - done);
+            if (n <= 0) break;
+            done += static_cast<std::size_t>(n);
+        }
+        if (close(fd) != 0 || done != text.size()) {
+            unlink(item.temp.c_str());
+            continue;
+        }
+        written.push_back(std::move(item));
+    }
+    if (written.empty()) return results;
+    const int rootFd = open(root_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const bool synced = rootFd >= 0 && syncfs(rootFd) == 0;
+    if (rootFd >= 0) close(rootFd);
+    if (!synced) {
+        Log::Error("store: cannot sync the imported files: %s", std::strerror(errno));
+        for (const Pending& item : written) unlink(item.temp.c_str());
+        return results;
+    }
+    // Read back without holding the store: a rename keeps size and time,
+    // so the entry stays true to the file once it is in place.
+    for (Pending& item : written) {
+        bool exists = false;
+        item.entry = std::make_shared<StoredItem>(ReadFile(item.directory, "." + item.fileName + ".tmp", exists));
+        item.entry->fileName = item.fileName;
+    }
+    // Renamed into place under the lock, unless someone changed the file meanwhile.
+    std::lock_guard lock(mutex_);
+    for (const Pending& item : written) {
+        const std::string target = DirectoryPath(item.directory) + "/" + item.fileName;
+        const std::string key = Key(item.directory, item.fileName);
+        if (item.replaced ? !StampMatches(*item.replaced) : std::filesystem::exists(target)) {
+            unlink(item.temp.c_str());
+            results[item.index] = SaveResult::ChangedOnDisk;
+            continue;
+        }
+        if (rename(item.temp.c_str(), target.c_str()) != 0) {
+            Log::Error("store: cannot write %s: %s", target.c_str(), std::strerror(errno));
+            unlink(item.temp.c_str());
+            continue;
+        }
+        const Entry& entry = item.entry;
+        Publish(entry);
+        if (!entry->readable) continue;
+        results[item.index] = SaveResult::Saved;
+        if (watcher_.IsRunning())
+            pendingLocal_[key] = {item.replaced ? kMsgItemChangedLocal : kMsgItemCreatedLocal, entry->record.oid,
+                                  entry->folder};
+    }
+    return results;
 }
 
 } // namespace mirodate

@@ -63,6 +63,19 @@ public:
     SaveResult SnoozeReminder(const Reminder& reminder, double now, double until) override;
 
     const std::string& Root() const { return root_; }
+
+    // An item brought in from a calendar file elsewhere (see IcsImport).
+    struct ImportFile {
+        int folder = 0; // kFolderCalendar or kFolderTasks
+        std::string uid;
+        std::string text;
+    };
+    // Writes imported items: each over the file that holds its UID, or as a
+    // new file named after it. A batch's data reaches the disk with one sync
+    // before any of its files is renamed into place, so an interrupted
+    // import leaves whole files or none. Returns a result per item.
+    std::vector<SaveResult> ImportFiles(const std::vector<ImportFile>& files);
+    bool HasUid(const std::string& uid);
     std::string FilePath(std::int32_t oid);
     int GetItemCount();
 

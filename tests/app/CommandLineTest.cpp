@@ -149,4 +149,29 @@ TEST(ProgramOptions, SplitsOwnOptionsFromTheCommandText) {
     EXPECT_FALSE(ProgramOptions::Parse({"--list", "2020-01-01"}, bad, error));
     EXPECT_FALSE(ProgramOptions::Parse({"--frobnicate"}, bad, error));
     EXPECT_NE(error.find("--frobnicate"), std::string::npos);
+    EXPECT_FALSE(ProgramOptions::Parse({"--export", "2024-01-01", "2024-01-31"}, bad, error));
+    EXPECT_FALSE(ProgramOptions::Parse({"--import"}, bad, error));
+}
+
+TEST(ProgramOptions, CalendarFilesAreImportedUnlessACommandTakesThem) {
+    ProgramOptions options;
+    std::string error;
+    ASSERT_TRUE(ProgramOptions::Parse({"--store", "/tmp/s", "/home/me/Invite.ICS"}, options, error));
+    EXPECT_EQ(options.importPath, "/home/me/Invite.ICS");
+    EXPECT_EQ(options.commandLine, u"--import /home/me/Invite.ICS");
+    // A relative name is made absolute: a running instance elsewhere opens it.
+    ProgramOptions relative;
+    ASSERT_TRUE(ProgramOptions::Parse({"--import", "with blank.ics"}, relative, error));
+    EXPECT_EQ(relative.commandLine.rfind(u"--import /", 0), 0u);
+    EXPECT_NE(relative.commandLine.find(u"with blank.ics"), std::u16string::npos);
+    // "-f FILE" hands the file to the previous calendar program.
+    ProgramOptions handed;
+    ASSERT_TRUE(ProgramOptions::Parse({"-f", "invite.ics"}, handed, error));
+    EXPECT_TRUE(handed.importPath.empty());
+    EXPECT_EQ(handed.commandLine, u"-f invite.ics");
+    ProgramOptions exported;
+    ASSERT_TRUE(ProgramOptions::Parse({"--export", "2024-01-01", "2024-01-31", "out.ics"}, exported, error));
+    EXPECT_TRUE(exported.exportGiven);
+    EXPECT_EQ(exported.exportPath, "out.ics");
+    EXPECT_TRUE(exported.importPath.empty());
 }

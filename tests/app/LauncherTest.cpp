@@ -2,6 +2,7 @@
 // month to a running headless instance, and reads dates of files that are
 // no calendars without harm.
 #include "app/Launcher.h"
+#include "platform/TextUtil.h"
 #include "platform/DefaultApps.h"
 #include "platform/InstanceClient.h"
 #include "platform/Settings.h"
@@ -89,7 +90,9 @@ TEST(Launcher, HandsTasksAndACalendarFileToTheRunningInstance) {
                              dir.File("l2.out"))),
               0);
     EXPECT_TRUE(WaitFor([&] {
-        return ReadAll(dir.File("first.out")).find("command \"calendar -d20270214\"") != std::string::npos;
+        // The running instance opens it in its import page.
+        return ReadAll(dir.File("first.out")).find("command \"--import " + dir.File("invite.ics") + "\"") !=
+               std::string::npos;
     }));
     kill(first, SIGTERM);
     EXPECT_EQ(WaitExit(first), 0);
@@ -136,9 +139,9 @@ TEST(Launcher, CommandsForFilesThatAreNoCalendars) {
     std::ofstream(dir.File("bad.ics")) << "DTSTART:20261399\n";
     std::ofstream(dir.File("date.ics")) << "BEGIN:VEVENT\nDTSTART;VALUE=DATE:20261123\n";
     EXPECT_EQ(Launcher::CommandFor({"calendar", dir.File("missing.ics")}), u"calendar");
-    EXPECT_EQ(Launcher::CommandFor({"calendar", dir.File("binary.ics")}), u"calendar");
-    EXPECT_EQ(Launcher::CommandFor({"calendar", dir.File("bad.ics")}), u"calendar");
-    EXPECT_EQ(Launcher::CommandFor({dir.File("date.ics")}), u"calendar -d20261123");
+    // A file that is there goes to the import page, which judges it.
+    EXPECT_EQ(Launcher::CommandFor({"calendar", dir.File("binary.ics")}), u"--import " + Utf8ToUtf16(dir.File("binary.ics")));
+    EXPECT_EQ(Launcher::CommandFor({dir.File("date.ics")}), u"--import " + Utf8ToUtf16(dir.File("date.ics")));
     EXPECT_EQ(Launcher::CommandFor({"tasks", dir.File("date.ics")}), u"tasks");
     Launcher::Options options;
     std::string error;
