@@ -61,7 +61,7 @@ AppointmentSaver::Outcome AppointmentSaver::Save(HWND owner, AppointmentDraft& d
 
     // A series whose pattern the user did not change keeps its rule as
     // written: the store compares the pattern with the one it read.
-    const PimRecord record = draft.Record();
+    PimRecord record = draft.Record();
     const SaveResult result = draft.GetMode() == AppointmentDraft::Mode::Occurrence
                                   ? source->SaveOccurrence(oid, draft.OccurrenceStart(), &record)
                                   : source->Save(record, kFolderCalendar);

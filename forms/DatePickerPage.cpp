@@ -25,8 +25,8 @@ std::function<void(DatePickerPage&)>& OpenObserver() {
 
 DateTime ClampPickerDate(const DateTime& value) {
     if (!value.IsValid()) return DateTime::Today();
-    const DateTime first(MonthGridWnd::kMinYear, 1, 1);
-    const DateTime last(MonthGridWnd::kMaxYear, 12, 31, 23, 59, 59);
+    const DateTime first(DatePickerGrid::kMinYear, 1, 1);
+    const DateTime last(DatePickerGrid::kMaxYear, 12, 31, 23, 59, 59);
     if (value < first) return first;
     if (value > last) return last;
     return value;
@@ -105,7 +105,7 @@ void DatePickerPage::OnPaint(HDC dc) {
 void DatePickerPage::OnCommand(UINT id, UINT code, HWND control) {
     if (chrome_.IsOk(control)) Accept();
     else if (chrome_.IsCancel(control)) Cancel();
-    else if (id == kGridId && code == MonthGridWnd::kChanged) FromGrid();
+    else if (id == kGridId && code == DatePickerGrid::kChanged) FromGrid();
 }
 
 void DatePickerPage::OnKeyDown(UINT key, UINT) {

@@ -4,7 +4,7 @@
 // the arrow keys choose the day, Enter is OK and Escape Cancel. Days stay
 // within 1900..2100. Returns nothing when the user cancels.
 #include "data/DateTime.h"
-#include "forms/MonthGridWnd.h"
+#include "forms/DatePickerGrid.h"
 #include "forms/PickerChrome.h"
 #include "ui/DialogWnd.h"
 
@@ -31,7 +31,7 @@ public:
     void Accept();
     void Cancel();
 
-    MonthGridWnd& Grid() { return grid_; }
+    DatePickerGrid& Grid() { return grid_; }
     PickerChrome& Chrome() { return chrome_; }
 
     BOOL OnInitDialog() override;
@@ -48,7 +48,7 @@ private:
 
     DateTime value_;
     PickerChrome chrome_;
-    MonthGridWnd grid_;
+    DatePickerGrid grid_;
     std::unique_ptr<Font> valueFont_;
     RECT valueRect_{};
 };

@@ -50,7 +50,13 @@ void DateTimePickerPage::SetValue(const DateTime& value) {
 }
 
 void DateTimePickerPage::FromParts() {
-    value_ = DateTime(grid_.Year(), grid_.Month(), grid_.Day(), panel_.Hour(), panel_.Minute(), 0);
+    // The parts show whole minutes: seconds given with the value stay while
+    // its minute is the one chosen, so an unchanged moment comes back as given.
+    const bool sameMinute = value_.IsValid() && value_.GetYear() == grid_.Year() && value_.GetMonth() == grid_.Month() &&
+                            value_.GetDay() == grid_.Day() && value_.GetHour() == panel_.Hour() &&
+                            value_.GetMinute() == panel_.Minute();
+    value_ = DateTime(grid_.Year(), grid_.Month(), grid_.Day(), panel_.Hour(), panel_.Minute(),
+                      sameMinute ? value_.GetSecond() : 0);
     // The moment stands in the title band: the page needs every line below for its parts.
     chrome_.SetTitle(Locale::DayName(value_.GetDayOfWeek(), true) + u", " +
                      Locale::FormatShortDate(value_.ToSystemTime()) + u"  " +
@@ -112,7 +118,7 @@ void DateTimePickerPage::OnCommand(UINT id, UINT code, HWND control) {
         Accept();
     } else if (chrome_.IsCancel(control)) {
         Cancel();
-    } else if (id == kGridId && code == MonthGridWnd::kChanged) {
+    } else if (id == kGridId && code == DatePickerGrid::kChanged) {
         FocusPart(0);
         FromParts();
     } else if (id == kPanelId && code == TimePanelWnd::kChanged) {

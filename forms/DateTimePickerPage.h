@@ -6,7 +6,7 @@
 // PageUp/PageDown always change the month, Enter is OK and Escape Cancel.
 // Returns nothing when the user cancels.
 #include "data/DateTime.h"
-#include "forms/MonthGridWnd.h"
+#include "forms/DatePickerGrid.h"
 #include "forms/PickerChrome.h"
 #include "forms/TimePanelWnd.h"
 #include "ui/DialogWnd.h"
@@ -34,7 +34,7 @@ public:
     void Accept();
     void Cancel();
 
-    MonthGridWnd& Grid() { return grid_; }
+    DatePickerGrid& Grid() { return grid_; }
     TimePanelWnd& Panel() { return panel_; }
     PickerChrome& Chrome() { return chrome_; }
     // 0 when the keys go to the date, 1 to the time.
@@ -55,7 +55,7 @@ private:
 
     DateTime value_;
     PickerChrome chrome_;
-    MonthGridWnd grid_;
+    DatePickerGrid grid_;
     TimePanelWnd panel_;
     int focusedPart_ = 0;
 };

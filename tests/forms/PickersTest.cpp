@@ -31,7 +31,7 @@ protected:
         return *page_;
     }
     void TapDay(int year, int month, int day) {
-        MonthGridWnd& grid = page_->Grid();
+        DatePickerGrid& grid = page_->Grid();
         const RECT cell = grid.DayRect(year, month, day);
         ASSERT_GT(cell.Width(), 0) << year << "-" << month << "-" << day << " is not shown";
         TapIn(grid.GetHwnd(), cell);
@@ -61,7 +61,7 @@ TEST_F(DatePickerTest, ATapChoosesTheDayAndKeepsTheTime) {
 
 TEST_F(DatePickerTest, TheChosenDayIsFilledInTheSelectionColourAndTodayIsFramed) {
     DatePickerPage& page = Open(DateTime(2024, 3, 20));
-    MonthGridWnd& grid = page.Grid();
+    DatePickerGrid& grid = page.Grid();
     const RECT chosen = grid.DayRect(2024, 3, 20);
     const POINT inside = OnScreen(grid.GetHwnd(), Corner(chosen).x, Corner(chosen).y);
     EXPECT_EQ(FramePixel(inside.x, inside.y), Mark());

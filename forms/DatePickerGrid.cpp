@@ -1,4 +1,4 @@
-#include "forms/MonthGridWnd.h"
+#include "forms/DatePickerGrid.h"
 
 #include "data/DateTime.h"
 #include "forms/PickerChrome.h"
@@ -35,10 +35,10 @@ COLORREF Mix(COLORREF a, COLORREF b) {
 }
 } // namespace
 
-MonthGridWnd::MonthGridWnd() = default;
-MonthGridWnd::~MonthGridWnd() = default;
+DatePickerGrid::DatePickerGrid() = default;
+DatePickerGrid::~DatePickerGrid() = default;
 
-HWND MonthGridWnd::Create(HWND parent, int id, const RECT& rect) {
+HWND DatePickerGrid::Create(HWND parent, int id, const RECT& rect) {
     id_ = id;
     GestureTuning::Set();
     titleFont_ = PickerChrome::MakeFont(110, true);
@@ -48,7 +48,7 @@ HWND MonthGridWnd::Create(HWND parent, int id, const RECT& rect) {
                            rect.Height());
 }
 
-void MonthGridWnd::SetDate(int year, int month, int day) {
+void DatePickerGrid::SetDate(int year, int month, int day) {
     if (year < kMinYear) {
         year = kMinYear, month = 1, day = 1;
     } else if (year > kMaxYear) {
@@ -61,21 +61,21 @@ void MonthGridWnd::SetDate(int year, int month, int day) {
     Changed();
 }
 
-void MonthGridWnd::SetDayNumber(long dayNumber) {
+void DatePickerGrid::SetDayNumber(long dayNumber) {
     const long first = DayNumberOf(kMinYear, 1, 1), last = DayNumberOf(kMaxYear, 12, 31);
     const DateTime date(static_cast<double>(std::clamp(dayNumber, first, last)));
     SetDate(date.GetYear(), date.GetMonth(), date.GetDay());
 }
 
-void MonthGridWnd::MoveDays(int days) { SetDayNumber(DayNumberOf(year_, month_, day_) + days); }
+void DatePickerGrid::MoveDays(int days) { SetDayNumber(DayNumberOf(year_, month_, day_) + days); }
 
-void MonthGridWnd::MoveMonths(int months) {
+void DatePickerGrid::MoveMonths(int months) {
     // Whole months from year 0, so that a step over the year's end needs no special case.
     const int index = std::clamp(year_ * 12 + (month_ - 1) + months, kMinYear * 12, kMaxYear * 12 + 11);
     SetDate(index / 12, index % 12 + 1, day_);
 }
 
-bool MonthGridWnd::HandleKey(UINT key) {
+bool DatePickerGrid::HandleKey(UINT key) {
     switch (key) {
     case VK_LEFT: MoveDays(-1); return true;
     case VK_RIGHT: MoveDays(1); return true;
@@ -87,14 +87,14 @@ bool MonthGridWnd::HandleKey(UINT key) {
     }
 }
 
-void MonthGridWnd::Changed() {
+void DatePickerGrid::Changed() {
     if (!window) return;
     InvalidateRect(window, nullptr, false);
     if (HWND parent = GetParent(window))
         SendMessage(parent, WM_COMMAND, MAKEWPARAM(id_, kChanged), reinterpret_cast<LPARAM>(window));
 }
 
-MonthGridWnd::Metrics MonthGridWnd::Measure() const {
+DatePickerGrid::Metrics DatePickerGrid::Measure() const {
     RECT client{};
     if (window) GetClientRect(window, &client);
     Metrics m{};
@@ -108,13 +108,13 @@ MonthGridWnd::Metrics MonthGridWnd::Measure() const {
     return m;
 }
 
-long MonthGridWnd::FirstShownDay() const {
+long DatePickerGrid::FirstShownDay() const {
     const DateTime first(year_, month_, 1);
     const int lead = (first.GetDayOfWeek() - Locale::FirstDayOfWeek() + kDays) % kDays;
     return first.DayNumber() - lead;
 }
 
-int MonthGridWnd::CellAt(int x, int y) const {
+int DatePickerGrid::CellAt(int x, int y) const {
     const Metrics m = Measure();
     if (x < m.left || y < m.top) return -1;
     const int column = (x - m.left) / m.cellWidth, row = (y - m.top) / m.cellHeight;
@@ -122,7 +122,7 @@ int MonthGridWnd::CellAt(int x, int y) const {
     return row * kDays + column;
 }
 
-RECT MonthGridWnd::DayRect(int year, int month, int day) const {
+RECT DatePickerGrid::DayRect(int year, int month, int day) const {
     if (DaysInMonth(year, month) < day || day < 1) return RECT{};
     const long index = DayNumberOf(year, month, day) - FirstShownDay();
     if (index < 0 || index >= kWeeks * kDays) return RECT{};
@@ -132,15 +132,15 @@ RECT MonthGridWnd::DayRect(int year, int month, int day) const {
     return RECT{left, top, left + m.cellWidth, top + m.cellHeight};
 }
 
-RECT MonthGridWnd::PreviousRect() const { return RECT{0, 0, Scale(kArrowWidth), Measure().bandHeight}; }
+RECT DatePickerGrid::PreviousRect() const { return RECT{0, 0, Scale(kArrowWidth), Measure().bandHeight}; }
 
-RECT MonthGridWnd::NextRect() const {
+RECT DatePickerGrid::NextRect() const {
     RECT client{};
     GetClientRect(window, &client);
     return RECT{client.right - Scale(kArrowWidth), 0, client.right, Measure().bandHeight};
 }
 
-void MonthGridWnd::OnPaint(HDC dc) {
+void DatePickerGrid::OnPaint(HDC dc) {
     if (!dc) return;
     const SkinStyles& styles = SkinStyles::Current();
     const InputFormsStyle& form = styles.inputForms;
@@ -201,7 +201,7 @@ void MonthGridWnd::OnPaint(HDC dc) {
     dc->SelectFont(nullptr);
 }
 
-LRESULT MonthGridWnd::OnPointerDown(int button, int x, int y, WPARAM) {
+LRESULT DatePickerGrid::OnPointerDown(int button, int x, int y, WPARAM) {
     if (button != 0) return 0;
     pressed_ = true;
     swiped_ = false;
@@ -210,7 +210,7 @@ LRESULT MonthGridWnd::OnPointerDown(int button, int x, int y, WPARAM) {
     return 0;
 }
 
-void MonthGridWnd::OnPointerMove(int x, int y, WPARAM) {
+void DatePickerGrid::OnPointerMove(int x, int y, WPARAM) {
     if (!pressed_ || swiped_) return;
     const int dx = x - pressX_, dy = y - pressY_;
     if (std::abs(dx) > GestureTuning::Current().swipeThreshold && std::abs(dx) > std::abs(dy)) {
@@ -220,7 +220,7 @@ void MonthGridWnd::OnPointerMove(int x, int y, WPARAM) {
     }
 }
 
-LRESULT MonthGridWnd::OnPointerUp(int button, int x, int y, WPARAM) {
+LRESULT DatePickerGrid::OnPointerUp(int button, int x, int y, WPARAM) {
     if (button != 0 || !pressed_) return 0;
     pressed_ = false;
     if (GetCapture() == window) ReleaseCapture();
@@ -239,7 +239,7 @@ LRESULT MonthGridWnd::OnPointerUp(int button, int x, int y, WPARAM) {
     return 0;
 }
 
-void MonthGridWnd::OnCaptureChanged(HWND newCapture) {
+void DatePickerGrid::OnCaptureChanged(HWND newCapture) {
     if (newCapture != window) pressed_ = false;
 }
 

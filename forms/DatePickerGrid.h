@@ -16,14 +16,14 @@ namespace mirodate {
 
 constexpr const char* kMonthGridClass = "MIRODATE::MONTHGRID";
 
-class MonthGridWnd : public BaseWnd {
+class DatePickerGrid : public BaseWnd {
 public:
     static constexpr int kMinYear = 1900;
     static constexpr int kMaxYear = 2100;
     static constexpr WORD kChanged = 1;
 
-    MonthGridWnd();
-    ~MonthGridWnd() override;
+    DatePickerGrid();
+    ~DatePickerGrid() override;
 
     HWND Create(HWND parent, int id, const RECT& rect);
 
