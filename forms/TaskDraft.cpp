@@ -150,7 +150,7 @@ std::u16string TaskDraft::Value(Row row) const {
     case Row::StartDate: return DateText(record_.startDate);
     case Row::DueDate: return DateText(record_.dueDate);
     case Row::Complete: return record_.complete ? u"\u2611" : u"\u2610";
-    case Row::Priority: return Lang(("Priority_" + std::to_string(std::clamp(record_.importance, kLow, kHigh))).c_str());
+    case Row::Priority: return EditorTexts::PriorityLabel(std::clamp(record_.importance, kLow, kHigh));
     case Row::Recurrence: {
         if (record_.isRecurring && record_.recurrence.RecurrenceType == RecurrencePattern::kNotRecurring)
             return Lang("editor.RuleKept");

@@ -122,7 +122,7 @@ void TaskEditor::ActivateRow(Row row) {
     case Row::Complete: draft_.SetComplete(!draft_.Record().complete); break;
     case Row::Priority: {
         std::vector<std::u16string> entries;
-        for (int i = 0; i < kPriorities; ++i) entries.push_back(Lang(("Priority_" + std::to_string(i)).c_str()));
+        for (int i = 0; i < kPriorities; ++i) entries.push_back(EditorTexts::PriorityLabel(i));
         OpenMenu(kPriority, entries, TaskDraft::Label(row), std::clamp(draft_.Record().importance, 0, kPriorities - 1));
         return;
     }
