@@ -6,6 +6,7 @@
 #include "forms/CategoryPickerPage.h"
 #include "forms/DatePickerPage.h"
 #include "forms/TaskEditor.h"
+#include "forms/TextEntryPage.h"
 #include "forms/TimeSpanPickerPage.h"
 #include "platform/TextUtil.h"
 #include "skin/SkinStyles.h"
@@ -32,6 +33,7 @@ protected:
     void TearDown() override {
         DatePickerPage::SetOpenObserver(nullptr);
         TimeSpanPickerPage::SetOpenObserver(nullptr);
+        TextEntryPage::SetOpenObserver(nullptr);
         CategoryPickerPage::SetOpenObserver(nullptr);
         TemplateLists::SetDirectory("");
         task_.reset();
@@ -421,6 +423,59 @@ TEST_F(TaskEditorTest, AFileChangedOrDeletedMeanwhileIsNotOverwritten) {
     EXPECT_TRUE(second.WasSaved());
     ASSERT_EQ(TaskFiles().size(), 1u);
     EXPECT_EQ(TaskOn(DateTime(2024, 3, 21)).subject, u"Car service (booked)!");
+}
+
+TEST_F(TaskEditorTest, TheEndOfARepeatingTaskIsChosenFromTheRecurrenceRow) {
+    AddTask("water", "Water plants", "20240304", "DTSTART;VALUE=DATE:20240304\r\nRRULE:FREQ=WEEKLY;COUNT=5\r\n");
+    // The count page is answered by typing over its text and Enter, as a user does.
+    std::deque<std::string> counts = {"0", "12"};
+    std::vector<std::u16string> offered;
+    TextEntryPage::SetOpenObserver([&](TextEntryPage& page) {
+        offered.push_back(page.Field().GetText());
+        page.Field().SetSelection(0, static_cast<int>(page.Field().GetText().size()));
+        DisplayEvent text;
+        text.type = DisplayEvent::Type::Text;
+        text.text = counts.front();
+        counts.pop_front();
+        display_->Inject(text);
+        DisplayEvent enter;
+        enter.type = DisplayEvent::Type::KeyDown;
+        enter.key = VK_RETURN;
+        display_->Inject(enter);
+        enter.type = DisplayEvent::Type::KeyUp;
+        display_->Inject(enter);
+    });
+    OpenStore();
+    TaskEditor& editor = OpenTask(TaskDraft::ForRecord(RecordOf(TaskOn(DateTime(2024, 3, 4)).oid), Mode::Item));
+    ASSERT_TRUE(editor.Draft().Record().isRecurring);
+    EXPECT_EQ(editor.Draft().Record().recurrence.Occurrences, 5);
+    // A count of 0 is refused with a message and changes nothing.
+    TapTaskRow(Row::Recurrence);
+    ChooseMenu(u"SetOccurrences");
+    EXPECT_EQ(menuTexts, (std::vector<std::u16string>{u"addmodify.EditPattern", u"SetOccurrences",
+                                                      u"SetPatternEndDate", u"SetNoEndDate"}));
+    EXPECT_EQ(questions, std::vector<std::u16string>{u"editor.BadCount"});
+    EXPECT_EQ(editor.Draft().Record().recurrence.Occurrences, 5);
+    TapTaskRow(Row::Recurrence);
+    ChooseMenu(u"SetOccurrences");
+    EXPECT_EQ(offered, (std::vector<std::u16string>{u"5", u"5"}));
+    EXPECT_EQ(editor.Draft().Record().recurrence.Occurrences, 12);
+    Ok();
+    ASSERT_TRUE(editor.WasSaved());
+    std::string text = ReadFile("tasks/water.ics");
+    EXPECT_NE(text.find("COUNT=12"), std::string::npos) << text;
+    EXPECT_NE(text.find("FREQ=WEEKLY"), std::string::npos) << text;
+
+    // "SetNoEndDate" lets it repeat for ever.
+    TaskEditor& again = OpenTask(TaskDraft::ForRecord(RecordOf(TaskOn(DateTime(2024, 3, 4)).oid), Mode::Item));
+    TapTaskRow(Row::Recurrence);
+    ChooseMenu(u"SetNoEndDate");
+    Ok();
+    ASSERT_TRUE(again.WasSaved());
+    text = ReadFile("tasks/water.ics");
+    EXPECT_NE(text.find("RRULE:FREQ=WEEKLY"), std::string::npos) << text;
+    EXPECT_EQ(text.find("COUNT="), std::string::npos) << text;
+    EXPECT_EQ(text.find("UNTIL="), std::string::npos) << text;
 }
 
 TEST_F(TaskEditorTest, RowsArePaintedInTheFormColoursAndFitBothScreens) {
