@@ -6,6 +6,7 @@
 #include "forms/AppointmentSaver.h"
 #include "forms/CategoryFilterDialog.h"
 #include "forms/ConfigDialog.h"
+#include "forms/TaskEditor.h"
 #include "lang/LanguageTable.h"
 #include "platform/Log.h"
 #include "platform/Settings.h"
@@ -33,10 +34,10 @@ namespace {
 // A closed editor is deleted from the loop; it owns nothing the main window needs.
 class EditorDeleter : public BaseWnd {
 public:
-    explicit EditorDeleter(std::unique_ptr<AppointmentEditor> editor) : editor_(std::move(editor)) {}
+    explicit EditorDeleter(std::unique_ptr<BaseWnd> editor) : editor_(std::move(editor)) {}
 
 private:
-    std::unique_ptr<AppointmentEditor> editor_;
+    std::unique_ptr<BaseWnd> editor_;
 };
 } // namespace
 
@@ -47,6 +48,7 @@ ViewRouter::~ViewRouter() {
 
 void ViewRouter::CloseAll() {
     editor_.reset();
+    taskEditor_.reset();
     year_.reset();
     quick_.reset();
     detail_.reset();
@@ -263,24 +265,47 @@ HWND ViewRouter::OpenItemDetail(std::int32_t oid, bool task, const DateTime& occ
 }
 
 HWND ViewRouter::OpenEditor(std::unique_ptr<AppointmentEditor> editor, HWND owner) {
-    // One editor at a time: an open one is given up unsaved.
-    if (editor_ && !editor_->IsClosed()) editor_->Cancel();
+    CancelEditors();
     AppointmentSaver::SetMainWindow(main_.GetHwnd());
     editor_ = std::move(editor);
     editor_->SetCloseHandler([this](AppointmentEditor& closed) {
         if (&closed != editor_.get()) return;
         main_.PostDeferredCommand(kCmdPageClosed, new EditorDeleter(std::move(editor_)));
-        for (ViewPage* under : {static_cast<ViewPage*>(detail_.get()), static_cast<ViewPage*>(day_.get()),
-                                static_cast<ViewPage*>(week_.get()), static_cast<ViewPage*>(agenda_.get())}) {
-            if (under && IsWindowVisible(under->GetHwnd())) {
-                SetForegroundWindow(under->GetHwnd());
-                return;
-            }
-        }
-        if (HWND main = main_.GetHwnd(); main && IsWindowVisible(main)) SetForegroundWindow(main);
+        FrontAfterEditor();
     });
     const HWND hwnd = editor_->Open(owner ? owner : main_.GetHwnd());
     if (!hwnd) editor_.reset();
+    return hwnd;
+}
+
+void ViewRouter::CancelEditors() {
+    if (editor_ && !editor_->IsClosed()) editor_->Cancel();
+    if (taskEditor_ && !taskEditor_->IsClosed()) taskEditor_->Cancel();
+}
+
+void ViewRouter::FrontAfterEditor() {
+    for (ViewPage* under : {static_cast<ViewPage*>(detail_.get()), static_cast<ViewPage*>(tasks_.get()),
+                            static_cast<ViewPage*>(day_.get()), static_cast<ViewPage*>(week_.get()),
+                            static_cast<ViewPage*>(agenda_.get())}) {
+        if (under && IsWindowVisible(under->GetHwnd())) {
+            SetForegroundWindow(under->GetHwnd());
+            return;
+        }
+    }
+    if (HWND main = main_.GetHwnd(); main && IsWindowVisible(main)) SetForegroundWindow(main);
+}
+
+HWND ViewRouter::OpenTaskEditor(std::unique_ptr<TaskEditor> editor, HWND owner) {
+    CancelEditors();
+    ItemSaver::SetMainWindow(main_.GetHwnd());
+    taskEditor_ = std::move(editor);
+    taskEditor_->SetCloseHandler([this](TaskEditor& closed) {
+        if (&closed != taskEditor_.get()) return;
+        main_.PostDeferredCommand(kCmdPageClosed, new EditorDeleter(std::move(taskEditor_)));
+        FrontAfterEditor();
+    });
+    const HWND hwnd = taskEditor_->Open(owner ? owner : main_.GetHwnd());
+    if (!hwnd) taskEditor_.reset();
     return hwnd;
 }
 
@@ -288,18 +313,21 @@ HWND ViewRouter::NewAppointment(const DateTime& date, HWND owner) {
     const DateTime day = date.IsValid() ? date : DateTime::Today();
     return OpenEditor(std::make_unique<AppointmentEditor>(AppointmentDraft::NewOn(day, DateTime::Now())), owner);
 }
-HWND ViewRouter::NewTask(const DateTime& date, HWND) { return InMonth("New task", date); }
+HWND ViewRouter::NewTask(const DateTime& date, HWND owner) {
+    const DateTime day = date.IsValid() ? date : DateTime::Today();
+    return OpenTaskEditor(std::make_unique<TaskEditor>(TaskDraft::NewOn(day)), owner);
+}
 
 HWND ViewRouter::EditItem(const PimItem& item, bool occurrenceOnly, bool duplicate, HWND owner) {
-    if (item.IsTask()) {
-        Log::Info("item %d: no task editor yet", static_cast<int>(item.oid));
-        return nullptr;
-    }
     PimSource* source = PimStore::Instance().Source();
     PimRecord record;
     if (!source || item.oid <= 0 || !source->GetItemFromOid(item.oid, record)) {
         MessagePage::Tell(owner ? owner : main_.GetHwnd(), Lang("ItemNotFound"));
         return nullptr;
+    }
+    if (item.IsTask()) {
+        const TaskDraft::Mode mode = duplicate ? TaskDraft::Mode::Duplicate : TaskDraft::Mode::Item;
+        return OpenTaskEditor(std::make_unique<TaskEditor>(TaskDraft::ForRecord(record, mode)), owner);
     }
     using Mode = AppointmentDraft::Mode;
     const Mode mode = duplicate ? Mode::Duplicate : occurrenceOnly && record.isRecurring ? Mode::Occurrence : Mode::Item;

@@ -17,6 +17,7 @@ namespace mirodate {
 
 class AgendaView;
 class AppointmentEditor;
+class TaskEditor;
 class DayView;
 class QuickView;
 class ImportView;
@@ -74,6 +75,8 @@ public:
     ItemDetailView* Detail() { return detail_.get(); }
     // The open appointment editor, if any.
     AppointmentEditor* Editor() { return editor_.get(); }
+    // The open task editor, if any.
+    TaskEditor* TaskEditorPage() { return taskEditor_.get(); }
     TasksView* Tasks() { return tasks_.get(); }
     SearchView* Search() { return search_.get(); }
     // Closes every page (the main window is going away).
@@ -92,6 +95,11 @@ private:
     // A page closed itself: kept pages stay, others are deleted from the loop.
     void OnPageClosed(ViewPage& page);
     HWND OpenEditor(std::unique_ptr<AppointmentEditor> editor, HWND owner);
+    HWND OpenTaskEditor(std::unique_ptr<TaskEditor> editor, HWND owner);
+    // One editor at a time: an open one is given up unsaved.
+    void CancelEditors();
+    // A closed editor uncovers the page it was opened over.
+    void FrontAfterEditor();
 
     DialogWnd& main_;
     ShowInMonth showInMonth_;
@@ -106,6 +114,7 @@ private:
     std::unique_ptr<TasksView> tasks_;
     std::unique_ptr<SearchView> search_; // kept once made
     std::unique_ptr<AppointmentEditor> editor_; // deleted from the loop once closed
+    std::unique_ptr<TaskEditor> taskEditor_;    // the same
     std::unique_ptr<ImportView> import_;
 };
 

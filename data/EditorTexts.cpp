@@ -87,6 +87,8 @@ std::u16string EditorTexts::SensitivityLabel(int sensitivity) {
     return KeyWithNumber("Sensitivity.%i", sensitivity);
 }
 
+std::u16string EditorTexts::PriorityLabel(int importance) { return KeyWithNumber("Priority_%i", importance); }
+
 std::vector<const char*> EditorTexts::RecurrenceEndKeys() {
     return {"SetOccurrences", "SetPatternEndDate", "SetNoEndDate"};
 }

@@ -1,7 +1,7 @@
 #pragma once
 // The wording rules the appointment and task editors share: time spans,
 // the reminder row, the reminder chosen as a moment, and the labels of the
-// busy-status, sensitivity and end-of-recurrence choices.
+// busy-status, sensitivity, priority and end-of-recurrence choices.
 #include <array>
 #include <cstdint>
 #include <string>
@@ -33,6 +33,8 @@ public:
     // Labels of the choice menus: values 0..3.
     static std::u16string BusyStatusLabel(int busyStatus);
     static std::u16string SensitivityLabel(int sensitivity);
+    // A task's priority: importance 0 low, 1 normal, 2 high.
+    static std::u16string PriorityLabel(int importance);
     // "SetOccurrences", "SetPatternEndDate", "SetNoEndDate", in this order.
     static std::vector<const char*> RecurrenceEndKeys();
 };

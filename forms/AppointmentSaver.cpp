@@ -16,18 +16,9 @@
 namespace mirodate {
 
 namespace {
-// Buttons of the question about a file deleted meanwhile.
-constexpr int kRecreate = 1;
-constexpr int kDiscard = 2;
-
 PimSource* Source() { return PimStore::Instance().Source(); }
 
-HWND& MainWindow() {
-    static HWND main = nullptr;
-    return main;
-}
-
-void Tell(HWND owner, const char* key) { MessagePage::Tell(owner, Lang(key)); }
+void Tell(HWND owner, const char* key) { ItemSaver::Tell(owner, key); }
 } // namespace
 
 bool AppointmentSaver::ChangedSinceRead(const AppointmentDraft& draft, const PimRecord& current) {
@@ -96,20 +87,16 @@ AppointmentSaver::Outcome AppointmentSaver::WriteNew(HWND owner, AppointmentDraf
 }
 
 AppointmentSaver::Outcome AppointmentSaver::OnChangedOnDisk(HWND owner, AppointmentDraft& draft) {
-    Log::Info("editor: item %d changed on disk; not written", static_cast<int>(draft.Original().oid));
-    Announce(draft.Original().oid, false);
-    return MessagePage::YesNo(owner, Lang("editor.ChangedOnDisk")) ? Outcome::Reload : Outcome::Stay;
+    return ItemSaver::ChangedOnDisk(owner, draft.Original().oid, kFolderCalendar, "editor.ChangedOnDisk");
 }
 
 AppointmentSaver::Outcome AppointmentSaver::OnDeleted(HWND owner, AppointmentDraft& draft) {
-    Log::Info("editor: item %d deleted meanwhile", static_cast<int>(draft.Original().oid));
-    Announce(draft.Original().oid, true);
-    switch (MessagePage::Ask(owner, Lang("editor.ItemDeleted"),
-                             {Lang("editor.SaveAsNew"), Lang("editor.DiscardChanges"), Lang("Cancel")})) {
-    case kRecreate: return WriteNew(owner, draft);
-    case kDiscard: return Outcome::Discard;
-    default: return Outcome::Stay;
+    switch (ItemSaver::Deleted(owner, draft.Original().oid, kFolderCalendar, "editor.ItemDeleted")) {
+    case ItemSaver::DeletedChoice::SaveAsNew: return WriteNew(owner, draft);
+    case ItemSaver::DeletedChoice::Discard: return Outcome::Discard;
+    case ItemSaver::DeletedChoice::Stay: break;
     }
+    return Outcome::Stay;
 }
 
 void AppointmentSaver::AfterSave(HWND owner, const AppointmentDraft& draft, std::int32_t oid) {
@@ -138,26 +125,8 @@ void AppointmentSaver::NotifyAttendees(HWND owner, const PimRecord& record) {
         Tell(owner, "editor.MailNotStarted");
 }
 
-void AppointmentSaver::SetMainWindow(HWND main) { MainWindow() = main; }
+void AppointmentSaver::RemoveCopy(std::int32_t oid) { ItemSaver::RemoveCopy(oid, kFolderCalendar); }
 
-void AppointmentSaver::RemoveCopy(std::int32_t oid) {
-    PimSource* source = Source();
-    if (!source || oid <= 0) return;
-    if (source->Delete(oid)) Announce(oid, true);
-}
-
-void AppointmentSaver::Announce(std::int32_t oid, bool deleted) {
-    const UINT message = deleted ? kMsgItemDeletedLocal : kMsgItemChangedLocal;
-    if (HWND main = MainWindow(); main && IsWindow(main)) {
-        SendMessage(main, message, static_cast<WPARAM>(oid), kFolderCalendar);
-        return;
-    }
-    PimNotification notification;
-    notification.message = message;
-    notification.oid = oid;
-    notification.folder = kFolderCalendar;
-    PimStore::Instance().ApplyNotification(notification);
-    SendNotifyMessage(HWND_BROADCAST, RegisterWindowMessage(kPoomDataChangedName), 0, -1);
-}
+void AppointmentSaver::Announce(std::int32_t oid, bool deleted) { ItemSaver::Announce(oid, deleted, kFolderCalendar); }
 
 } // namespace mirodate

@@ -7,6 +7,7 @@
 // meanwhile is written again only when the user chooses so. Afterwards the
 // cache, the month markers and every open view follow at once.
 #include "forms/AppointmentDraft.h"
+#include "forms/ItemSaver.h"
 #include "ui/WinTypes.h"
 
 #include <cstdint>
@@ -15,17 +16,10 @@ namespace mirodate {
 
 class AppointmentSaver {
 public:
-    enum class Outcome {
-        Saved,     // written; the editor closes
-        Stay,      // refused or failed; the editor stays as it is
-        Reload,    // the user wants the item as it is now on disk
-        Discard,   // the user gave up the changes; the editor closes
-    };
+    using Outcome = ItemSaver::Outcome;
 
-    // The window told of every change (the main window, which updates the
-    // cache and its markers and tells every view); null: the cache is
-    // updated here and every view told by broadcast.
-    static void SetMainWindow(HWND main);
+    // See ItemSaver::SetMainWindow.
+    static void SetMainWindow(HWND main) { ItemSaver::SetMainWindow(main); }
 
     static Outcome Save(HWND owner, AppointmentDraft& draft);
 

@@ -54,9 +54,15 @@ void RemoveAll(icalcomponent* component, icalproperty_kind kind) {
     }
 }
 
+bool IsTask(icalcomponent* component) { return icalcomponent_isa(component) == ICAL_VTODO_COMPONENT; }
+
 // The editor's alarm and its lead time in minutes: the first DISPLAY or
-// AUDIO alarm whose trigger is a duration at or before the start.
+// AUDIO alarm whose trigger is a duration at or before the start of an
+// event, or at or before the due date of a task (RELATED=END, which a task
+// relates to DUE). Alarms related to the other end are left to whoever
+// wrote them.
 icalcomponent* EditorAlarm(icalcomponent* component, int& leadMinutes) {
+    const icalparameter_related wanted = IsTask(component) ? ICAL_RELATED_END : ICAL_RELATED_START;
     for (icalcomponent* a = icalcomponent_get_first_component(component, ICAL_VALARM_COMPONENT); a;
          a = icalcomponent_get_next_component(component, ICAL_VALARM_COMPONENT)) {
         icalproperty* action = icalcomponent_get_first_property(a, ICAL_ACTION_PROPERTY);
@@ -65,9 +71,8 @@ icalcomponent* EditorAlarm(icalcomponent* component, int& leadMinutes) {
         if (kind != ICAL_ACTION_DISPLAY && kind != ICAL_ACTION_AUDIO) continue;
         icalproperty* trigger = icalcomponent_get_first_property(a, ICAL_TRIGGER_PROPERTY);
         if (!trigger) continue;
-        if (icalparameter* related = icalproperty_get_first_parameter(trigger, ICAL_RELATED_PARAMETER);
-            related && icalparameter_get_related(related) == ICAL_RELATED_END)
-            continue;
+        icalparameter* related = icalproperty_get_first_parameter(trigger, ICAL_RELATED_PARAMETER);
+        if ((related ? icalparameter_get_related(related) : ICAL_RELATED_START) != wanted) continue;
         const icaltriggertype value = icalproperty_get_trigger(trigger);
         if (!icaltime_is_null_time(value.time)) continue; // an absolute moment
         const int seconds = icaldurationtype_as_int(value.duration);
@@ -78,11 +83,13 @@ icalcomponent* EditorAlarm(icalcomponent* component, int& leadMinutes) {
     return nullptr;
 }
 
-icalproperty* NewTrigger(int leadMinutes) {
+icalproperty* NewTrigger(icalcomponent* component, int leadMinutes) {
     icaltriggertype trigger{};
     trigger.time = icaltime_null_time();
     trigger.duration = icaldurationtype_from_int(-leadMinutes * kSecondsPerMinute);
-    return icalproperty_new_trigger(trigger);
+    icalproperty* p = icalproperty_new_trigger(trigger);
+    if (IsTask(component)) icalproperty_add_parameter(p, icalparameter_new_related(ICAL_RELATED_END));
+    return p;
 }
 
 void WriteReminder(icalcomponent* component, const PimRecord& record) {
@@ -98,7 +105,7 @@ void WriteReminder(icalcomponent* component, const PimRecord& record) {
     if (alarm && lead == record.reminderMinutes) return;
     if (alarm) {
         RemoveAll(alarm, ICAL_TRIGGER_PROPERTY);
-        icalcomponent_add_property(alarm, NewTrigger(record.reminderMinutes));
+        icalcomponent_add_property(alarm, NewTrigger(component, record.reminderMinutes));
         return;
     }
     alarm = icalcomponent_new(ICAL_VALARM_COMPONENT);
@@ -106,7 +113,7 @@ void WriteReminder(icalcomponent* component, const PimRecord& record) {
     // DISPLAY alarms need a text; the subject is what a reminder shows.
     const std::string text = record.subject.empty() ? std::string("Reminder") : Utf16ToUtf8(record.subject);
     icalcomponent_add_property(alarm, icalproperty_new_description(text.c_str()));
-    icalcomponent_add_property(alarm, NewTrigger(record.reminderMinutes));
+    icalcomponent_add_property(alarm, NewTrigger(component, record.reminderMinutes));
     icalcomponent_add_component(component, alarm);
 }
 
@@ -163,19 +170,35 @@ void WriteAttachments(icalcomponent* component, const std::vector<std::u16string
     }
 }
 
+void WriteSensitivity(icalcomponent* component, const PimRecord& record) {
+    const int sensitivity = record.sensitivity >= 0 && record.sensitivity <= 3 ? record.sensitivity : 0;
+    if (ReadSensitivity(component) == sensitivity) return;
+    RemoveAll(component, ICAL_CLASS_PROPERTY);
+    static constexpr icalproperty_class kClasses[] = {ICAL_CLASS_PUBLIC, ICAL_CLASS_PRIVATE, ICAL_CLASS_PRIVATE,
+                                                      ICAL_CLASS_CONFIDENTIAL};
+    icalcomponent_add_property(component, icalproperty_new_class(kClasses[sensitivity]));
+    SetX(component, kPersonalProperty, sensitivity == 1 ? kPersonalValue : nullptr);
+}
+
 } // namespace
 
 void IcsEditorFields::Read(icalcomponent* component, PimRecord& record) {
     int lead = 0;
     record.reminderSet = EditorAlarm(component, lead) != nullptr;
     record.reminderMinutes = record.reminderSet ? lead : 0;
-    record.busyStatus = ReadBusy(component);
+    if (!IsTask(component)) record.busyStatus = ReadBusy(component);
     record.sensitivity = ReadSensitivity(component);
     record.attachments = ReadAttachments(component);
 }
 
 void IcsEditorFields::Write(icalcomponent* component, const PimRecord& record) {
     WriteReminder(component, record);
+    if (IsTask(component)) {
+        // A task has no busy status: nothing of it is written.
+        WriteSensitivity(component, record);
+        WriteAttachments(component, record.attachments);
+        return;
+    }
     const int busy = record.busyStatus >= 0 && record.busyStatus <= 3 ? record.busyStatus : kBusy;
     if (ReadBusy(component) != busy || !FindX(component, kBusyProperty)) {
         RemoveAll(component, ICAL_TRANSP_PROPERTY);
@@ -183,14 +206,7 @@ void IcsEditorFields::Write(icalcomponent* component, const PimRecord& record) {
                                    icalproperty_new_transp(busy == kFree ? ICAL_TRANSP_TRANSPARENT : ICAL_TRANSP_OPAQUE));
         SetX(component, kBusyProperty, kBusyNames[busy]);
     }
-    const int sensitivity = record.sensitivity >= 0 && record.sensitivity <= 3 ? record.sensitivity : 0;
-    if (ReadSensitivity(component) != sensitivity) {
-        RemoveAll(component, ICAL_CLASS_PROPERTY);
-        static constexpr icalproperty_class kClasses[] = {ICAL_CLASS_PUBLIC, ICAL_CLASS_PRIVATE, ICAL_CLASS_PRIVATE,
-                                                          ICAL_CLASS_CONFIDENTIAL};
-        icalcomponent_add_property(component, icalproperty_new_class(kClasses[sensitivity]));
-        SetX(component, kPersonalProperty, sensitivity == 1 ? kPersonalValue : nullptr);
-    }
+    WriteSensitivity(component, record);
     WriteAttachments(component, record.attachments);
 }
 

@@ -1,8 +1,10 @@
 #pragma once
-// The event properties the appointment editor owns beside texts and times:
-// the reminder (the first display or audio alarm relative to the start),
-// the busy status (TRANSP and X-MICROSOFT-CDO-BUSYSTATUS), the sensitivity
-// (CLASS) and the attachments (ATTACH by reference).
+// The properties the editors own beside texts and times: the reminder (the
+// first display or audio alarm relative to an event's start, or to a task's
+// due date through TRIGGER;RELATED=END), the busy status of events (TRANSP
+// and X-MICROSOFT-CDO-BUSYSTATUS), the sensitivity (CLASS) and the
+// attachments (ATTACH by reference). VEVENT or VTODO is told by the
+// component itself.
 //
 // Sensitivity: "personal" and "private" both mean CLASS:PRIVATE to other
 // programs; "personal" adds X-MIRODATE-SENSITIVITY:PERSONAL, which is read

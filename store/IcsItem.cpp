@@ -276,6 +276,7 @@ bool IcsItem::ReadComponent(icalcomponent* component, PimRecord& record, std::st
                           icalcomponent_get_first_property(component, ICAL_COMPLETED_PROPERTY) != nullptr;
         icalproperty* priority = icalcomponent_get_first_property(component, ICAL_PRIORITY_PROPERTY);
         record.importance = ImportanceOfPriority(priority ? icalproperty_get_priority(priority) : 0);
+        IcsEditorFields::Read(component, record);
         return true;
     }
     record.itemKind = 1;

@@ -135,6 +135,7 @@ void Fill(icalcomponent* component, const PimRecord& record, bool writeRule = tr
             icalcomponent_add_property(
                 component, icalproperty_new_completed(icaltime_current_time_with_zone(icaltimezone_get_utc_timezone())));
         icalcomponent_add_property(component, icalproperty_new_priority(PriorityOfImportance(record.importance)));
+        IcsEditorFields::Write(component, record);
     } else {
         icalcomponent_add_property(component, TimeProperty(ICAL_DTSTART_PROPERTY, record.start, record.allDay));
         icalcomponent_add_property(component, TimeProperty(ICAL_DTEND_PROPERTY, record.end, record.allDay));

@@ -5,6 +5,7 @@
 // another program changed the store.
 #include "app/MainWnd.h"
 #include "data/PimStore.h"
+#include "forms/TaskEditor.h"
 #include "platform/Settings.h"
 #include "store/VdirSource.h"
 #include "tests/ui/UiTestFixture.h"
@@ -192,6 +193,76 @@ TEST_F(ViewsFromMainTest, TheTasksViewOpensOnceAndTheSearchIsKept) {
     main_->Router().OpenSearch(DateTime(2024, 3, 15));
     EXPECT_EQ(main_->Router().Search(), search);
     EXPECT_TRUE(IsWindowVisible(search->GetHwnd()));
+}
+
+TEST_F(ViewsFromMainTest, TheTaskEditorOpensForNewEditedAndDuplicatedTasks) {
+    std::ofstream(dir_ + "/vdir/tasks/t1.ics")
+        << "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//test//EN\r\nBEGIN:VTODO\r\nUID:t1\r\n"
+           "SUMMARY:Call plumber\r\nDUE;VALUE=DATE:20240315\r\nEND:VTODO\r\nEND:VCALENDAR\r\n";
+    const auto taskFiles = [this] {
+        return std::distance(std::filesystem::directory_iterator(dir_ + "/vdir/tasks"),
+                             std::filesystem::directory_iterator());
+    };
+    const auto tasksOn = [](int day) {
+        std::vector<PimItem> items;
+        PimStore::Instance().GetDayTasks(2024, 3, day, items);
+        std::vector<std::u16string> subjects;
+        for (const PimItem& item : items) subjects.push_back(item.subject);
+        return subjects;
+    };
+    // "tasks -new": a new task due on the command's day; OK writes it.
+    Start(u"tasks -new -d20240316");
+    TaskEditor* editor = main_->Router().TaskEditorPage();
+    ASSERT_TRUE(editor);
+    EXPECT_TRUE(IsWindowVisible(editor->GetHwnd()));
+    EXPECT_EQ(editor->Draft().GetMode(), TaskDraft::Mode::New);
+    EXPECT_EQ(editor->Draft().Record().dueDate, DateTime(2024, 3, 16).ToDate());
+    editor->SubjectField().SetText(u"Buy seeds");
+    Clock::Current().Advance(1000); // the buttons' guard against repeated taps
+    TapAt(Centre(editor->OkButton().GetHwnd()));
+    windows_->RunUntilIdle();
+    EXPECT_EQ(main_->Router().TaskEditorPage(), nullptr); // closed and deleted
+    EXPECT_EQ(tasksOn(16), std::vector<std::u16string>{u"Buy seeds"});
+    EXPECT_EQ(taskFiles(), 2);
+
+    // The tasks view's button opens one too; Cancel writes nothing.
+    TasksView* tasks = nullptr;
+    main_->Router().OpenTasksView(DateTime(2024, 3, 15));
+    tasks = main_->Router().Tasks();
+    ASSERT_TRUE(tasks);
+    Clock::Current().Advance(1000);
+    TapAt(Centre(tasks->Menu().Button(2)->GetHwnd()));
+    windows_->RunUntilIdle();
+    editor = main_->Router().TaskEditorPage();
+    ASSERT_TRUE(editor);
+    EXPECT_EQ(editor->Draft().GetMode(), TaskDraft::Mode::New);
+    editor->Cancel();
+    windows_->RunUntilIdle();
+    EXPECT_EQ(taskFiles(), 2);
+
+    // "Edit" on a task opens it in the task editor.
+    std::vector<PimItem> items;
+    PimStore::Instance().GetDayTasks(2024, 3, 15, items);
+    ASSERT_EQ(items.size(), 1u);
+    ItemCommands::Edit(tasks->GetHwnd(), items[0]);
+    editor = main_->Router().TaskEditorPage();
+    ASSERT_TRUE(editor);
+    EXPECT_EQ(editor->Draft().GetMode(), TaskDraft::Mode::Item);
+    EXPECT_EQ(editor->SubjectField().GetText(), u"Call plumber");
+    editor->Cancel();
+    windows_->RunUntilIdle();
+
+    // "Duplicate" writes the copy and opens it; Cancel takes it back.
+    ItemCommands::Duplicate(tasks->GetHwnd(), items[0]);
+    editor = main_->Router().TaskEditorPage();
+    ASSERT_TRUE(editor);
+    EXPECT_EQ(editor->Draft().GetMode(), TaskDraft::Mode::Duplicate);
+    EXPECT_EQ(taskFiles(), 3);
+    EXPECT_EQ(tasksOn(15), (std::vector<std::u16string>{u"Call plumber", u"Call plumber"}));
+    editor->Cancel();
+    windows_->RunUntilIdle();
+    EXPECT_EQ(taskFiles(), 2);
+    EXPECT_EQ(tasksOn(15), std::vector<std::u16string>{u"Call plumber"});
 }
 
 } // namespace

@@ -59,9 +59,9 @@ protected:
         Tap((rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2);
     }
     // Scrolls a row into view and taps it like a finger.
-    void TapRow(AppointmentDraft::Row row) {
-        TouchListCtrlWnd& list = editor_->List();
-        const int index = editor_->RowIndex(row);
+    void TapRow(AppointmentDraft::Row row) { TapListRow(editor_->List(), editor_->RowIndex(row)); }
+    // The same for row `index` of any editor's list.
+    void TapListRow(TouchListCtrlWnd& list, int index) {
         ASSERT_GE(index, 0);
         list.Scroller().SetPosition(0);
         const int top = list.Scroller().ItemTop(index);

@@ -1,4 +1,4 @@
-// The appointment properties the editor owns (reminder, busy status,
+// The properties the editors own (reminder, busy status,
 // sensitivity, categories, attendees, attachments), written through the vdir
 // store and read back by libical as another program would, and Outlook's
 // files with alarms and properties we do not know, changed and kept.
@@ -231,6 +231,60 @@ TEST_F(EditorFieldsTest, AnUnchangedRecordLeavesAlarmsClassAndAttachmentsAsWritt
     EXPECT_NE(after.find("aGVsbG8="), std::string::npos);
     EXPECT_EQ(after.find("example.org/a"), std::string::npos);
     store.Close();
+}
+
+TEST_F(EditorFieldsTest, ATaskReminderCountsBackFromTheDueDateAndSurvivesTheIndex) {
+    // Another program's task with an alarm at its start: not the editor's reminder.
+    WriteFile("tasks/theirs.ics",
+              "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//test//EN\r\nBEGIN:VTODO\r\nUID:theirs\r\n"
+              "SUMMARY:Theirs\r\nDTSTART;VALUE=DATE:20260316\r\nDUE;VALUE=DATE:20260318\r\n"
+              "BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:x\r\nTRIGGER:-PT15M\r\nEND:VALARM\r\n"
+              "END:VTODO\r\nEND:VCALENDAR\r\n");
+    PimRecord task;
+    task.itemKind = kItemTask;
+    task.subject = u"Tax return";
+    task.dueDate = DateTime(2026, 3, 31).ToDate();
+    task.reminderSet = true;
+    task.reminderMinutes = 24 * 60;
+    task.sensitivity = 3;
+    {
+        auto source = OpenSource(false);
+        ASSERT_EQ(source->Save(task, kFolderTasks), SaveResult::Saved);
+    }
+    const std::string text = ReadFile("tasks/" + task.uid + ".ics");
+    EXPECT_NE(text.find("TRIGGER;RELATED=END:-P1D"), std::string::npos) << text;
+    EXPECT_NE(text.find("CLASS:CONFIDENTIAL"), std::string::npos) << text;
+    // A task has no busy status.
+    EXPECT_EQ(text.find("TRANSP"), std::string::npos) << text;
+    EXPECT_EQ(text.find("BUSYSTATUS"), std::string::npos) << text;
+
+    // Read from the files, then from the index that start left behind.
+    for (int start = 0; start < 2; ++start) {
+        PimStore store;
+        ASSERT_TRUE(store.Open(OpenSource(true)));
+        std::vector<PimItem> items;
+        store.GetDayTasks(2026, 3, 31, items);
+        ASSERT_EQ(items.size(), 1u) << "start " << start;
+        PimRecord back;
+        ASSERT_TRUE(store.Source()->GetItemFromOid(items[0].oid, back));
+        EXPECT_TRUE(back.reminderSet) << "start " << start;
+        EXPECT_EQ(back.reminderMinutes, 24 * 60) << "start " << start;
+        EXPECT_EQ(back.sensitivity, 3) << "start " << start;
+        items.clear();
+        store.GetDayTasks(2026, 3, 18, items);
+        ASSERT_EQ(items.size(), 1u);
+        ASSERT_TRUE(store.Source()->GetItemFromOid(items[0].oid, back));
+        EXPECT_FALSE(back.reminderSet) << "start " << start;
+        if (start == 1) {
+            // Saved with its subject changed, their alarm stays and none is added.
+            back.subject = u"Theirs, edited";
+            ASSERT_EQ(store.Source()->Save(back, kFolderTasks), SaveResult::Saved);
+            const std::string theirs = ReadFile("tasks/theirs.ics");
+            EXPECT_NE(theirs.find("TRIGGER:-PT15M"), std::string::npos) << theirs;
+            EXPECT_EQ(theirs.find("RELATED=END"), std::string::npos) << theirs;
+        }
+        store.Close();
+    }
 }
 
 } // namespace
