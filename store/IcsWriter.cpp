@@ -121,16 +121,28 @@ void Fill(icalcomponent* component, const PimRecord& record, bool writeRule = tr
             icalcomponent_add_property(component, TimeProperty(ICAL_DTSTART_PROPERTY, record.startDate, true));
         if (record.dueDate != kNoDate)
             icalcomponent_add_property(component, TimeProperty(ICAL_DUE_PROPERTY, record.dueDate, true));
-        // A task that was complete already keeps the moment it was completed.
+        // A task that was complete already keeps the moment it was completed;
+        // an open task keeps the status and progress another program gave it
+        // (IN-PROCESS, 40 %) until it is completed or reopened here.
         const bool wasComplete = icalcomponent_get_first_property(component, ICAL_COMPLETED_PROPERTY) != nullptr;
-        RemoveAll(component, ICAL_STATUS_PROPERTY);
+        icalproperty* statusProperty = icalcomponent_get_first_property(component, ICAL_STATUS_PROPERTY);
+        const icalproperty_status oldStatus =
+            statusProperty ? icalproperty_get_status(statusProperty) : ICAL_STATUS_NONE;
+        icalproperty* percent = icalcomponent_get_first_property(component, ICAL_PERCENTCOMPLETE_PROPERTY);
+        const bool wholePercent = percent && icalproperty_get_percentcomplete(percent) >= 100;
         RemoveAll(component, ICAL_PRIORITY_PROPERTY);
         if (!record.complete || !wasComplete) RemoveAll(component, ICAL_COMPLETED_PROPERTY);
-        if (!record.complete) RemoveAll(component, ICAL_PERCENTCOMPLETE_PROPERTY);
-        icalcomponent_add_property(component,
-                                   icalproperty_new_status(record.complete    ? ICAL_STATUS_COMPLETED
-                                                           : record.cancelled ? ICAL_STATUS_CANCELLED
-                                                                              : ICAL_STATUS_NEEDSACTION));
+        if (record.complete) {
+            if (percent) icalproperty_set_percentcomplete(percent, 100);
+        } else if (wholePercent) {
+            RemoveAll(component, ICAL_PERCENTCOMPLETE_PROPERTY);
+        }
+        icalproperty_status status = record.complete    ? ICAL_STATUS_COMPLETED
+                                     : record.cancelled ? ICAL_STATUS_CANCELLED
+                                                        : ICAL_STATUS_NEEDSACTION;
+        if (!record.complete && !record.cancelled && oldStatus == ICAL_STATUS_INPROCESS) status = oldStatus;
+        RemoveAll(component, ICAL_STATUS_PROPERTY);
+        icalcomponent_add_property(component, icalproperty_new_status(status));
         if (record.complete && !wasComplete)
             icalcomponent_add_property(
                 component, icalproperty_new_completed(icaltime_current_time_with_zone(icaltimezone_get_utc_timezone())));
