@@ -193,6 +193,7 @@ TEST(AttachmentUri, PathsAndAddressesRoundTrip) {
 }
 
 TEST_F(AttendeesAndAttachmentsTest, SubjectAndLocationFieldsAreLabelledOnBothScreens) {
+    LanguageTable::Instance().SetText(u"LANGUAGE=en\naddmodify.Subject=Subject\naddmodify.Location=Location\n");
     OpenStore();
     for (auto [width, height] : {std::pair{480, 640}, std::pair{240, 320}}) {
         editor_.reset();
