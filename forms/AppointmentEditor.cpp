@@ -124,7 +124,7 @@ void AppointmentEditor::Layout() {
     // needs (at most a third of the screen).
     labelWidth_ = 0;
     for (const char* key : {"addmodify.Subject", "addmodify.Location"})
-        labelWidth_ = std::max(labelWidth_, TextLayout(Lang(key), *font_, width, false).Width());
+        labelWidth_ = std::max(labelWidth_, TextLayout(Lang(key), *bold_, width, false).Width());
     labelWidth_ = std::min(labelWidth_ + margin, width / 3);
     const int fieldLeft = margin + labelWidth_;
     int top = Scale(kTitleHeight) + margin;
@@ -179,7 +179,8 @@ void AppointmentEditor::OnPaint(HDC dc) {
     const int margin = Scale(kMargin);
     const int field = Scale(kFieldHeight);
     int top = Scale(kTitleHeight) + margin;
-    dc->SelectFont(font_.get());
+    // In bold, as the labels of the rows below.
+    dc->SelectFont(bold_.get());
     dc->SetBkMode(TRANSPARENT);
     dc->SetTextColor(SkinStyles::Current().inputForms.colorItemText);
     for (const char* key : {"addmodify.Subject", "addmodify.Location"}) {

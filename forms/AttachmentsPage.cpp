@@ -26,7 +26,7 @@ std::function<void(AttachmentsPage&)>& OpenObserver() {
     return observer;
 }
 
-// An attachment: "[FILE]" and its name in bold over the path or address.
+// An attachment: "[FILE]" and its name in bold, over the path of a file.
 class AttachmentRow : public TouchListItem {
 public:
     AttachmentRow(UINT command, const std::u16string& uri, const Font& font, const Font& bold, int width)
@@ -34,7 +34,9 @@ public:
         const int room = std::max(1, width - Scale(2 * kIndent));
         const std::string path = AttachmentUri::LocalPath(uri);
         name_ = TextLayout(u"[FILE] " + AttachmentUri::DisplayName(uri), bold, room, false);
-        where_ = TextLayout(path.empty() ? uri : Utf8ToUtf16(path), font, room, false);
+        // A file's folder tells which of two same-named files it is; a web
+        // address is all said on the first line.
+        where_ = TextLayout(path.empty() ? std::u16string() : Utf8ToUtf16(path), font, room, false);
         height_ = std::max(Scale(kRowHeight), name_.Height() + where_.Height() + Scale(kIndent));
     }
     void Draw(Dc& dc, const RECT& rect) override {
