@@ -69,7 +69,6 @@ void MarkerWorker::Start(std::unique_ptr<MarkerJob> job, bool immediate) {
         if (!immediate) LowerPriority();
         ++g_runningJobs;
         Compute(*job);
-        --g_runningJobs;
         const HWND grid = job->grid;
         {
             std::lock_guard lock(shared->mutex);
@@ -79,6 +78,9 @@ void MarkerWorker::Start(std::unique_ptr<MarkerJob> job, bool immediate) {
                 windows->PostMessage(grid, WM_MARKERS_READY, 1, id);
             }
         }
+        // Counted until the result is posted: no running job means every
+        // result is in the grid's queue.
+        --g_runningJobs;
         *done = true;
     });
 }

@@ -42,7 +42,8 @@ public:
     // Takes the finished job a WM_MARKERS_READY message announced, or null.
     std::unique_ptr<MarkerJob> TakeFinished(LPARAM id);
 
-    // Workers running in the whole process.
+    // Workers running in the whole process; a finished worker's result is
+    // posted to its grid before it stops counting.
     static int RunningJobs();
     // Sets the flags of the job's cells from the store (any thread).
     static void Compute(MarkerJob& job);

@@ -56,6 +56,8 @@ struct PimRecord {
     bool birthdayHasYear = true;
     double anniversary = kNoDate;
     bool anniversaryHasYear = true;
+    // Contacts: the e-mail addresses, in the card's order.
+    std::vector<std::u16string> emails;
 
     friend bool operator==(const PimRecord&, const PimRecord&) = default;
 };

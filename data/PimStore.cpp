@@ -411,6 +411,29 @@ void PimStore::ReloadAppointment(std::int32_t oid) {
     std::lock_guard lock(cacheMutex_);
     RemoveAppointment(oid);
     std::lock_guard storeLock(storeMutex_);
+    PimRecord record;
+    if (!source_ || !source_->GetItemFromOid(oid, record)) return; // gone: removed above
+    if (record.itemKind == kItemAppointment && !record.isRecurring) {
+        // A single item is itself the one entry of each month it overlaps
+        // (by the days of its start and end, as the month's query counts
+        // them): no query of the whole folder for one change.
+        if (record.start == kNoDate || record.end == kNoDate) return;
+        const long first = static_cast<long>(std::trunc(record.start));
+        const long last = static_cast<long>(std::trunc(record.end));
+        for (auto& [key, entry] : cache_.AppointmentMonths()) {
+            if (!entry.loaded) continue;
+            const auto [year, month] = key;
+            if (first > DateTime(year, month, DaysInMonth(year, month), 23, 59, 59).DayNumber() ||
+                last < DateTime(year, month, 1).DayNumber())
+                continue;
+            PimItem item = ToAppointment(record);
+            const std::size_t at = AppointmentInsertPosition(entry.items, item.startValue);
+            entry.items.insert(entry.items.begin() + static_cast<std::ptrdiff_t>(at), std::move(item));
+            MonthCache::IndexAppointments(entry, year, month);
+        }
+        return;
+    }
+    // A series: its occurrences may fall into any loaded month.
     for (auto& [key, entry] : cache_.AppointmentMonths()) {
         if (!entry.loaded) continue;
         const auto [year, month] = key;

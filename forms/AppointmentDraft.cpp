@@ -2,6 +2,7 @@
 
 #include "data/EditorTexts.h"
 #include "data/RecurrenceDescriber.h"
+#include "forms/AttachmentUri.h"
 #include "lang/LanguageTable.h"
 #include "platform/Locale.h"
 #include "platform/Settings.h"
@@ -223,11 +224,8 @@ std::u16string AppointmentDraft::Value(Row row) const {
     }
     case Row::Attachments: {
         std::u16string text;
-        for (const std::u16string& a : record_.attachments) {
-            const std::size_t slash = a.find_last_of(u'/');
-            text += (text.empty() ? u"" : u", ") + std::u16string(u"[FILE] ") +
-                    (slash == std::u16string::npos ? a : a.substr(slash + 1));
-        }
+        for (const std::u16string& a : record_.attachments)
+            text += (text.empty() ? u"" : u", ") + std::u16string(u"[FILE] ") + AttachmentUri::DisplayName(a);
         return text.empty() ? u"-" : text;
     }
     case Row::Notes: return record_.body.empty() ? u"-" : record_.body;

@@ -4,6 +4,7 @@
 #include "data/PimStore.h"
 #include "data/TemplateLists.h"
 #include "forms/AppointmentSaver.h"
+#include "forms/AttachmentsPage.h"
 #include "forms/AttendeeDialog.h"
 #include "forms/CategoryPickerPage.h"
 #include "forms/DatePickerPage.h"
@@ -15,7 +16,6 @@
 #include "forms/TimeSpanPickerPage.h"
 #include "lang/LanguageTable.h"
 #include "platform/Log.h"
-#include "platform/PlatformServices.h"
 #include "platform/TextUtil.h"
 #include "platform/VirtualKeys.h"
 #include "skin/SkinStyles.h"
@@ -24,6 +24,7 @@
 #include "ui/MessagePage.h"
 #include "ui/RegisteredMessages.h"
 #include "ui/Scale.h"
+#include "ui/TextLayout.h"
 #include "ui/WinApi.h"
 
 #include <algorithm>
@@ -119,9 +120,17 @@ void AppointmentEditor::Layout() {
     const int margin = Scale(kMargin);
     const int field = Scale(kFieldHeight);
     const int button = Scale(kListButtonWidth);
+    // The fields' labels stand left of them, as wide as the wider label
+    // needs (at most a third of the screen).
+    labelWidth_ = 0;
+    for (const char* key : {"addmodify.Subject", "addmodify.Location"})
+        labelWidth_ = std::max(labelWidth_, TextLayout(Lang(key), *bold_, width, false).Width());
+    labelWidth_ = std::min(labelWidth_ + margin, width / 3);
+    const int fieldLeft = margin + labelWidth_;
     int top = Scale(kTitleHeight) + margin;
     for (auto [text, list] : {std::pair{&subject_, &subjectList_}, std::pair{&location_, &locationList_}}) {
-        MoveWindow(text->GetHwnd(), margin, top, std::max(1, width - 3 * margin - button), field, true);
+        MoveWindow(text->GetHwnd(), fieldLeft, top, std::max(1, width - fieldLeft - 2 * margin - button), field,
+                   true);
         MoveWindow(list->GetHwnd(), width - margin - button, top, button, field, true);
         top += field + margin;
     }
@@ -167,6 +176,19 @@ void AppointmentEditor::OnPaint(HDC dc) {
     RECT client;
     GetClientRect(window, &client);
     FormPainter::PaintPage(*dc, client, Scale(kTitleHeight), bold_.get(), Title());
+    const int margin = Scale(kMargin);
+    const int field = Scale(kFieldHeight);
+    int top = Scale(kTitleHeight) + margin;
+    // In bold, as the labels of the rows below.
+    dc->SelectFont(bold_.get());
+    dc->SetBkMode(TRANSPARENT);
+    dc->SetTextColor(SkinStyles::Current().inputForms.colorItemText);
+    for (const char* key : {"addmodify.Subject", "addmodify.Location"}) {
+        RECT label{margin, top, margin + labelWidth_ - margin, top + field};
+        dc->DrawText(Lang(key), label, DT_LEFT | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
+        top += field + margin;
+    }
+    dc->SelectFont(nullptr);
 }
 
 void AppointmentEditor::OnCommand(UINT id, UINT code, HWND control) {
@@ -266,12 +288,7 @@ void AppointmentEditor::ActivateRow(Row row) {
         return;
     }
     case Row::Attendees: EditAttendees(); return;
-    case Row::Attachments: {
-        std::vector<std::u16string> entries;
-        for (const std::u16string& a : draft_.Record().attachments) entries.push_back(u"[FILE] " + a);
-        OpenMenu(Menu::Attachments, entries, Lang("File"));
-        return;
-    }
+    case Row::Attachments: EditAttachments(); return;
     case Row::Notes: EditNotes(); return;
     }
     Fill();
@@ -338,15 +355,6 @@ void AppointmentEditor::OnMenuChoice(int index) {
             draft_.SetRecurrenceEnd(0, 0.0);
         }
         break;
-    }
-    case Menu::Attachments: {
-        if (index >= static_cast<int>(draft_.Record().attachments.size())) return;
-        const std::string target = Utf16ToUtf8(draft_.Record().attachments[static_cast<size_t>(index)]);
-        const bool url = target.find("://") != std::string::npos && target.rfind("file://", 0) != 0;
-        const std::string path = target.rfind("file://", 0) == 0 ? target.substr(7) : target;
-        if (!(url ? PlatformServices::Instance().OpenUrl(target) : PlatformServices::Instance().OpenPath(path)))
-            MessagePage::Tell(window, Lang("editor.CannotOpen"));
-        return;
     }
     }
     Fill();
@@ -417,6 +425,13 @@ void AppointmentEditor::EditAttendees() {
     const auto people = AttendeeDialog::Edit(window, draft_.Record().attendees);
     if (!people) return;
     draft_.SetAttendees(*people);
+    Fill();
+}
+
+void AppointmentEditor::EditAttachments() {
+    const auto attachments = AttachmentsPage::Edit(window, draft_.Record().attachments);
+    if (!attachments) return;
+    draft_.SetAttachments(*attachments);
     Fill();
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 // The appointment editor: a page with the subject and location fields at
-// the top (each with a button that offers the subject templates or the known
+// the top (each after its label, with a button that offers the subject templates or the known
 // locations), a touch list of the other field rows, and OK and Cancel. A
 // tap on a row opens its picker, its page or a small menu; OK saves through
 // AppointmentSaver and closes, Cancel closes (and removes the fresh copy of
@@ -67,7 +67,7 @@ public:
     INT_PTR DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override;
 
 private:
-    enum class Menu { None, Subjects, Locations, Reminder, BusyStatus, Sensitivity, Recurrence, Attachments };
+    enum class Menu { None, Subjects, Locations, Reminder, BusyStatus, Sensitivity, Recurrence };
 
     void Layout();
     void Fill();
@@ -80,6 +80,7 @@ private:
     void EditNotes();
     void EditCategories();
     void EditAttendees();
+    void EditAttachments();
     void OpenRecurrence();
     void ReloadFromStore();
     void Styled(ButtonWnd& button);
@@ -103,6 +104,7 @@ private:
     bool closed_ = false;
     bool saved_ = false;
     UINT closeAllMessage_ = 0;
+    int labelWidth_ = 0; // the column of the subject and location labels
 };
 
 } // namespace mirodate

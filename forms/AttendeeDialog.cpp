@@ -1,5 +1,8 @@
 #include "forms/AttendeeDialog.h"
 
+#include "data/PimFolder.h"
+#include "data/PimStore.h"
+#include "data/TextMatcher.h"
 #include "lang/LanguageTable.h"
 #include "skin/SkinStyles.h"
 #include "ui/Dc.h"
@@ -17,6 +20,7 @@ constexpr int kFieldId = 203;
 constexpr int kRowHeight = 34;
 constexpr int kAddWidth = 30;
 constexpr int kIndent = 6;
+constexpr int kSectionHeight = 22;
 
 std::function<void(AttendeeDialog&)>& OpenObserver() {
     static std::function<void(AttendeeDialog&)> observer;
@@ -57,10 +61,125 @@ private:
     TextLayout address_;
     int height_ = 0;
 };
+
+// The band over the contacts' addresses.
+class SectionRow : public TouchListItem {
+public:
+    SectionRow(const std::u16string& text, const Font& bold, int width)
+        : text_(text, bold, std::max(1, width - Scale(2 * kIndent)), false) {}
+    void Draw(Dc& dc, const RECT& rect) override {
+        const AddModifyFormStyle& style = SkinStyles::Current().addModifyForm;
+        dc.FillRect(rect, style.colorHeaderBg);
+        text_.Draw(dc, rect.left + Scale(kIndent), rect.top + (rect.Height() - text_.Height()) / 2,
+                   style.colorHeaderText);
+    }
+    int Height() const override { return std::max(Scale(kSectionHeight), text_.Height() + Scale(kIndent)); }
+
+private:
+    TextLayout text_;
+};
+
+// A contact's address to add, with a "+" on the right. Laid out when first
+// drawn: a long address book costs only the rows the user scrolls to.
+class ContactRow : public TouchListItem {
+public:
+    ContactRow(UINT command, const AppointmentDraft::Person& person, const Font& font, const Font& bold, int width,
+               int height)
+        : command_(command), person_(person), font_(font), bold_(bold), width_(width), height_(height) {}
+    void Draw(Dc& dc, const RECT& rect) override {
+        if (plus_.IsEmpty()) {
+            plus_ = TextLayout(u"+", bold_, width_, false);
+            const int room = std::max(1, width_ - Scale(3 * kIndent) - plus_.Width());
+            name_ = TextLayout(person_.name.empty() ? person_.address : person_.name, bold_, room, false);
+            address_ = TextLayout(person_.name.empty() ? std::u16string() : person_.address, font_, room, false);
+        }
+        const AddModifyFormStyle& style = SkinStyles::Current().addModifyForm;
+        dc.FillRect(rect, highlighted_ ? style.colorSelectionMark : style.colorBg2);
+        dc.FillRect(RECT{rect.left, rect.bottom - 1, rect.right, rect.bottom}, style.colorLineSeparator);
+        const COLORREF ink = highlighted_ ? style.colorTextSel : style.colorText;
+        const int top = rect.top + (rect.Height() - name_.Height() - address_.Height()) / 2;
+        name_.Draw(dc, rect.left + Scale(kIndent), top, ink);
+        address_.Draw(dc, rect.left + Scale(kIndent), top + name_.Height(), ink);
+        plus_.Draw(dc, rect.right - Scale(kIndent) - plus_.Width(), rect.top + (rect.Height() - plus_.Height()) / 2,
+                   ink);
+    }
+    int Height() const override { return height_; }
+    void Click(HWND list, int, int) override { PostMessage(GetParent(list), WM_DEFERRED_COMMAND, command_, 0); }
+
+private:
+    UINT command_;
+    AppointmentDraft::Person person_;
+    const Font& font_;
+    const Font& bold_;
+    int width_;
+    int height_;
+    TextLayout plus_;
+    TextLayout name_;
+    TextLayout address_;
+};
+
+// Names in an order a reader expects: case does not matter.
+std::u16string SortKey(const AppointmentDraft::Person& person) {
+    std::u16string key = person.name.empty() ? person.address : person.name;
+    for (char16_t& c : key)
+        if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c - u'A' + u'a');
+    return key;
+}
 } // namespace
 
 AttendeeDialog::AttendeeDialog(const std::u16string& people)
-    : SmallFormPage(u""), people_(AppointmentDraft::SplitPeople(people)) {}
+    : SmallFormPage(u""), people_(AppointmentDraft::SplitPeople(people)), contacts_(ContactAddresses()) {
+    UpdateChoices();
+}
+
+std::vector<AppointmentDraft::Person> AttendeeDialog::ContactAddresses() {
+    std::vector<AppointmentDraft::Person> found;
+    PimSource* source = PimStore::Instance().Source();
+    std::unique_ptr<PimFolder> folder = source ? source->GetDefaultFolder(kFolderContacts) : nullptr;
+    std::unique_ptr<PimItems> items = folder ? folder->GetItems() : nullptr;
+    if (!items) return found;
+    PimRecord record;
+    const int count = items->GetCount();
+    for (int i = 0; i < count; ++i) {
+        if (!items->Item(i, record)) continue;
+        for (const std::u16string& address : record.emails) {
+            AppointmentDraft::Person person;
+            // What a card holds is checked as a typed address is.
+            if (!ParseEntry(address, person)) continue;
+            person.name = record.subject.substr(0, kMaxEntry);
+            // The separators of the people text cannot stand in a name.
+            for (char16_t& c : person.name)
+                if (c == u'|' || c == u'~') c = u' ';
+            found.push_back(std::move(person));
+        }
+    }
+    std::stable_sort(found.begin(), found.end(),
+                     [](const auto& a, const auto& b) { return SortKey(a) < SortKey(b); });
+    return found;
+}
+
+void AttendeeDialog::UpdateChoices() {
+    choices_.clear();
+    const std::u16string typed = field_.GetHwnd() ? field_.GetText() : std::u16string();
+    TextMatcher matcher(typed.substr(0, kMaxEntry));
+    for (const AppointmentDraft::Person& contact : contacts_) {
+        if (choices_.size() >= kMaxContactRows) break;
+        const bool invited = std::any_of(people_.begin(), people_.end(), [&](const AppointmentDraft::Person& p) {
+            return p.address == contact.address;
+        });
+        if (invited) continue;
+        if (!matcher.IsEmpty() && !matcher.Contains(contact.name) && !matcher.Contains(contact.address)) continue;
+        choices_.push_back(contact);
+    }
+}
+
+void AttendeeDialog::AddContact(int index) {
+    if (index < 0 || index >= static_cast<int>(choices_.size()) || people_.size() >= kMaxPeople) return;
+    people_.push_back(choices_[static_cast<size_t>(index)]);
+    // The typed text only looked for this contact.
+    if (field_.GetHwnd()) field_.SetText(u"");
+    Fill();
+}
 AttendeeDialog::~AttendeeDialog() = default;
 
 void AttendeeDialog::SetOpenObserver(std::function<void(AttendeeDialog&)> observer) {
@@ -154,13 +273,29 @@ void AttendeeDialog::Fill() {
     for (size_t i = 0; i < people_.size(); ++i)
         list_.AddItem(std::make_unique<PersonRow>(kCmdRowBase + static_cast<UINT>(i), people_[i], *font_, *bold_,
                                                   client.Width()));
+    UpdateChoices();
+    if (!choices_.empty()) {
+        list_.AddItem(std::make_unique<SectionRow>(Lang("editor.FromContacts"), *bold_, client.Width()));
+        const int lines = TextLayout(u"Ag", *bold_, client.Width(), false).Height() +
+                          TextLayout(u"Ag", *font_, client.Width(), false).Height();
+        const int height = std::max(Scale(kRowHeight), lines + Scale(kIndent));
+        for (size_t i = 0; i < choices_.size(); ++i)
+            list_.AddItem(std::make_unique<ContactRow>(kCmdContactBase + static_cast<UINT>(i), choices_[i], *font_,
+                                                       *bold_, client.Width(), height));
+    }
     list_.Relayout();
     list_.RefreshViewport();
 }
 
 void AttendeeDialog::OnControl(HWND control, UINT code) {
     if (control == add_.GetHwnd() || (control == field_.GetHwnd() && code == EN_ENTER)) {
-        if (Add(field_.GetText())) field_.SetText(u"");
+        if (Add(field_.GetText())) {
+            field_.SetText(u"");
+            Fill();
+        }
+    } else if (control == field_.GetHwnd() && code == EN_CHANGE && !contacts_.empty()) {
+        // The contacts narrow to what is typed.
+        Fill();
     }
 }
 
@@ -174,6 +309,8 @@ bool AttendeeDialog::OnAccept() {
 
 void AttendeeDialog::OnDeferredCommand(UINT id) {
     if (id >= kCmdRowBase && id < kCmdRowBase + people_.size()) Remove(static_cast<int>(id - kCmdRowBase));
+    else if (id >= kCmdContactBase && id < kCmdContactBase + choices_.size())
+        AddContact(static_cast<int>(id - kCmdContactBase));
 }
 
 void AttendeeDialog::OnDialogReady() {

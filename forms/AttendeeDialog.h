@@ -1,9 +1,12 @@
 #pragma once
 // A modal page that edits the people of a meeting: the list of names and
-// addresses (a tap removes a person after asking), and a field for a new
-// one, typed as an address or as "Name <address>". An address without "@"
-// is refused with a message. Returns the people as PimRecord keeps them
-// ("name|address" joined by "~"), or nothing on Cancel.
+// addresses (a tap removes a person after asking), a field for a new one,
+// typed as an address or as "Name <address>", and below the people the
+// contacts' e-mail addresses to pick from (a tap adds one; what is typed in
+// the field narrows them to the contacts whose name or address contains
+// it). An address without "@" is refused with a message. Returns the people
+// as PimRecord keeps them ("name|address" joined by "~"), or nothing on
+// Cancel.
 #include "forms/AppointmentDraft.h"
 #include "forms/SmallFormPage.h"
 #include "ui/TextFieldWnd.h"
@@ -19,9 +22,12 @@ namespace mirodate {
 class AttendeeDialog : public SmallFormPage {
 public:
     static constexpr UINT kCmdRowBase = 0x7E00;
+    static constexpr UINT kCmdContactBase = 0x8000;
     static constexpr std::size_t kMaxEntry = 255;
     // No meeting needs more; the list stays readable.
     static constexpr std::size_t kMaxPeople = 200;
+    // Contact addresses listed at once; typing narrows a longer list.
+    static constexpr std::size_t kMaxContactRows = 500;
 
     explicit AttendeeDialog(const std::u16string& people);
     ~AttendeeDialog() override;
@@ -35,6 +41,12 @@ public:
     bool Add(const std::u16string& text);
     // Removes person `index` after asking.
     void Remove(int index);
+    // The contact addresses listed now (the typed text narrows them; people
+    // already invited are left out), and adding one of them.
+    const std::vector<AppointmentDraft::Person>& ContactChoices() const { return choices_; }
+    void AddContact(int index);
+    // Every e-mail address of the store's contacts, one entry each, by name.
+    static std::vector<AppointmentDraft::Person> ContactAddresses();
     std::u16string Value() const { return AppointmentDraft::JoinPeople(people_); }
     TouchListCtrlWnd& List() { return list_; }
     TextFieldWnd& Field() { return field_; }
@@ -53,8 +65,11 @@ protected:
 
 private:
     void Fill();
+    void UpdateChoices();
 
     std::vector<AppointmentDraft::Person> people_;
+    std::vector<AppointmentDraft::Person> contacts_;
+    std::vector<AppointmentDraft::Person> choices_;
     TouchListCtrlWnd list_;
     TextFieldWnd field_;
     ButtonWnd add_;

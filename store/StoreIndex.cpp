@@ -132,6 +132,8 @@ void WriteItem(Writer& w, const StoredItem& item) {
     for (int v : {rec.reminderMinutes, rec.busyStatus, rec.sensitivity}) w.Value<std::int32_t>(v);
     w.Value<std::int32_t>(static_cast<std::int32_t>(rec.attachments.size()));
     for (const std::u16string& a : rec.attachments) w.Text(a);
+    w.Value<std::int32_t>(static_cast<std::int32_t>(rec.emails.size()));
+    for (const std::u16string& e : rec.emails) w.Text(e);
 }
 
 StoredItem ReadItem(Reader& r) {
@@ -168,6 +170,8 @@ StoredItem ReadItem(Reader& r) {
     // Each attachment takes at least its length word: a count beyond the
     // data is damage, and the reader's own checks end the index.
     for (std::int32_t i = 0; i < attachments && r.ok; ++i) rec.attachments.push_back(r.Text());
+    const std::int32_t emails = r.Value<std::int32_t>();
+    for (std::int32_t i = 0; i < emails && r.ok; ++i) rec.emails.push_back(r.Text());
     return item;
 }
 

@@ -3,6 +3,7 @@
 #include "data/DateTime.h"
 #include "platform/TextUtil.h"
 
+#include <algorithm>
 #include <cctype>
 #include <vector>
 
@@ -70,6 +71,20 @@ bool Digits(std::string_view text, std::size_t at, std::size_t count, int& value
     return true;
 }
 
+// An EMAIL value as an address: unescaped, trimmed, a "mailto:" taken off;
+// empty when it cannot be one (no "@", blanks inside, too long).
+std::string EmailAddress(const std::string& value) {
+    std::string text = Unescape(value);
+    const std::size_t first = text.find_first_not_of(" \t");
+    if (first == std::string::npos) return {};
+    text = text.substr(first, text.find_last_not_of(" \t") - first + 1);
+    if (ToLowerAscii(text.substr(0, 7)) == "mailto:") text.erase(0, 7);
+    if (text.empty() || text.size() > VcardReader::kMaxEmailLength || text.find('@') == std::string::npos ||
+        text.find_first_of(" \t\r\n,;<>") != std::string::npos)
+        return {};
+    return text;
+}
+
 } // namespace
 
 bool VcardReader::ParseDate(std::string_view text, double& date, bool& hasYear) {
@@ -118,6 +133,12 @@ bool VcardReader::Read(std::string_view text, PimRecord& record, std::string& pr
         if (line.name == "fn") fullName = Unescape(line.value);
         else if (line.name == "n") structuredName = line.value;
         else if (line.name == "uid") record.uid = Unescape(line.value);
+        else if (line.name == "email") {
+            const std::u16string address = Utf8ToUtf16(EmailAddress(line.value));
+            if (!address.empty() && record.emails.size() < kMaxEmails &&
+                std::find(record.emails.begin(), record.emails.end(), address) == record.emails.end())
+                record.emails.push_back(address);
+        }
         else if (line.params.find("value=text") == std::string::npos) {
             double date = 0.0;
             bool hasYear = true;

@@ -1,6 +1,7 @@
 #pragma once
 // Reads what the calendar needs of a vCard (2.1, 3.0 or 4.0): the UID, the
-// display name and the birthday and anniversary, with or without a year.
+// display name, the birthday and anniversary (with or without a year) and
+// every e-mail address (for inviting the contact to a meeting).
 #include "data/PimRecord.h"
 
 #include <string>
@@ -10,6 +11,11 @@ namespace mirodate {
 
 class VcardReader {
 public:
+    // More addresses than anyone has are left out: a damaged card must not
+    // fill the attendee list.
+    static constexpr std::size_t kMaxEmails = 32;
+    static constexpr std::size_t kMaxEmailLength = 254;
+
     // False (with the reason) for text that is not a vCard.
     static bool Read(std::string_view text, PimRecord& record, std::string& problem);
     // "1990-02-15", "19900215", "--0215", "--02-15", with or without a time

@@ -457,11 +457,19 @@ bool VdirSource::WriteAtomically(int directory, const std::string& fileName, con
         if (n <= 0) break;
         done += static_cast<std::size_t>(n);
     }
+    // The content reaches the disk before the rename makes it the item, so
+    // that a crash leaves the old file or the new one, never an empty one.
     const bool written = done == text.size() && fsync(fd) == 0;
     if (close(fd) != 0 || !written || rename(temp.c_str(), target.c_str()) != 0) {
         Log::Error("store: cannot write %s: %s", target.c_str(), std::strerror(errno));
         unlink(temp.c_str());
         return false;
+    }
+    // And the rename itself, once: the folder's entry is what a restart finds.
+    const int dirFd = open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (dirFd >= 0) {
+        if (fsync(dirFd) != 0) Log::Warning("store: cannot sync %s: %s", dir.c_str(), std::strerror(errno));
+        close(dirFd);
     }
     return true;
 }

@@ -278,5 +278,30 @@ TEST(VcardReader, DatesWithAndWithoutYear) {
     EXPECT_FALSE(VcardReader::Read("BEGIN:VCALENDAR\r\n", record, problem));
 }
 
+TEST(VcardReader, EveryEmailAddressOnceAndOnlyAddresses) {
+    PimRecord record;
+    std::string problem;
+    // Grouped, with parameters of every version, "mailto:" and blanks
+    // around; a doubled address counts once; what cannot be an address
+    // (no "@", blanks or a comma inside) is left out.
+    ASSERT_TRUE(VcardReader::Read("BEGIN:VCARD\r\nVERSION:4.0\r\nFN:Eva\r\n"
+                                  "EMAIL;PREF=1:eva@example.org\r\n"
+                                  "item2.email;type=INTERNET;type=pref:  eva.k@example.com \r\n"
+                                  "EMAIL;INTERNET:MAILTO:eva@home.example\r\nEMAIL:eva\\,home@example.net\r\n"
+                                  "EMAIL:EVA@example.org\r\nEMAIL:eva@example.org\r\n"
+                                  "EMAIL:no address\r\nEMAIL:\r\nEMAIL:a b@example.org\r\n"
+                                  "END:VCARD\r\nBEGIN:VCARD\r\nEMAIL:second@card.example\r\nEND:VCARD\r\n",
+                                  record, problem));
+    EXPECT_EQ(record.emails, (std::vector<std::u16string>{u"eva@example.org", u"eva.k@example.com",
+                                                          u"eva@home.example", u"EVA@example.org"}));
+    // A card stuffed with addresses gives a bounded list.
+    std::string card = "BEGIN:VCARD\r\nFN:Many\r\n";
+    for (int i = 0; i < 1000; ++i) card += "EMAIL:m" + std::to_string(i) + "@example.org\r\n";
+    card += "EMAIL:" + std::string(300, 'x') + "@example.org\r\nEND:VCARD\r\n";
+    ASSERT_TRUE(VcardReader::Read(card, record, problem));
+    EXPECT_EQ(record.emails.size(), VcardReader::kMaxEmails);
+    EXPECT_EQ(record.emails.front(), u"m0@example.org");
+}
+
 } // namespace
 } // namespace mirodate

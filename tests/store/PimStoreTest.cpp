@@ -180,6 +180,46 @@ TEST_F(PimStoreTest, CacheFillsOnceAndFollowsSingleItemChanges) {
     EXPECT_EQ(store_.GetItemKind(VdirSource::HashUid("1")), kItemAppointment);
 }
 
+TEST_F(PimStoreTest, OneChangeLeavesEveryLoadedMonthAsAFreshFillWould) {
+    WriteFile("calendar/1.ics", Event("1", "SUMMARY:First\r\nDTSTART:20260310T090000\r\n"));
+    Open();
+    // Every day of February to May, as the cache hands them out.
+    auto days = [&] {
+        std::vector<Names> all;
+        for (int month = 2; month <= 5; ++month)
+            for (int day = 1; day <= DaysInMonth(2026, month); ++day) all.push_back(Day(2026, month, day));
+        return all;
+    };
+    days();
+    PimSource& source = *store_.Source();
+    PimRecord record;
+    record.itemKind = kItemAppointment;
+    record.subject = u"Moving";
+    struct Step {
+        DateTime start, end;
+        bool allDay;
+    };
+    // Across a month's end; all-day ending at midnight on the 1st; into a
+    // month not loaded; back.
+    for (const Step& step : {Step{DateTime(2026, 3, 30, 22, 0, 0), DateTime(2026, 4, 2, 10, 0, 0), false},
+                             Step{DateTime(2026, 2, 28), DateTime(2026, 3, 1), true},
+                             Step{DateTime(2026, 5, 31, 23, 0, 0), DateTime(2026, 6, 1, 1, 0, 0), false},
+                             Step{DateTime(2026, 4, 15, 9, 0, 0), DateTime(2026, 4, 15, 9, 0, 0), false}}) {
+        record.start = step.start.ToDate();
+        record.end = step.end.ToDate();
+        record.allDay = step.allDay;
+        ASSERT_EQ(source.Save(record, kFolderCalendar), SaveResult::Saved);
+        store_.ApplyNotification({kMsgItemChangedLocal, record.oid, kFolderCalendar});
+        const auto followed = days();
+        store_.ClearCache();
+        EXPECT_EQ(followed, days()) << step.start.GetMonth() << "/" << step.start.GetDay();
+    }
+    // A change reported for an item that is gone meanwhile removes it.
+    ASSERT_TRUE(source.Delete(record.oid));
+    store_.ApplyNotification({kMsgItemChangedRemote, record.oid, kFolderCalendar});
+    EXPECT_EQ(Day(2026, 4, 15), Names{});
+}
+
 TEST_F(PimStoreTest, SearchLooksAYearAheadInEveryText) {
     WriteFile("calendar/y.ics", Event("y", "SUMMARY:Yoga\r\nLOCATION:Studio\r\nDTSTART:20260302T180000\r\n"
                                            "DTEND:20260302T190000\r\nRRULE:FREQ=MONTHLY\r\n"));

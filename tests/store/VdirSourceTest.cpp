@@ -98,6 +98,23 @@ TEST_F(VdirSourceTest, IndexIsCheckedAgainstTheFiles) {
     EXPECT_EQ(source->GetItemCount(), 2);
 }
 
+TEST_F(VdirSourceTest, ContactAddressesComeFromTheFilesAndFromTheIndex) {
+    WriteFile("contacts/a.vcf", "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:a\r\nFN:Anna Berg\r\n"
+                                "item1.EMAIL;TYPE=INTERNET,WORK:anna@work.example\r\n"
+                                "EMAIL;TYPE=HOME:anna@home.exam\r\n ple\r\nEND:VCARD\r\n");
+    WriteFile("contacts/b.vcf", "BEGIN:VCARD\r\nVERSION:4.0\r\nUID:b\r\nFN:Ben\r\nEND:VCARD\r\n");
+    const std::vector<std::u16string> anna{u"anna@work.example", u"anna@home.example"};
+    for (bool fromIndex : {false, true}) {
+        // The first start reads the files and writes the index; the second reads the index.
+        auto source = OpenSource();
+        PimRecord record;
+        ASSERT_TRUE(source->GetItemFromOid(VdirSource::HashUid("a"), record));
+        EXPECT_EQ(record.emails, anna) << fromIndex;
+        ASSERT_TRUE(source->GetItemFromOid(VdirSource::HashUid("b"), record));
+        EXPECT_TRUE(record.emails.empty());
+    }
+}
+
 TEST_F(VdirSourceTest, SaveRefusesAFileChangedSinceItWasRead) {
     WriteFile("calendar/a.ics", Event("a", "DTSTART:20260301T100000\r\nDTEND:20260301T110000\r\nSUMMARY:Mine\r\nX-OTHER:kept\r\n"));
     auto source = OpenSource();
