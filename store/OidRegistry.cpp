@@ -33,18 +33,19 @@ void OidRegistry::Add(std::string key, Entry entry) { files_[std::move(key)] = s
 void OidRegistry::AssignAll() {
     byOid_.clear();
     snapshots_.clear();
-    std::vector<StoredItem*> ordered;
+    std::vector<const Entry*> ordered;
     ordered.reserve(files_.size());
     for (auto& [key, item] : files_)
-        if (item->readable) ordered.push_back(item.get());
-    std::sort(ordered.begin(), ordered.end(), [](const StoredItem* a, const StoredItem* b) { return InFileOrder(*a, *b); });
+        if (item->readable) ordered.push_back(&item);
+    std::sort(ordered.begin(), ordered.end(), [](const Entry* a, const Entry* b) { return InFileOrder(**a, **b); });
     // The first file of a UID (in folder and name order) holds it; later
     // files with the same UID are skipped.
     std::unordered_map<std::string_view, StoredItem*> byUid;
     byUid.reserve(ordered.size());
     std::vector<std::pair<std::int32_t, StoredItem*>> hashes;
     hashes.reserve(ordered.size());
-    for (StoredItem* item : ordered) {
+    for (const Entry* entry : ordered) {
+        StoredItem* item = entry->get();
         auto [it, inserted] = byUid.emplace(item->uid, item);
         if (!inserted) {
             item->problem = "UID " + item->uid + " is used by " + it->second->fileName;
@@ -63,9 +64,15 @@ void OidRegistry::AssignAll() {
     oidOfUid_.reserve(hashes.size());
     uidOfOid_.reserve(hashes.size());
     for (auto& [hash, item] : hashes) AssignOid(*item);
+    // The folders' snapshots come from the same order, so that the first
+    // query sorts nothing.
     byOid_.reserve(hashes.size());
-    for (auto& [key, item] : files_)
-        if (item->readable) byOid_[item->record.oid] = item;
+    for (const Entry* entry : ordered) {
+        const Entry& item = *entry;
+        if (!item->readable) continue;
+        byOid_[item->record.oid] = item;
+        snapshots_[item->folder].push_back(item);
+    }
 }
 
 void OidRegistry::AssignOid(StoredItem& item) {

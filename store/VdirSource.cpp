@@ -113,6 +113,11 @@ void VdirSource::SaveIndexLocked() {
         registry_.SetDirty(false);
 }
 
+void VdirSource::SaveIndexIfChanged() {
+    std::lock_guard lock(mutex_);
+    if (registry_.IsDirty()) SaveIndexLocked();
+}
+
 void VdirSource::Reread(const Entry& entry) {
     bool exists = false;
     auto fresh = std::make_shared<StoredItem>(io_.ReadFile(entry->directory, entry->fileName, exists));

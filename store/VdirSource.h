@@ -80,6 +80,9 @@ public:
     std::vector<SaveResult> ImportFiles(const std::vector<ImportFile>& files);
     bool HasUid(const std::string& uid);
     std::string FilePath(std::int32_t oid);
+    // Writes the index now if the files changed since it was written (the
+    // store does so when it closes, too).
+    void SaveIndexIfChanged();
     int GetItemCount();
 
     // Used by the folders and collections.
