@@ -81,8 +81,8 @@ bool VdirSource::Logon() {
         std::string key = Key(file.directory, file.name);
         auto known = index.find(key);
         Entry item;
-        if (known != index.end() && known->second.size == file.size && known->second.mtimeNs == file.mtimeNs) {
-            item = std::make_shared<StoredItem>(std::move(known->second));
+        if (known != index.end() && known->second->size == file.size && known->second->mtimeNs == file.mtimeNs) {
+            item = std::move(known->second);
             ++reused;
             if (!item->readable)
                 Log::Warning("store: skipped %s: %s", PrintableText(io_.FilePath(file.directory, file.name)).c_str(),
