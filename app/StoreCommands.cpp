@@ -79,7 +79,9 @@ int StoreCommands::List(const ProgramOptions& options) {
     }
     const std::string root = StoreRoot(options);
     PimStore& store = PimStore::Instance();
-    if (!store.Open(std::make_unique<VdirSource>(root))) {
+    auto source = std::make_unique<VdirSource>(root);
+    VdirSource& vdir = *source;
+    if (!store.Open(std::move(source))) {
         std::fprintf(stderr, "mirodate: cannot read the store at %s\n", root.c_str());
         return 2;
     }
@@ -101,6 +103,8 @@ int StoreCommands::List(const ProgramOptions& options) {
     }
     std::fwrite(out.data(), 1, out.size(), stdout);
     std::fflush(stdout);
+    // The program may end without closing the store (see main).
+    vdir.SaveIndexIfChanged();
     return 0;
 }
 

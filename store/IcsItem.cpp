@@ -141,10 +141,29 @@ bool TooCostlyToExpand(const icalrecurrencetype& rule) {
 }
 
 // Seconds of a fixed step of a rule without BY parts finer than a day.
+// Daily and weekly rules without BY parts step the wall clock by a fixed
+// amount too; a weekly rule whose only BY part is DTSTART's own weekday (as
+// many programs write it) is the same rule.
+bool IsPlainDailyOrWeekly(const icalrecurrencetype& rule, const icaltimetype& start) {
+    if (rule.freq == ICAL_DAILY_RECURRENCE) return !HasByParts(rule);
+    if (rule.freq != ICAL_WEEKLY_RECURRENCE) return false;
+    if (!Has(rule.by_day)) return !HasByParts(rule);
+    const bool onlyStartDay = rule.by_day[1] == ICAL_RECURRENCE_ARRAY_MAX &&
+                              icalrecurrencetype_day_position(rule.by_day[0]) == 0 &&
+                              static_cast<int>(icalrecurrencetype_day_day_of_week(rule.by_day[0])) ==
+                                  icaltime_day_of_week(start);
+    return onlyStartDay && !Has(rule.by_second) && !Has(rule.by_minute) && !Has(rule.by_hour) &&
+           !Has(rule.by_month_day) && !Has(rule.by_year_day) && !Has(rule.by_week_no) && !Has(rule.by_month) &&
+           !Has(rule.by_set_pos);
+}
+
 long FixedStepSeconds(const icalrecurrencetype& rule) {
+    constexpr long kDaySeconds = 24 * 3600;
     const long unit = rule.freq == ICAL_SECONDLY_RECURRENCE   ? 1
                       : rule.freq == ICAL_MINUTELY_RECURRENCE ? 60
-                                                              : 3600;
+                      : rule.freq == ICAL_HOURLY_RECURRENCE   ? 3600
+                      : rule.freq == ICAL_DAILY_RECURRENCE    ? kDaySeconds
+                                                              : 7 * kDaySeconds;
     return unit * std::max<long>(1, rule.interval);
 }
 
@@ -525,11 +544,12 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
         };
         // Rules without COUNT can start near the window instead of at DTSTART.
         const double jumpTo = from - longest_ - kIteratorMarginDays;
-        if (IsSubDaily(rule) && !HasByParts(rule) && !wallStart.is_date) {
+        if (((IsSubDaily(rule) && !HasByParts(rule)) || IsPlainDailyOrWeekly(rule, wallStart)) &&
+            !wallStart.is_date) {
             // A fixed step of the wall clock: the first occurrence near the
             // window is found by arithmetic, COUNT or not, instead of by
-            // libical's stepping, which costs microseconds a step and walks
-            // a counted rule from DTSTART.
+            // libical's stepping, which costs microseconds a step (its
+            // calendar arithmetic) and walks a counted rule from DTSTART.
             const long step = FixedStepSeconds(rule);
             const std::time_t first = WallSeconds(wallStart);
             const std::time_t last = icaltime_is_null_time(rule.until)

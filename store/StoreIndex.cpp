@@ -136,8 +136,7 @@ void WriteItem(Writer& w, const StoredItem& item) {
     for (const std::u16string& e : rec.emails) w.Text(e);
 }
 
-StoredItem ReadItem(Reader& r) {
-    StoredItem item;
+void ReadItem(Reader& r, StoredItem& item) {
     item.directory = r.Value<std::int32_t>();
     item.fileName = r.String();
     item.size = r.Value<std::int64_t>();
@@ -172,7 +171,6 @@ StoredItem ReadItem(Reader& r) {
     for (std::int32_t i = 0; i < attachments && r.ok; ++i) rec.attachments.push_back(r.Text());
     const std::int32_t emails = r.Value<std::int32_t>();
     for (std::int32_t i = 0; i < emails && r.ok; ++i) rec.emails.push_back(r.Text());
-    return item;
 }
 
 // DATE values the program can represent: 1 January 100 to 31 December 9999.
@@ -294,11 +292,13 @@ StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string&
     entries.reserve(std::min<std::size_t>(count, data.size() / 64));
     bool plausible = reader.ok;
     for (std::uint32_t i = 0; i < count && plausible; ++i) {
-        StoredItem item = ReadItem(reader);
-        plausible = reader.ok && IsPlausible(item);
+        // Read straight into the entry the store keeps.
+        auto item = std::make_shared<StoredItem>();
+        ReadItem(reader, *item);
+        plausible = reader.ok && IsPlausible(*item);
         if (!plausible)
             break;
-        std::string key = std::to_string(item.directory) + "/" + item.fileName;
+        std::string key = std::to_string(item->directory) + "/" + item->fileName;
         plausible = entries.emplace(std::move(key), std::move(item)).second;
     }
     if (!plausible || !reader.AtEnd()) {

@@ -7,6 +7,7 @@
 #include "store/StoredItem.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -15,7 +16,8 @@ namespace mirodate {
 
 class StoreIndex {
 public:
-    using Entries = std::unordered_map<std::string, StoredItem>; // by "<folder>/<file name>"
+    // By "<folder>/<file name>"; each entry ready to be published.
+    using Entries = std::unordered_map<std::string, std::shared_ptr<StoredItem>>;
 
     // The index file of a store root.
     static std::string PathFor(const std::string& root);

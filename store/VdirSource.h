@@ -4,11 +4,15 @@
 // khal, todoman and vdirsyncer keep them. Items are found by a stable OID
 // derived from their UID; writes go through a temporary file and a rename
 // and never replace a file that changed since it was read; changes on disk
-// are reported as local (ours) or remote (anyone else's).
+// are reported as local (ours) or remote (anyone else's). This class is the
+// face; VdirFileIo reads and writes the files, OidRegistry keeps the tables
+// of files and OIDs, VdirWatcher reports changes on disk.
 #include "data/PimSource.h"
-#include "platform/DirectoryWatcher.h"
 #include "store/ItemFileLimits.h"
+#include "store/OidRegistry.h"
 #include "store/StoredItem.h"
+#include "store/VdirFileIo.h"
+#include "store/VdirWatcher.h"
 
 #include <functional>
 #include <map>
@@ -25,7 +29,6 @@ class IcsItem;
 
 class VdirSource : public PimSource {
 public:
-    static constexpr const char* kFolderNames[3] = {"calendar", "tasks", "contacts"};
     // Larger files are skipped with a warning (see ItemFileLimits).
     static constexpr std::int64_t kMaxFileBytes = ItemFileLimits::kMaxFileBytes;
 
@@ -62,7 +65,7 @@ public:
     SaveResult DismissReminder(const Reminder& reminder, double now) override;
     SaveResult SnoozeReminder(const Reminder& reminder, double now, double until) override;
 
-    const std::string& Root() const { return root_; }
+    const std::string& Root() const { return io_.Root(); }
 
     // An item brought in from a calendar file elsewhere (see IcsImport).
     struct ImportFile {
@@ -77,28 +80,24 @@ public:
     std::vector<SaveResult> ImportFiles(const std::vector<ImportFile>& files);
     bool HasUid(const std::string& uid);
     std::string FilePath(std::int32_t oid);
+    // Writes the index now if the files changed since it was written (the
+    // store does so when it closes, too).
+    void SaveIndexIfChanged();
     int GetItemCount();
 
     // Used by the folders and collections.
-    using Snapshot = std::vector<std::shared_ptr<const StoredItem>>;
+    using Snapshot = OidRegistry::Snapshot;
     Snapshot GetSnapshot(int folderId);
     std::shared_ptr<const IcsItem> GetParsed(const std::shared_ptr<const StoredItem>& item);
     void EnableNotifications(int folderId, int origins);
 
 private:
-    using Entry = std::shared_ptr<StoredItem>;
+    using Entry = OidRegistry::Entry;
 
-    std::string DirectoryPath(int directory) const;
-    static std::string Key(int directory, const std::string& fileName);
-    // Reads one file into an entry (readable or not).
-    StoredItem ReadFile(int directory, const std::string& fileName, bool& exists) const;
-    void AssignOids();
-    void AssignOid(StoredItem& item);
-    void Publish(Entry entry);
-    void Unpublish(const std::string& key);
-    bool WriteAtomically(int directory, const std::string& fileName, const std::string& text);
-    bool ReadWholeFile(const std::string& path, std::string& text) const;
-    bool StampMatches(const StoredItem& item) const;
+    std::string DirectoryPath(int directory) const { return io_.DirectoryPath(directory); }
+    static std::string Key(int directory, const std::string& fileName) { return VdirFileIo::Key(directory, fileName); }
+    // Reads an entry's file again after someone else changed it.
+    void Reread(const Entry& entry);
     void SaveIndexLocked();
     std::shared_ptr<const IcsItem> GetParsedLocked(const std::shared_ptr<const StoredItem>& item);
     void ReadAlarmsLocked(StoredItem& item);
@@ -106,25 +105,14 @@ private:
     // Rewrites an item's file through `change` (existing text to new text),
     // with the same checks as Save.
     SaveResult RewriteItem(std::int32_t oid, const std::function<bool(std::string_view, std::string&)>& change);
-    void OnFileEvent(int directory, const std::string& fileName, DirectoryWatcher::Change change);
     void UpdateWatcher();
-    void Notify(const std::vector<PimNotification>& notifications);
 
-    std::string root_;
+    VdirFileIo io_;
     Options options_;
-    std::mutex mutex_;
-    std::unordered_map<std::string, Entry> files_; // by Key()
-    std::unordered_map<std::int32_t, Entry> byOid_;
-    std::unordered_map<std::string, std::int32_t> oidOfUid_;
-    std::unordered_map<std::int32_t, std::string> uidOfOid_;
-    std::map<int, Snapshot> snapshots_; // per folder, rebuilt after a change
-    std::map<std::string, PimNotification> pendingLocal_; // our own writes, by key
-    std::map<int, int> notifyOrigins_;                  // folder -> kNotify flags
-    NotificationSink sink_;
-    std::mutex sinkMutex_;
-    DirectoryWatcher watcher_;
+    std::mutex mutex_; // guards registry_ and the watcher's expectations
+    OidRegistry registry_;
+    VdirWatcher watcher_{mutex_, registry_, io_};
     bool loggedOn_ = false;
-    bool indexDirty_ = false;
 };
 
 } // namespace mirodate

@@ -257,12 +257,12 @@ bool HostileFiles::DamageIndex(bool huge) const {
     if (standup == entries.end())
         return false;
     if (huge)
-        standup->second.record.body.assign(20 * 1000 * 1000, u'b');
+        standup->second->record.body.assign(20 * 1000 * 1000, u'b');
     else
-        standup->second.record.start = 1e308;
+        standup->second->record.start = 1e308;
     std::vector<const StoredItem*> items;
     for (const auto& [key, item] : entries)
-        items.push_back(&item);
+        items.push_back(item.get());
     return StoreIndex::Save(path, store_, zone, items);
 }
 

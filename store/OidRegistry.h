@@ -1,0 +1,64 @@
+#pragma once
+// The store's tables of its files: every file by key, the readable ones by
+// OID, and the OID each UID holds. An OID comes from a hash of the UID; a
+// hash taken by another UID moves on to the next free number, and a UID
+// keeps its OID for the life of the store even when its file goes away.
+// Not locked: the owning store guards it.
+#include "store/StoredItem.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace mirodate {
+
+class OidRegistry {
+public:
+    using Entry = std::shared_ptr<StoredItem>;
+    using Snapshot = std::vector<std::shared_ptr<const StoredItem>>;
+    using Files = std::unordered_map<std::string, Entry>; // by VdirFileIo::Key()
+
+    // The OID a UID starts from (before collisions are resolved).
+    static std::int32_t HashUid(const std::string& uid);
+
+    // Filling at the start: files added, then their OIDs assigned at once.
+    void Reserve(std::size_t files);
+    void Add(std::string key, Entry entry);
+    void AssignAll();
+
+    // A file read again (or new) replaces its entry; one gone is removed.
+    void Publish(Entry entry);
+    void Unpublish(const std::string& key);
+
+    const Files& GetFiles() const { return files_; }
+    bool HasFile(const std::string& key) const { return files_.count(key) != 0; }
+    Entry FindFile(const std::string& key) const;
+    Entry FindOid(std::int32_t oid) const;
+    // The entry that holds a UID now (null when none does).
+    Entry FindUid(const std::string& uid) const;
+    // Whether a UID ever had an OID here (a new item must not reuse it).
+    bool KnowsUid(const std::string& uid) const { return oidOfUid_.count(uid) != 0; }
+    std::size_t ItemCount() const { return byOid_.size(); }
+    // The readable items of a folder in folder and file name order.
+    Snapshot GetSnapshot(int folderId);
+
+    // Whether the files changed since the index was last written.
+    bool IsDirty() const { return dirty_; }
+    void SetDirty(bool dirty) { dirty_ = dirty; }
+
+private:
+    void AssignOid(StoredItem& item);
+    void Release(const Entry& entry);
+
+    Files files_;
+    std::unordered_map<std::int32_t, Entry> byOid_;
+    std::unordered_map<std::string, std::int32_t> oidOfUid_;
+    std::unordered_map<std::int32_t, std::string> uidOfOid_;
+    std::map<int, Snapshot> snapshots_; // per folder, rebuilt after a change
+    bool dirty_ = false;
+};
+
+} // namespace mirodate

@@ -1,0 +1,217 @@
+#include "store/VdirFileIo.h"
+
+#include "data/PimFolder.h"
+#include "platform/Log.h"
+#include "platform/Paths.h"
+#include "platform/TextUtil.h"
+#include "store/IcsItem.h"
+#include "store/ItemFileLimits.h"
+#include "store/VcardReader.h"
+
+#include <cerrno>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mirodate {
+
+namespace {
+
+constexpr std::int64_t kMaxFileBytes = ItemFileLimits::kMaxFileBytes;
+
+bool EndsWith(const std::string& text, const char* suffix) {
+    const std::size_t n = std::strlen(suffix);
+    return text.size() >= n && text.compare(text.size() - n, n, suffix) == 0;
+}
+
+} // namespace
+
+VdirFileIo::VdirFileIo(std::string root) : root_(std::move(root)) {
+    while (root_.size() > 1 && root_.back() == '/') root_.pop_back();
+}
+
+std::string VdirFileIo::DirectoryPath(int directory) const { return root_ + "/" + kFolderNames[directory]; }
+
+std::string VdirFileIo::FilePath(int directory, const std::string& fileName) const {
+    return DirectoryPath(directory) + "/" + fileName;
+}
+
+std::string VdirFileIo::Key(int directory, const std::string& fileName) {
+    return std::to_string(directory) + "/" + fileName;
+}
+
+bool VdirFileIo::IsItemFile(const std::string& name) {
+    return !name.empty() && name[0] != '.' && (EndsWith(name, ".ics") || EndsWith(name, ".vcf"));
+}
+
+std::int64_t VdirFileIo::MtimeNs(const struct stat& st) {
+    return static_cast<std::int64_t>(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec;
+}
+
+std::vector<VdirFileIo::FoundFile> VdirFileIo::ListItemFiles(bool create, std::uint64_t& bytes) const {
+    std::vector<FoundFile> found;
+    bytes = 0;
+    for (int directory = 0; directory < kDirectoryCount; ++directory) {
+        const std::string path = DirectoryPath(directory);
+        if (create) Paths::MakeDirs(path);
+        DIR* dir = opendir(path.c_str());
+        if (!dir) continue;
+        const int dirFd = dirfd(dir);
+        while (dirent* entry = readdir(dir)) {
+            const std::string name = entry->d_name;
+            if (!IsItemFile(name)) continue;
+            struct stat fileStat{};
+            if (fstatat(dirFd, name.c_str(), &fileStat, 0) != 0) {
+                if (errno == ELOOP)
+                    Log::Warning("store: skipped %s: a loop of symbolic links",
+                                 PrintableText(path + "/" + name).c_str());
+                continue;
+            }
+            if (!S_ISREG(fileStat.st_mode)) {
+                Log::Warning("store: skipped %s: not a regular file",
+                             PrintableText(path + "/" + name).c_str());
+                continue;
+            }
+            bytes += static_cast<std::uint64_t>(fileStat.st_size);
+            found.push_back({directory, name, fileStat.st_size, MtimeNs(fileStat)});
+        }
+        closedir(dir);
+    }
+    return found;
+}
+
+bool VdirFileIo::ReadWholeFile(const std::string& path, std::string& text) const {
+    // Non-blocking, so that a FIFO put in place of a file cannot stop us.
+    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) return false;
+    struct stat st{};
+    if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || st.st_size > kMaxFileBytes) {
+        close(fd);
+        return false;
+    }
+    text.resize(static_cast<std::size_t>(st.st_size));
+    std::size_t done = 0;
+    while (done < text.size()) {
+        const ssize_t n = read(fd, text.data() + done, text.size() - done);
+        if (n <= 0) break;
+        done += static_cast<std::size_t>(n);
+    }
+    text.resize(done);
+    close(fd);
+    return true;
+}
+
+StoredItem VdirFileIo::ReadFile(int directory, const std::string& fileName, bool& exists) const {
+    StoredItem item;
+    item.directory = directory;
+    item.fileName = fileName;
+    const std::string path = FilePath(directory, fileName);
+    exists = false;
+    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) {
+        if (errno == ELOOP)
+            Log::Warning("store: skipped %s: a loop of symbolic links", PrintableText(path).c_str());
+        // A file we may not read is still the user's: listed as skipped.
+        if (errno == EACCES) {
+            exists = true;
+            item.problem = std::strerror(errno);
+            Log::Warning("store: skipped %s: %s", PrintableText(path).c_str(), item.problem.c_str());
+        }
+        return item;
+    }
+    struct stat st{};
+    if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+        close(fd);
+        return item;
+    }
+    exists = true;
+    item.size = st.st_size;
+    item.mtimeNs = MtimeNs(st);
+    if (item.problem = ItemFileLimits::CheckSize(st.st_size); !item.problem.empty()) {
+        close(fd);
+        Log::Warning("store: skipped %s: %s", PrintableText(path).c_str(), item.problem.c_str());
+        return item;
+    }
+    std::string text(static_cast<std::size_t>(st.st_size), '\0');
+    std::size_t done = 0;
+    while (done < text.size()) {
+        const ssize_t n = read(fd, text.data() + done, text.size() - done);
+        if (n <= 0) break;
+        done += static_cast<std::size_t>(n);
+    }
+    close(fd);
+    text.resize(done);
+
+    std::string problem = ItemFileLimits::CheckText(text);
+    const std::string stem = fileName.substr(0, fileName.rfind('.'));
+    if (!problem.empty()) {
+        // Too big for its kind: no parser sees it.
+    } else if (EndsWith(fileName, ".vcf")) {
+        if (VcardReader::Read(text, item.record, problem)) {
+            item.readable = true;
+            item.folder = kFolderContacts;
+        }
+    } else {
+        auto parsed = std::make_shared<IcsItem>();
+        if (parsed->Parse(text, problem)) {
+            item.readable = true;
+            item.folder = parsed->GetKind() == IcsItem::Kind::Task ? kFolderTasks : kFolderCalendar;
+            item.record = parsed->GetRecord();
+            item.series = parsed->IsSeries();
+            item.seriesEnd = parsed->GetSeriesEnd();
+            item.longest = parsed->GetLongestDuration();
+            if (parsed->HasUnrelatedComponents())
+                Log::Warning("store: %s holds unrelated items; only the first is read",
+                             PrintableText(path).c_str());
+            if (item.series) item.parsed = std::move(parsed);
+        }
+    }
+    if (!item.readable) {
+        item.problem = problem.empty() ? "not a calendar item" : problem;
+        Log::Warning("store: skipped %s: %s", PrintableText(path).c_str(), PrintableText(item.problem).c_str());
+        return item;
+    }
+    item.uid = item.record.uid.empty() ? stem : item.record.uid;
+    item.record.uid = item.uid;
+    return item;
+}
+
+bool VdirFileIo::StampMatches(const StoredItem& item) const {
+    struct stat st{};
+    const std::string path = DirectoryPath(item.directory) + "/" + item.fileName;
+    return stat(path.c_str(), &st) == 0 && st.st_size == item.size && MtimeNs(st) == item.mtimeNs;
+}
+
+bool VdirFileIo::WriteAtomically(int directory, const std::string& fileName, const std::string& text) {
+    const std::string dir = DirectoryPath(directory);
+    if (!Paths::MakeDirs(dir)) return false;
+    const std::string target = dir + "/" + fileName;
+    const std::string temp = dir + "/." + fileName + ".tmp";
+    const int fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    if (fd < 0) return false;
+    std::size_t done = 0;
+    while (done < text.size()) {
+        const ssize_t n = write(fd, text.data() + done, text.size() - done);
+        if (n <= 0) break;
+        done += static_cast<std::size_t>(n);
+    }
+    // The content reaches the disk before the rename makes it the item, so
+    // that a crash leaves the old file or the new one, never an empty one.
+    const bool written = done == text.size() && fsync(fd) == 0;
+    if (close(fd) != 0 || !written || rename(temp.c_str(), target.c_str()) != 0) {
+        Log::Error("store: cannot write %s: %s", target.c_str(), std::strerror(errno));
+        unlink(temp.c_str());
+        return false;
+    }
+    // And the rename itself, once: the folder's entry is what a restart finds.
+    const int dirFd = open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (dirFd >= 0) {
+        if (fsync(dirFd) != 0) Log::Warning("store: cannot sync %s: %s", dir.c_str(), std::strerror(errno));
+        close(dirFd);
+    }
+    return true;
+}
+
+} // namespace mirodate

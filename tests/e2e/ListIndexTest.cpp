@@ -1,0 +1,65 @@
+// `--list` ends its process without closing the store: the index it builds
+// must be on disk all the same, and a file rewritten in place afterwards (its
+// folder unchanged) must still be read again by the next listing.
+#include "bench/hostile/HostileFiles.h"
+#include "store/StoreIndex.h"
+
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <string>
+#include <unistd.h>
+
+namespace mirodate {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string ReadText(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+TEST(ListCommand, LeavesTheIndexBehindAndNoticesAFileChangedInPlace) {
+    HostileFiles files(fs::temp_directory_path().string() + "/mirodate-list-index-" + std::to_string(getpid()),
+                       MIRODATE_PROGRAM);
+    ASSERT_TRUE(files.Ready());
+    files.Reset();
+    const std::string index = StoreIndex::PathFor(files.Store());
+    fs::remove(index);
+
+    const ProgramRun first = files.Run(HostileFiles::Mode::List);
+    ASSERT_EQ(first.exitCode, 0) << first.err;
+    ASSERT_NE(first.out.find("Standup"), std::string::npos) << first.out;
+    std::size_t itemFiles = 0;
+    for (const char* folder : {"calendar", "tasks", "contacts"})
+        if (fs::is_directory(fs::path(files.Store()) / folder))
+            for (const auto& entry : fs::directory_iterator(fs::path(files.Store()) / folder))
+                if (entry.path().extension() == ".ics" || entry.path().extension() == ".vcf")
+                    ++itemFiles;
+    StoreIndex::Entries entries = StoreIndex::Load(index, files.Store(), StoreIndex::ZoneSignature());
+    EXPECT_EQ(entries.size(), itemFiles);
+    ASSERT_TRUE(entries.count("0/standup.ics"));
+
+    // Rewritten in place, as an editor that does not rename would: the same
+    // file, the folder's own time untouched.
+    const fs::path standup = fs::path(files.Store()) / "calendar" / "standup.ics";
+    std::string text = ReadText(standup);
+    const std::size_t subject = text.find("SUMMARY:Standup");
+    ASSERT_NE(subject, std::string::npos);
+    text.replace(subject, 15, "SUMMARY:Standup moved to the garden");
+    const auto folderTime = fs::last_write_time(standup.parent_path());
+    std::ofstream(standup, std::ios::binary | std::ios::in | std::ios::out) << text;
+    ASSERT_EQ(fs::last_write_time(standup.parent_path()), folderTime);
+
+    const ProgramRun second = files.Run(HostileFiles::Mode::List);
+    ASSERT_EQ(second.exitCode, 0) << second.err;
+    EXPECT_NE(second.out.find("Standup moved to the garden"), std::string::npos) << second.out;
+    entries = StoreIndex::Load(index, files.Store(), StoreIndex::ZoneSignature());
+    ASSERT_TRUE(entries.count("0/standup.ics"));
+    EXPECT_EQ(entries["0/standup.ics"]->size, static_cast<std::int64_t>(fs::file_size(standup)));
+}
+
+} // namespace
+} // namespace mirodate
