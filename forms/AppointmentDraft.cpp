@@ -3,6 +3,7 @@
 #include "data/EditorTexts.h"
 #include "data/RecurrenceDescriber.h"
 #include "forms/AttachmentUri.h"
+#include "forms/RecordEdits.h"
 #include "lang/LanguageTable.h"
 #include "platform/Locale.h"
 #include "platform/Settings.h"
@@ -121,22 +122,9 @@ void AppointmentDraft::SetAllDay(bool allDay) {
     record_.allDay = allDay;
 }
 
-void AppointmentDraft::SetRecurrence(const RecurrencePattern& pattern) {
-    record_.recurrence = pattern;
-    record_.isRecurring = pattern.RecurrenceType != RecurrencePattern::kNotRecurring;
-}
-
-void AppointmentDraft::SetRecurrenceEnd(int count, double date) {
-    RecurrencePattern& p = record_.recurrence;
-    p.Occurrences = std::max(0, count);
-    p.PatternEndDate = count > 0 ? 0.0 : date;
-    p.NoEndDate = count <= 0 && date == 0.0;
-}
-
-void AppointmentDraft::SetReminder(bool set, std::int64_t leadMinutes) {
-    record_.reminderSet = set;
-    record_.reminderMinutes = set ? static_cast<int>(std::clamp<std::int64_t>(leadMinutes, 0, 0x7FFFFFFF)) : 0;
-}
+void AppointmentDraft::SetRecurrence(const RecurrencePattern& pattern) { RecordEdits::SetRecurrence(record_, pattern); }
+void AppointmentDraft::SetRecurrenceEnd(int count, double date) { RecordEdits::SetRecurrenceEnd(record_, count, date); }
+void AppointmentDraft::SetReminder(bool set, std::int64_t leadMinutes) { RecordEdits::SetReminder(record_, set, leadMinutes); }
 
 bool AppointmentDraft::SetReminderMoment(const DateTime& moment) {
     std::int64_t lead = 0;
