@@ -124,7 +124,9 @@ void AppointmentDraft::SetAllDay(bool allDay) {
 
 void AppointmentDraft::SetRecurrence(const RecurrencePattern& pattern) { RecordEdits::SetRecurrence(record_, pattern); }
 void AppointmentDraft::SetRecurrenceEnd(int count, double date) { RecordEdits::SetRecurrenceEnd(record_, count, date); }
-void AppointmentDraft::SetReminder(bool set, std::int64_t leadMinutes) { RecordEdits::SetReminder(record_, set, leadMinutes); }
+void AppointmentDraft::SetReminder(bool set, std::int64_t leadMinutes) {
+    RecordEdits::SetReminder(record_, set, leadMinutes);
+}
 
 bool AppointmentDraft::SetReminderMoment(const DateTime& moment) {
     std::int64_t lead = 0;

@@ -112,7 +112,8 @@ int AppointmentEditor::LayoutFields(int top, int width) {
 
 std::vector<EditorPage::RowText> AppointmentEditor::RowTexts() const {
     std::vector<RowText> texts;
-    for (Row row : ListRows()) texts.push_back({draft_.Label(row), draft_.Value(row), AppointmentDraft::IsTwoLine(row)});
+    for (Row row : ListRows())
+        texts.push_back({draft_.Label(row), draft_.Value(row), AppointmentDraft::IsTwoLine(row)});
     return texts;
 }
 
@@ -270,7 +271,8 @@ void AppointmentEditor::PickReminderMoment() {
 }
 
 void AppointmentEditor::PickReminderSpan() {
-    const auto minutes = TimeSpanPickerPage::Pick(window, draft_.Record().reminderSet ? draft_.Record().reminderMinutes : 0);
+    const auto minutes =
+        TimeSpanPickerPage::Pick(window, draft_.Record().reminderSet ? draft_.Record().reminderMinutes : 0);
     if (minutes && *minutes >= 0) draft_.SetReminder(true, *minutes);
 }
 

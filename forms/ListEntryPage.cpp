@@ -33,7 +33,8 @@ void ListEntryPage::CreateControls() {
     field_.SetLimit(fieldLimit_);
     add_.Create(window, u"+", 0, 0, 1, 1);
     Style(add_);
-    if (place_ == FieldPlace::AboveList) SetFocus(field_.GetHwnd());
+    if (place_ == FieldPlace::AboveList)
+        SetFocus(field_.GetHwnd());
 }
 
 void ListEntryPage::LayoutControls(const RECT& area) {
@@ -47,20 +48,23 @@ void ListEntryPage::LayoutControls(const RECT& area) {
         const int listTop = fieldTop + field + margin;
         MoveWindow(list_.GetHwnd(), 0, listTop, area.Width(), std::max(1, area.bottom - listTop), true);
     } else {
-        MoveWindow(list_.GetHwnd(), 0, area.top, area.Width(), std::max(1, fieldTop - margin - area.top), true);
+        MoveWindow(list_.GetHwnd(), 0, area.top, area.Width(), std::max(1, fieldTop - margin - area.top),
+                   true);
     }
     Fill();
 }
 
 void ListEntryPage::FillList(const std::function<void(int width)>& addRows, bool keepScroll) {
-    if (!list_.GetHwnd() || !font_) return;
+    if (!list_.GetHwnd() || !font_)
+        return;
     const int position = list_.Scroller().Position();
     list_.ClearItems();
     RECT client;
     GetClientRect(list_.GetHwnd(), &client);
     addRows(client.Width());
     list_.Relayout();
-    if (keepScroll) list_.Scroller().SetPosition(position);
+    if (keepScroll)
+        list_.Scroller().SetPosition(position);
     list_.RefreshViewport();
 }
 
@@ -69,18 +73,21 @@ bool ListEntryPage::IsAddCommand(HWND control, UINT code) const {
 }
 
 bool ListEntryPage::AddTyped() {
-    if (!Add(field_.GetText())) return false;
+    if (!Add(field_.GetText()))
+        return false;
     field_.SetText(u"");
     return true;
 }
 
 void ListEntryPage::OnControl(HWND control, UINT code) {
-    if (IsAddCommand(control, code)) AddTyped();
+    if (IsAddCommand(control, code))
+        AddTyped();
 }
 
 bool ListEntryPage::OnAccept() {
     // Text typed and not yet added is added; text that cannot be keeps the page open.
-    if (field_.GetText().find_first_not_of(u" \t") == std::u16string::npos) return true;
+    if (field_.GetText().find_first_not_of(u" \t") == std::u16string::npos)
+        return true;
     return AddTyped();
 }
 

@@ -69,7 +69,9 @@ void TaskDraft::SetImportance(int importance) { record_.importance = std::clamp(
 
 void TaskDraft::SetRecurrence(const RecurrencePattern& pattern) { RecordEdits::SetRecurrence(record_, pattern); }
 void TaskDraft::SetRecurrenceEnd(int count, double date) { RecordEdits::SetRecurrenceEnd(record_, count, date); }
-void TaskDraft::SetReminder(bool set, std::int64_t leadMinutes) { RecordEdits::SetReminder(record_, set, leadMinutes); }
+void TaskDraft::SetReminder(bool set, std::int64_t leadMinutes) {
+    RecordEdits::SetReminder(record_, set, leadMinutes);
+}
 
 bool TaskDraft::SetReminderMoment(const DateTime& moment) {
     std::int64_t lead = 0;

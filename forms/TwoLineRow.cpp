@@ -15,8 +15,8 @@ constexpr int kRowHeight = 34;
 constexpr int kIndent = 6;
 } // namespace
 
-TwoLineRow::TwoLineRow(UINT command, const std::u16string& first, const std::u16string& second, const Font& font,
-                       const Font& bold, int width)
+TwoLineRow::TwoLineRow(UINT command, const std::u16string& first, const std::u16string& second,
+                       const Font& font, const Font& bold, int width)
     : command_(command) {
     const int room = std::max(1, width - Scale(2 * kIndent));
     first_ = TextLayout(first, bold, room, false);
@@ -34,6 +34,8 @@ void TwoLineRow::Draw(Dc& dc, const RECT& rect) {
     second_.Draw(dc, rect.left + Scale(kIndent), top + first_.Height(), ink);
 }
 
-void TwoLineRow::Click(HWND list, int, int) { PostMessage(GetParent(list), WM_DEFERRED_COMMAND, command_, 0); }
+void TwoLineRow::Click(HWND list, int, int) {
+    PostMessage(GetParent(list), WM_DEFERRED_COMMAND, command_, 0);
+}
 
 } // namespace mirodate
