@@ -11,8 +11,8 @@
 #include "forms/DateTimePickerPage.h"
 #include "forms/RecurrenceEditorPage.h"
 #include "forms/RecurrenceEndChoice.h"
+#include "forms/ReminderChoice.h"
 #include "forms/TextEntryPage.h"
-#include "forms/TimeSpanPickerPage.h"
 #include "lang/LanguageTable.h"
 #include "skin/SkinStyles.h"
 #include "ui/Dc.h"
@@ -178,10 +178,8 @@ void AppointmentEditor::ActivateRow(Row row) {
     case Row::AllDay: draft_.SetAllDay(!draft_.Record().allDay); break;
     case Row::Recurrence: OpenRecurrence(); return;
     case Row::Reminder: {
-        reminderKeys_ = EditorTexts::ReminderMenuKeys(draft_.Record().reminderSet);
-        std::vector<std::u16string> entries;
-        for (const char* key : reminderKeys_) entries.push_back(Lang(key));
-        OpenMenu(kReminder, entries, Lang("addmodify.Reminder"));
+        OpenMenu(kReminder, ReminderChoice::Entries(draft_.Record().reminderSet, reminderKeys_),
+                 Lang("addmodify.Reminder"));
         return;
     }
     case Row::Categories: EditCategories(); return;
@@ -216,10 +214,10 @@ void AppointmentEditor::OnMenuChoice(int menu, int index) {
     }
     case kReminder: {
         if (index >= static_cast<int>(reminderKeys_.size())) return;
-        const std::string key = reminderKeys_[static_cast<size_t>(index)];
-        if (key == "set_datetime" || key == "change_datetime") PickReminderMoment();
-        else if (key == "set_span" || key == "change_span") PickReminderSpan();
-        else if (key == "unset") draft_.SetReminder(false, 0);
+        ReminderChoice::Choose(window, reminderKeys_[static_cast<size_t>(index)], draft_, [this] {
+            Fill();
+            UpdateWindow(window);
+        });
         break;
     }
     case kBusyStatus: draft_.SetBusyStatus(index); break;
@@ -257,23 +255,6 @@ void AppointmentEditor::PickStart(bool end) {
         return;
     }
     Fill();
-}
-
-void AppointmentEditor::PickReminderMoment() {
-    const auto moment = DateTimePickerPage::Pick(window, draft_.ReminderMoment());
-    if (!moment) return;
-    if (!draft_.SetReminderMoment(*moment)) {
-        // Repainted first, so that the message stands over the list as it is.
-        Fill();
-        UpdateWindow(window);
-        MessagePage::Tell(window, Lang("ReminderInvalid"));
-    }
-}
-
-void AppointmentEditor::PickReminderSpan() {
-    const auto minutes =
-        TimeSpanPickerPage::Pick(window, draft_.Record().reminderSet ? draft_.Record().reminderMinutes : 0);
-    if (minutes && *minutes >= 0) draft_.SetReminder(true, *minutes);
 }
 
 void AppointmentEditor::OpenRecurrence() {

@@ -61,8 +61,6 @@ private:
 
     void OnRecurrenceChoice(int index);
     void PickStart(bool end);
-    void PickReminderMoment();
-    void PickReminderSpan();
     void EditNotes();
     void EditCategories();
     void EditAttendees();
