@@ -1,7 +1,6 @@
 #include "forms/AppointmentDraft.h"
 
 #include "data/EditorTexts.h"
-#include "data/RecurrenceDescriber.h"
 #include "forms/AttachmentUri.h"
 #include "forms/RecordEdits.h"
 #include "lang/LanguageTable.h"
@@ -148,10 +147,7 @@ void AppointmentDraft::SetAttachments(std::vector<std::u16string> attachments) {
     record_.attachments = std::move(attachments);
 }
 
-bool AppointmentDraft::RuleNotEditable() const {
-    return record_.isRecurring && (record_.recurrence.RecurrenceType == RecurrencePattern::kNotRecurring ||
-                                   record_.recurrence.RuleFit != RecurrencePattern::kExact);
-}
+bool AppointmentDraft::RuleNotEditable() const { return RecordEdits::RuleNotEditable(record_); }
 
 std::string AppointmentDraft::Problem() const {
     if (!InRange(DateTime(record_.start)) || !InRange(DateTime(record_.end))) return "editor.DateOutOfRange";
@@ -196,11 +192,7 @@ std::u16string AppointmentDraft::Value(Row row) const {
     case Row::AllDay: return record_.allDay ? u"\u2611" : u"\u2610";
     case Row::Recurrence: {
         if (mode_ == Mode::Occurrence) return Lang("editor.SingleOccurrence");
-        if (record_.isRecurring && record_.recurrence.RecurrenceType == RecurrencePattern::kNotRecurring)
-            return Lang("editor.RuleKept");
-        std::u16string text = RecurrenceDescriber::Describe(record_.recurrence);
-        if (RuleNotEditable()) text += u" (" + Lang("editor.RuleKept") + u")";
-        return text;
+        return RecordEdits::RecurrenceText(record_);
     }
     case Row::Reminder: return EditorTexts::ReminderText(record_.reminderSet, record_.reminderMinutes);
     case Row::Categories: return record_.categories.empty() ? u"-" : record_.categories;

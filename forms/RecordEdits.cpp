@@ -1,5 +1,8 @@
 #include "forms/RecordEdits.h"
 
+#include "data/RecurrenceDescriber.h"
+#include "lang/LanguageTable.h"
+
 #include <algorithm>
 #include <limits>
 
@@ -21,6 +24,19 @@ void RecordEdits::SetReminder(PimRecord& record, bool set, std::int64_t leadMinu
     record.reminderSet = set;
     record.reminderMinutes =
         set ? static_cast<int>(std::clamp<std::int64_t>(leadMinutes, 0, std::numeric_limits<int>::max())) : 0;
+}
+
+bool RecordEdits::RuleNotEditable(const PimRecord& record) {
+    return record.isRecurring && (record.recurrence.RecurrenceType == RecurrencePattern::kNotRecurring ||
+                                  record.recurrence.RuleFit != RecurrencePattern::kExact);
+}
+
+std::u16string RecordEdits::RecurrenceText(const PimRecord& record) {
+    if (record.isRecurring && record.recurrence.RecurrenceType == RecurrencePattern::kNotRecurring)
+        return Lang("editor.RuleKept");
+    std::u16string text = RecurrenceDescriber::Describe(record.recurrence);
+    if (RuleNotEditable(record)) text += u" (" + Lang("editor.RuleKept") + u")";
+    return text;
 }
 
 } // namespace mirodate

@@ -1,9 +1,11 @@
 #pragma once
-// The changes the appointment and the task draft make to their record in
-// the same way: the recurrence pattern, its end, and the reminder lead time.
+// What the appointment and the task draft do with their record in the same
+// way: change the recurrence pattern, its end and the reminder lead time,
+// and tell how the recurrence row reads.
 #include "data/PimRecord.h"
 
 #include <cstdint>
+#include <string>
 
 namespace mirodate {
 
@@ -16,6 +18,10 @@ public:
     static void SetRecurrenceEnd(PimRecord& record, int count, double date);
     // Sets or clears the reminder; the lead time is kept within 0..INT_MAX minutes.
     static void SetReminder(PimRecord& record, bool set, std::int64_t leadMinutes);
+    // A rule the pattern cannot say (or says only roughly) is kept as it is.
+    static bool RuleNotEditable(const PimRecord& record);
+    // The recurrence row's value: the pattern in words, or that the rule is kept.
+    static std::u16string RecurrenceText(const PimRecord& record);
 };
 
 } // namespace mirodate

@@ -1,7 +1,6 @@
 #include "forms/TaskDraft.h"
 
 #include "data/EditorTexts.h"
-#include "data/RecurrenceDescriber.h"
 #include "forms/AppointmentDraft.h"
 #include "forms/RecordEdits.h"
 #include "lang/LanguageTable.h"
@@ -95,10 +94,7 @@ DateTime TaskDraft::SeriesStart(const DateTime& fallback) const {
     return fallback;
 }
 
-bool TaskDraft::RuleNotEditable() const {
-    return record_.isRecurring && (record_.recurrence.RecurrenceType == RecurrencePattern::kNotRecurring ||
-                                   record_.recurrence.RuleFit != RecurrencePattern::kExact);
-}
+bool TaskDraft::RuleNotEditable() const { return RecordEdits::RuleNotEditable(record_); }
 
 std::string TaskDraft::Problem() const {
     if ((HasStartDate() && !InRange(DateTime(record_.startDate))) ||
@@ -141,13 +137,7 @@ std::u16string TaskDraft::Value(Row row) const {
     case Row::DueDate: return DateText(record_.dueDate);
     case Row::Complete: return record_.complete ? u"\u2611" : u"\u2610";
     case Row::Priority: return EditorTexts::PriorityLabel(std::clamp(record_.importance, kLow, kHigh));
-    case Row::Recurrence: {
-        if (record_.isRecurring && record_.recurrence.RecurrenceType == RecurrencePattern::kNotRecurring)
-            return Lang("editor.RuleKept");
-        std::u16string text = RecurrenceDescriber::Describe(record_.recurrence);
-        if (RuleNotEditable()) text += u" (" + Lang("editor.RuleKept") + u")";
-        return text;
-    }
+    case Row::Recurrence: return RecordEdits::RecurrenceText(record_);
     case Row::Reminder: return EditorTexts::ReminderText(record_.reminderSet, record_.reminderMinutes);
     case Row::Categories: return record_.categories.empty() ? u"-" : record_.categories;
     case Row::Sensitivity: return EditorTexts::SensitivityLabel(record_.sensitivity);
