@@ -1,8 +1,8 @@
 #include "forms/AppointmentDraft.h"
 
 #include "data/EditorTexts.h"
-#include "data/RecurrenceDescriber.h"
 #include "forms/AttachmentUri.h"
+#include "forms/RecordEdits.h"
 #include "lang/LanguageTable.h"
 #include "platform/Locale.h"
 #include "platform/Settings.h"
@@ -121,21 +121,10 @@ void AppointmentDraft::SetAllDay(bool allDay) {
     record_.allDay = allDay;
 }
 
-void AppointmentDraft::SetRecurrence(const RecurrencePattern& pattern) {
-    record_.recurrence = pattern;
-    record_.isRecurring = pattern.RecurrenceType != RecurrencePattern::kNotRecurring;
-}
-
-void AppointmentDraft::SetRecurrenceEnd(int count, double date) {
-    RecurrencePattern& p = record_.recurrence;
-    p.Occurrences = std::max(0, count);
-    p.PatternEndDate = count > 0 ? 0.0 : date;
-    p.NoEndDate = count <= 0 && date == 0.0;
-}
-
+void AppointmentDraft::SetRecurrence(const RecurrencePattern& pattern) { RecordEdits::SetRecurrence(record_, pattern); }
+void AppointmentDraft::SetRecurrenceEnd(int count, double date) { RecordEdits::SetRecurrenceEnd(record_, count, date); }
 void AppointmentDraft::SetReminder(bool set, std::int64_t leadMinutes) {
-    record_.reminderSet = set;
-    record_.reminderMinutes = set ? static_cast<int>(std::clamp<std::int64_t>(leadMinutes, 0, 0x7FFFFFFF)) : 0;
+    RecordEdits::SetReminder(record_, set, leadMinutes);
 }
 
 bool AppointmentDraft::SetReminderMoment(const DateTime& moment) {
@@ -158,10 +147,7 @@ void AppointmentDraft::SetAttachments(std::vector<std::u16string> attachments) {
     record_.attachments = std::move(attachments);
 }
 
-bool AppointmentDraft::RuleNotEditable() const {
-    return record_.isRecurring && (record_.recurrence.RecurrenceType == RecurrencePattern::kNotRecurring ||
-                                   record_.recurrence.RuleFit != RecurrencePattern::kExact);
-}
+bool AppointmentDraft::RuleNotEditable() const { return RecordEdits::RuleNotEditable(record_); }
 
 std::string AppointmentDraft::Problem() const {
     if (!InRange(DateTime(record_.start)) || !InRange(DateTime(record_.end))) return "editor.DateOutOfRange";
@@ -206,11 +192,7 @@ std::u16string AppointmentDraft::Value(Row row) const {
     case Row::AllDay: return record_.allDay ? u"\u2611" : u"\u2610";
     case Row::Recurrence: {
         if (mode_ == Mode::Occurrence) return Lang("editor.SingleOccurrence");
-        if (record_.isRecurring && record_.recurrence.RecurrenceType == RecurrencePattern::kNotRecurring)
-            return Lang("editor.RuleKept");
-        std::u16string text = RecurrenceDescriber::Describe(record_.recurrence);
-        if (RuleNotEditable()) text += u" (" + Lang("editor.RuleKept") + u")";
-        return text;
+        return RecordEdits::RecurrenceText(record_);
     }
     case Row::Reminder: return EditorTexts::ReminderText(record_.reminderSet, record_.reminderMinutes);
     case Row::Categories: return record_.categories.empty() ? u"-" : record_.categories;

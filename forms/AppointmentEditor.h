@@ -1,32 +1,23 @@
 #pragma once
-// The appointment editor: a page with the subject and location fields at
-// the top (each after its label, with a button that offers the subject templates or the known
-// locations), a touch list of the other field rows, and OK and Cancel. A
+// The appointment editor: the subject and location fields at the top (each
+// after its label, with a button that offers the subject templates or the
+// known locations) over the EditorPage frame's field rows, OK and Cancel. A
 // tap on a row opens its picker, its page or a small menu; OK saves through
 // AppointmentSaver and closes, Cancel closes (and removes the fresh copy of
 // a duplicate). Modeless: the view router owns it and deletes it once it
 // has closed.
 #include "forms/AppointmentDraft.h"
-#include "ui/ButtonWnd.h"
-#include "ui/DialogWnd.h"
-#include "ui/Font.h"
+#include "forms/EditorPage.h"
 #include "ui/TextFieldWnd.h"
-#include "ui/TouchListCtrlWnd.h"
 
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace mirodate {
 
-class AppointmentEditor : public DialogWnd {
+class AppointmentEditor : public EditorPage {
 public:
-    // Deferred commands: a row tap (the row's index added), then the
-    // entries of the menu a row opened (the entry's index added).
-    static constexpr UINT kCmdRowBase = 0x7A00;
-    static constexpr UINT kCmdMenuBase = 0x7B00;
-    static constexpr UINT kCmdLimit = 0x100;
     // Field ids.
     static constexpr int kSubjectField = 101;
     static constexpr int kLocationField = 102;
@@ -42,68 +33,49 @@ public:
     static void SetOpenObserver(std::function<void(AppointmentEditor& editor)> observer);
 
     const AppointmentDraft& Draft() const { return draft_; }
-    bool IsClosed() const { return closed_; }
-    bool WasSaved() const { return saved_; }
-    TouchListCtrlWnd& List() { return list_; }
     TextFieldWnd& SubjectField() { return subject_; }
     TextFieldWnd& LocationField() { return location_; }
-    ButtonWnd& OkButton() { return ok_; }
-    ButtonWnd& CancelButton() { return cancel_; }
     // The list index of a row, -1 when the list does not show it.
     int RowIndex(AppointmentDraft::Row row) const;
     // What a tap on a row does.
     void ActivateRow(AppointmentDraft::Row row);
-    // OK and Cancel, as the buttons do them.
-    void Ok();
-    void Cancel();
 
     BOOL OnInitDialog() override;
     void OnPaint(HDC dc) override;
-    void OnCommand(UINT id, UINT code, HWND control) override;
-    void OnKeyDown(UINT key, UINT flags) override;
-    void OnDeferredCommand(UINT id) override;
-    void OnScreenReset() override;
-    void OnClose() override;
-    INT_PTR DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override;
+
+protected:
+    std::u16string Title() const override;
+    void CreateFields(const LOGFONT& font) override;
+    int LayoutFields(int top, int width) override;
+    void OnFieldCommand(HWND control, UINT code) override;
+    std::vector<RowText> RowTexts() const override;
+    void OnRowTap(std::size_t row) override;
+    void OnMenuChoice(int menu, int index) override;
+    ItemSaver::Outcome Save() override;
+    void Reload() override;
+    void OnCancel() override;
+    void OnClosed() override;
 
 private:
-    enum class Menu { None, Subjects, Locations, Reminder, BusyStatus, Sensitivity, Recurrence };
+    enum Menu { kSubjects = 1, kLocations, kReminder, kBusyStatus, kSensitivity, kRecurrence };
 
-    void Layout();
-    void Fill();
-    void Close();
-    void OpenMenu(Menu menu, std::vector<std::u16string> entries, const std::u16string& header, int current = -1);
-    void OnMenuChoice(int index);
+    void OnRecurrenceChoice(int index);
     void PickStart(bool end);
-    void PickReminderMoment();
-    void PickReminderSpan();
     void EditNotes();
     void EditCategories();
     void EditAttendees();
     void EditAttachments();
     void OpenRecurrence();
-    void ReloadFromStore();
-    void Styled(ButtonWnd& button);
-    std::u16string Title() const;
 
     AppointmentDraft draft_;
     TextFieldWnd subject_;
     TextFieldWnd location_;
     ButtonWnd subjectList_;
     ButtonWnd locationList_;
-    TouchListCtrlWnd list_;
-    ButtonWnd ok_;
-    ButtonWnd cancel_;
-    std::unique_ptr<Font> font_;
-    std::unique_ptr<Font> bold_;
-    std::vector<AppointmentDraft::Row> shown_; // the rows of the list, in order
-    Menu menu_ = Menu::None;
-    std::vector<std::u16string> menuValues_;
-    std::vector<const char*> menuKeys_;
+    std::vector<std::u16string> menuValues_; // the subjects or locations offered
+    std::vector<const char*> reminderKeys_;  // the reminder menu's entries
     std::function<void(AppointmentEditor&)> closeHandler_;
-    bool closed_ = false;
-    bool saved_ = false;
-    UINT closeAllMessage_ = 0;
+    int fieldsTop_ = 0;  // where the subject field begins
     int labelWidth_ = 0; // the column of the subject and location labels
 };
 

@@ -1,14 +1,11 @@
 #include "forms/AttachmentsPage.h"
 
 #include "forms/AttachmentUri.h"
+#include "forms/TwoLineRow.h"
 #include "lang/LanguageTable.h"
 #include "platform/PlatformServices.h"
 #include "platform/TextUtil.h"
-#include "skin/SkinStyles.h"
-#include "ui/Dc.h"
 #include "ui/MessagePage.h"
-#include "ui/Scale.h"
-#include "ui/TextLayout.h"
 #include "ui/WinApi.h"
 
 #include <algorithm>
@@ -17,50 +14,16 @@ namespace mirodate {
 
 namespace {
 constexpr int kFieldId = 204;
-constexpr int kRowHeight = 34;
-constexpr int kAddWidth = 30;
-constexpr int kIndent = 6;
 
 std::function<void(AttachmentsPage&)>& OpenObserver() {
     static std::function<void(AttachmentsPage&)> observer;
     return observer;
 }
-
-// An attachment: "[FILE]" and its name in bold, over the path of a file.
-class AttachmentRow : public TouchListItem {
-public:
-    AttachmentRow(UINT command, const std::u16string& uri, const Font& font, const Font& bold, int width)
-        : command_(command) {
-        const int room = std::max(1, width - Scale(2 * kIndent));
-        const std::string path = AttachmentUri::LocalPath(uri);
-        name_ = TextLayout(u"[FILE] " + AttachmentUri::DisplayName(uri), bold, room, false);
-        // A file's folder tells which of two same-named files it is; a web
-        // address is all said on the first line.
-        where_ = TextLayout(path.empty() ? std::u16string() : Utf8ToUtf16(path), font, room, false);
-        height_ = std::max(Scale(kRowHeight), name_.Height() + where_.Height() + Scale(kIndent));
-    }
-    void Draw(Dc& dc, const RECT& rect) override {
-        const AddModifyFormStyle& style = SkinStyles::Current().addModifyForm;
-        dc.FillRect(rect, highlighted_ ? style.colorSelectionMark : style.colorBg);
-        dc.FillRect(RECT{rect.left, rect.bottom - 1, rect.right, rect.bottom}, style.colorLineSeparator);
-        const COLORREF ink = highlighted_ ? style.colorTextSel : style.colorText;
-        const int top = rect.top + (rect.Height() - name_.Height() - where_.Height()) / 2;
-        name_.Draw(dc, rect.left + Scale(kIndent), top, ink);
-        where_.Draw(dc, rect.left + Scale(kIndent), top + name_.Height(), ink);
-    }
-    int Height() const override { return height_; }
-    void Click(HWND list, int, int) override { PostMessage(GetParent(list), WM_DEFERRED_COMMAND, command_, 0); }
-
-private:
-    UINT command_;
-    TextLayout name_;
-    TextLayout where_;
-    int height_ = 0;
-};
 } // namespace
 
 AttachmentsPage::AttachmentsPage(std::vector<std::u16string> attachments)
-    : SmallFormPage(u""), attachments_(std::move(attachments)) {
+    : ListEntryPage("addmodify.Attachments", kFieldId, AttachmentUri::kMaxTyped, FieldPlace::AboveList),
+      attachments_(std::move(attachments)) {
     if (attachments_.size() > kMaxAttachments) attachments_.resize(kMaxAttachments);
 }
 AttachmentsPage::~AttachmentsPage() = default;
@@ -112,58 +75,19 @@ void AttachmentsPage::Choose(int index) {
     }
 }
 
-void AttachmentsPage::CreateControls() {
-    title_ = Lang("addmodify.Attachments");
-    SetWindowText(window, title_);
-    list_.Create(window, 0, 0, 1, 1, false, false);
-    list_.SetHeaderHeight(0);
-    TouchListColors colors = TouchListColors::FromSkin();
-    colors.background = SkinStyles::Current().addModifyForm.colorBg;
-    list_.SetColors(colors);
-    field_.Create(window, kFieldId, 0, 0, 1, 1, false);
-    field_.SetFont(logFont_);
-    field_.SetLimit(AttachmentUri::kMaxTyped);
-    add_.Create(window, u"+", 0, 0, 1, 1);
-    Style(add_);
-    SetFocus(field_.GetHwnd());
-}
-
-void AttachmentsPage::LayoutControls(const RECT& area) {
-    const int margin = Scale(kMargin);
-    const int field = Scale(kFieldHeight);
-    const int add = Scale(kAddWidth);
-    const int fieldTop = area.top + margin;
-    MoveWindow(field_.GetHwnd(), margin, fieldTop, std::max(1, area.Width() - 3 * margin - add), field, true);
-    MoveWindow(add_.GetHwnd(), area.Width() - margin - add, fieldTop, add, field, true);
-    const int listTop = fieldTop + field + margin;
-    MoveWindow(list_.GetHwnd(), 0, listTop, area.Width(), std::max(1, area.bottom - listTop), true);
-    Fill();
-}
-
 void AttachmentsPage::Fill() {
-    if (!list_.GetHwnd() || !font_) return;
-    list_.ClearItems();
-    RECT client;
-    GetClientRect(list_.GetHwnd(), &client);
-    for (size_t i = 0; i < attachments_.size(); ++i)
-        list_.AddItem(std::make_unique<AttachmentRow>(kCmdRowBase + static_cast<UINT>(i), attachments_[i], *font_,
-                                                      *bold_, client.Width()));
-    list_.Relayout();
-    list_.RefreshViewport();
-}
-
-void AttachmentsPage::OnControl(HWND control, UINT code) {
-    if (control == add_.GetHwnd() || (control == field_.GetHwnd() && code == EN_ENTER)) {
-        if (Add(field_.GetText())) field_.SetText(u"");
-    }
-}
-
-bool AttachmentsPage::OnAccept() {
-    // A path typed and not yet added is added; one that names no file keeps the page open.
-    if (field_.GetText().find_first_not_of(u" \t") == std::u16string::npos) return true;
-    if (!Add(field_.GetText())) return false;
-    field_.SetText(u"");
-    return true;
+    FillList(
+        [this](int width) {
+            for (size_t i = 0; i < attachments_.size(); ++i) {
+                // A file's folder tells which of two same-named files it is;
+                // a web address is all said on the first line.
+                const std::string path = AttachmentUri::LocalPath(attachments_[i]);
+                List().AddItem(std::make_unique<TwoLineRow>(
+                    kCmdRowBase + static_cast<UINT>(i), u"[FILE] " + AttachmentUri::DisplayName(attachments_[i]),
+                    path.empty() ? std::u16string() : Utf8ToUtf16(path), *font_, *bold_, width));
+            }
+        },
+        false);
 }
 
 void AttachmentsPage::OnDeferredCommand(UINT id) {
@@ -171,7 +95,7 @@ void AttachmentsPage::OnDeferredCommand(UINT id) {
 }
 
 void AttachmentsPage::OnDialogReady() {
-    SmallFormPage::OnDialogReady();
+    ListEntryPage::OnDialogReady();
     if (OpenObserver()) OpenObserver()(*this);
 }
 

@@ -5,9 +5,7 @@
 // path or a web address (our toolkit has no file dialog). A typed path must
 // name an existing file; it is kept as a file:// URI. Returns the list, or
 // nothing on Cancel.
-#include "forms/SmallFormPage.h"
-#include "ui/TextFieldWnd.h"
-#include "ui/TouchListCtrlWnd.h"
+#include "forms/ListEntryPage.h"
 
 #include <functional>
 #include <optional>
@@ -16,7 +14,7 @@
 
 namespace mirodate {
 
-class AttachmentsPage : public SmallFormPage {
+class AttachmentsPage : public ListEntryPage {
 public:
     static constexpr UINT kCmdRowBase = 0x7F00;
     // An item with more attachments than this is a damaged one.
@@ -34,30 +32,20 @@ public:
     const std::vector<std::u16string>& Attachments() const { return attachments_; }
     // Adds a typed path or web address; false (with a message) when it is
     // neither a web address nor an existing file.
-    bool Add(const std::u16string& typed);
+    bool Add(const std::u16string& typed) override;
     // Asks what to do with attachment `index`: open it, or remove it.
     void Choose(int index);
     // Hands an attachment to the desktop; false when that failed.
     static bool OpenAttachment(const std::u16string& uri);
-    TouchListCtrlWnd& List() { return list_; }
-    TextFieldWnd& Field() { return field_; }
 
     void OnDialogReady() override;
     void OnDeferredCommand(UINT id) override;
 
 protected:
-    void CreateControls() override;
-    void LayoutControls(const RECT& area) override;
-    void OnControl(HWND control, UINT code) override;
-    bool OnAccept() override;
+    void Fill() override;
 
 private:
-    void Fill();
-
     std::vector<std::u16string> attachments_;
-    TouchListCtrlWnd list_;
-    TextFieldWnd field_;
-    ButtonWnd add_;
 };
 
 } // namespace mirodate

@@ -3,6 +3,7 @@
 #include "data/PimFolder.h"
 #include "data/PimStore.h"
 #include "data/TextMatcher.h"
+#include "forms/TwoLineRow.h"
 #include "lang/LanguageTable.h"
 #include "skin/SkinStyles.h"
 #include "ui/Dc.h"
@@ -18,7 +19,6 @@ namespace mirodate {
 namespace {
 constexpr int kFieldId = 203;
 constexpr int kRowHeight = 34;
-constexpr int kAddWidth = 30;
 constexpr int kIndent = 6;
 constexpr int kSectionHeight = 22;
 
@@ -32,35 +32,6 @@ std::u16string Trim(const std::u16string& text) {
     if (first == std::u16string::npos) return {};
     return text.substr(first, text.find_last_not_of(u" \t\"") - first + 1);
 }
-
-// A person: the name in bold over the address.
-class PersonRow : public TouchListItem {
-public:
-    PersonRow(UINT command, const AppointmentDraft::Person& person, const Font& font, const Font& bold, int width)
-        : command_(command) {
-        const int room = std::max(1, width - Scale(2 * kIndent));
-        name_ = TextLayout(person.name.empty() ? person.address : person.name, bold, room, false);
-        address_ = TextLayout(person.name.empty() ? std::u16string() : person.address, font, room, false);
-        height_ = std::max(Scale(kRowHeight), name_.Height() + address_.Height() + Scale(kIndent));
-    }
-    void Draw(Dc& dc, const RECT& rect) override {
-        const AddModifyFormStyle& style = SkinStyles::Current().addModifyForm;
-        dc.FillRect(rect, highlighted_ ? style.colorSelectionMark : style.colorBg);
-        dc.FillRect(RECT{rect.left, rect.bottom - 1, rect.right, rect.bottom}, style.colorLineSeparator);
-        const COLORREF ink = highlighted_ ? style.colorTextSel : style.colorText;
-        const int top = rect.top + (rect.Height() - name_.Height() - address_.Height()) / 2;
-        name_.Draw(dc, rect.left + Scale(kIndent), top, ink);
-        address_.Draw(dc, rect.left + Scale(kIndent), top + name_.Height(), ink);
-    }
-    int Height() const override { return height_; }
-    void Click(HWND list, int, int) override { PostMessage(GetParent(list), WM_DEFERRED_COMMAND, command_, 0); }
-
-private:
-    UINT command_;
-    TextLayout name_;
-    TextLayout address_;
-    int height_ = 0;
-};
 
 // The band over the contacts' addresses.
 class SectionRow : public TouchListItem {
@@ -128,7 +99,8 @@ std::u16string SortKey(const AppointmentDraft::Person& person) {
 } // namespace
 
 AttendeeDialog::AttendeeDialog(const std::u16string& people)
-    : SmallFormPage(u""), people_(AppointmentDraft::SplitPeople(people)), contacts_(ContactAddresses()) {
+    : ListEntryPage("addmodify.Attendees", kFieldId, kMaxEntry, FieldPlace::AboveList),
+      people_(AppointmentDraft::SplitPeople(people)), contacts_(ContactAddresses()) {
     UpdateChoices();
 }
 
@@ -160,7 +132,7 @@ std::vector<AppointmentDraft::Person> AttendeeDialog::ContactAddresses() {
 
 void AttendeeDialog::UpdateChoices() {
     choices_.clear();
-    const std::u16string typed = field_.GetHwnd() ? field_.GetText() : std::u16string();
+    const std::u16string typed = Field().GetHwnd() ? Field().GetText() : std::u16string();
     TextMatcher matcher(typed.substr(0, kMaxEntry));
     for (const AppointmentDraft::Person& contact : contacts_) {
         if (choices_.size() >= kMaxContactRows) break;
@@ -177,7 +149,7 @@ void AttendeeDialog::AddContact(int index) {
     if (index < 0 || index >= static_cast<int>(choices_.size()) || people_.size() >= kMaxPeople) return;
     people_.push_back(choices_[static_cast<size_t>(index)]);
     // The typed text only looked for this contact.
-    if (field_.GetHwnd()) field_.SetText(u"");
+    if (Field().GetHwnd()) Field().SetText(u"");
     Fill();
 }
 AttendeeDialog::~AttendeeDialog() = default;
@@ -237,74 +209,36 @@ void AttendeeDialog::Remove(int index) {
     Fill();
 }
 
-void AttendeeDialog::CreateControls() {
-    title_ = Lang("addmodify.Attendees");
-    SetWindowText(window, title_);
-    list_.Create(window, 0, 0, 1, 1, false, false);
-    list_.SetHeaderHeight(0);
-    TouchListColors colors = TouchListColors::FromSkin();
-    colors.background = SkinStyles::Current().addModifyForm.colorBg;
-    list_.SetColors(colors);
-    field_.Create(window, kFieldId, 0, 0, 1, 1, false);
-    field_.SetFont(logFont_);
-    field_.SetLimit(kMaxEntry);
-    add_.Create(window, u"+", 0, 0, 1, 1);
-    Style(add_);
-    SetFocus(field_.GetHwnd());
-}
-
-void AttendeeDialog::LayoutControls(const RECT& area) {
-    const int margin = Scale(kMargin);
-    const int field = Scale(kFieldHeight);
-    const int add = Scale(kAddWidth);
-    const int fieldTop = area.top + margin;
-    MoveWindow(field_.GetHwnd(), margin, fieldTop, std::max(1, area.Width() - 3 * margin - add), field, true);
-    MoveWindow(add_.GetHwnd(), area.Width() - margin - add, fieldTop, add, field, true);
-    const int listTop = fieldTop + field + margin;
-    MoveWindow(list_.GetHwnd(), 0, listTop, area.Width(), std::max(1, area.bottom - listTop), true);
-    Fill();
-}
-
 void AttendeeDialog::Fill() {
-    if (!list_.GetHwnd() || !font_) return;
-    list_.ClearItems();
-    RECT client;
-    GetClientRect(list_.GetHwnd(), &client);
-    for (size_t i = 0; i < people_.size(); ++i)
-        list_.AddItem(std::make_unique<PersonRow>(kCmdRowBase + static_cast<UINT>(i), people_[i], *font_, *bold_,
-                                                  client.Width()));
-    UpdateChoices();
-    if (!choices_.empty()) {
-        list_.AddItem(std::make_unique<SectionRow>(Lang("editor.FromContacts"), *bold_, client.Width()));
-        const int lines = TextLayout(u"Ag", *bold_, client.Width(), false).Height() +
-                          TextLayout(u"Ag", *font_, client.Width(), false).Height();
-        const int height = std::max(Scale(kRowHeight), lines + Scale(kIndent));
-        for (size_t i = 0; i < choices_.size(); ++i)
-            list_.AddItem(std::make_unique<ContactRow>(kCmdContactBase + static_cast<UINT>(i), choices_[i], *font_,
-                                                       *bold_, client.Width(), height));
-    }
-    list_.Relayout();
-    list_.RefreshViewport();
+    FillList(
+        [this](int width) {
+            for (size_t i = 0; i < people_.size(); ++i) {
+                const AppointmentDraft::Person& person = people_[i];
+                // The name in bold over the address; a bare address stands alone.
+                List().AddItem(std::make_unique<TwoLineRow>(
+                    kCmdRowBase + static_cast<UINT>(i), person.name.empty() ? person.address : person.name,
+                    person.name.empty() ? std::u16string() : person.address, *font_, *bold_, width));
+            }
+            UpdateChoices();
+            if (choices_.empty()) return;
+            List().AddItem(std::make_unique<SectionRow>(Lang("editor.FromContacts"), *bold_, width));
+            const int lines =
+                TextLayout(u"Ag", *bold_, width, false).Height() + TextLayout(u"Ag", *font_, width, false).Height();
+            const int height = std::max(Scale(kRowHeight), lines + Scale(kIndent));
+            for (size_t i = 0; i < choices_.size(); ++i)
+                List().AddItem(std::make_unique<ContactRow>(kCmdContactBase + static_cast<UINT>(i), choices_[i],
+                                                            *font_, *bold_, width, height));
+        },
+        false);
 }
 
 void AttendeeDialog::OnControl(HWND control, UINT code) {
-    if (control == add_.GetHwnd() || (control == field_.GetHwnd() && code == EN_ENTER)) {
-        if (Add(field_.GetText())) {
-            field_.SetText(u"");
-            Fill();
-        }
-    } else if (control == field_.GetHwnd() && code == EN_CHANGE && !contacts_.empty()) {
+    if (IsAddCommand(control, code)) {
+        if (AddTyped()) Fill();
+    } else if (control == Field().GetHwnd() && code == EN_CHANGE && !contacts_.empty()) {
         // The contacts narrow to what is typed.
         Fill();
     }
-}
-
-bool AttendeeDialog::OnAccept() {
-    // A typed address not yet added is added; a bad one keeps the page open.
-    if (field_.GetText().find_first_not_of(u" \t") == std::u16string::npos) return true;
-    if (!Add(field_.GetText())) return false;
-    field_.SetText(u"");
-    return true;
 }
 
 void AttendeeDialog::OnDeferredCommand(UINT id) {
@@ -314,7 +248,7 @@ void AttendeeDialog::OnDeferredCommand(UINT id) {
 }
 
 void AttendeeDialog::OnDialogReady() {
-    SmallFormPage::OnDialogReady();
+    ListEntryPage::OnDialogReady();
     if (OpenObserver()) OpenObserver()(*this);
 }
 

@@ -8,9 +8,7 @@
 // as PimRecord keeps them ("name|address" joined by "~"), or nothing on
 // Cancel.
 #include "forms/AppointmentDraft.h"
-#include "forms/SmallFormPage.h"
-#include "ui/TextFieldWnd.h"
-#include "ui/TouchListCtrlWnd.h"
+#include "forms/ListEntryPage.h"
 
 #include <functional>
 #include <optional>
@@ -19,7 +17,7 @@
 
 namespace mirodate {
 
-class AttendeeDialog : public SmallFormPage {
+class AttendeeDialog : public ListEntryPage {
 public:
     static constexpr UINT kCmdRowBase = 0x7E00;
     static constexpr UINT kCmdContactBase = 0x8000;
@@ -38,7 +36,7 @@ public:
     const std::vector<AppointmentDraft::Person>& People() const { return people_; }
     // Adds "Name <address>" or a bare address; false (with a message) when
     // the text holds no address with "@".
-    bool Add(const std::u16string& text);
+    bool Add(const std::u16string& text) override;
     // Removes person `index` after asking.
     void Remove(int index);
     // The contact addresses listed now (the typed text narrows them; people
@@ -48,8 +46,6 @@ public:
     // Every e-mail address of the store's contacts, one entry each, by name.
     static std::vector<AppointmentDraft::Person> ContactAddresses();
     std::u16string Value() const { return AppointmentDraft::JoinPeople(people_); }
-    TouchListCtrlWnd& List() { return list_; }
-    TextFieldWnd& Field() { return field_; }
 
     // Splits "Name <address>" (or a bare address); false without "@".
     static bool ParseEntry(const std::u16string& text, AppointmentDraft::Person& person);
@@ -58,21 +54,15 @@ public:
     void OnDeferredCommand(UINT id) override;
 
 protected:
-    void CreateControls() override;
-    void LayoutControls(const RECT& area) override;
+    void Fill() override;
     void OnControl(HWND control, UINT code) override;
-    bool OnAccept() override;
 
 private:
-    void Fill();
     void UpdateChoices();
 
     std::vector<AppointmentDraft::Person> people_;
     std::vector<AppointmentDraft::Person> contacts_;
     std::vector<AppointmentDraft::Person> choices_;
-    TouchListCtrlWnd list_;
-    TextFieldWnd field_;
-    ButtonWnd add_;
 };
 
 } // namespace mirodate

@@ -17,7 +17,6 @@ namespace {
 constexpr int kFieldId = 202;
 constexpr int kRowHeight = 28;
 constexpr int kSwatch = 12;
-constexpr int kAddWidth = 30;
 
 std::function<void(CategoryPickerPage&)>& OpenObserver() {
     static std::function<void(CategoryPickerPage&)> observer;
@@ -78,7 +77,7 @@ private:
 } // namespace
 
 CategoryPickerPage::CategoryPickerPage(const std::u16string& current)
-    : SmallFormPage(u"") {
+    : ListEntryPage("addmodify.Categories", kFieldId, kMaxName, FieldPlace::BelowList) {
     std::vector<std::u16string> known;
     Categories::LoadCategories(known);
     if (PimSource* source = PimStore::Instance().Source())
@@ -131,60 +130,20 @@ std::u16string CategoryPickerPage::Value() const {
     return text;
 }
 
-void CategoryPickerPage::CreateControls() {
-    title_ = Lang("addmodify.Categories");
-    SetWindowText(window, title_);
-    list_.Create(window, 0, 0, 1, 1, false, false);
-    list_.SetHeaderHeight(0);
-    TouchListColors colors = TouchListColors::FromSkin();
-    colors.background = SkinStyles::Current().addModifyForm.colorBg;
-    list_.SetColors(colors);
-    field_.Create(window, kFieldId, 0, 0, 1, 1, false);
-    field_.SetFont(logFont_);
-    field_.SetLimit(kMaxName);
-    add_.Create(window, u"+", 0, 0, 1, 1);
-    Style(add_);
-}
-
-void CategoryPickerPage::LayoutControls(const RECT& area) {
-    const int margin = Scale(kMargin);
-    const int field = Scale(kFieldHeight);
-    const int add = Scale(kAddWidth);
-    const int fieldTop = area.bottom - field;
-    MoveWindow(list_.GetHwnd(), 0, area.top, area.Width(), std::max(1, fieldTop - margin - area.top), true);
-    MoveWindow(field_.GetHwnd(), margin, fieldTop, std::max(1, area.Width() - 3 * margin - add), field, true);
-    MoveWindow(add_.GetHwnd(), area.Width() - margin - add, fieldTop, add, field, true);
-    Fill();
-}
-
 void CategoryPickerPage::Fill() {
-    if (!list_.GetHwnd() || !font_) return;
-    const int position = list_.Scroller().Position();
-    list_.ClearItems();
-    RECT client;
-    GetClientRect(list_.GetHwnd(), &client);
-    for (size_t i = 0; i < names_.size(); ++i)
-        list_.AddItem(std::make_unique<CategoryRow>(kCmdRowBase + static_cast<UINT>(i), names_[i], chosen_[i], *font_,
-                                                    client.Width()));
-    list_.Relayout();
-    list_.Scroller().SetPosition(position);
-    list_.RefreshViewport();
+    FillList(
+        [this](int width) {
+            for (size_t i = 0; i < names_.size(); ++i)
+                List().AddItem(std::make_unique<CategoryRow>(kCmdRowBase + static_cast<UINT>(i), names_[i], chosen_[i],
+                                                             *font_, width));
+        },
+        true);
 }
 
-void CategoryPickerPage::AddTyped() {
-    const std::u16string name = Trim(field_.GetText());
-    if (name.empty()) return;
+bool CategoryPickerPage::Add(const std::u16string& typed) {
+    const std::u16string name = Trim(typed);
+    if (name.empty()) return false;
     if (!IsChosen(name)) Toggle(name);
-    field_.SetText(u"");
-}
-
-void CategoryPickerPage::OnControl(HWND control, UINT code) {
-    if (control == add_.GetHwnd() || (control == field_.GetHwnd() && code == EN_ENTER)) AddTyped();
-}
-
-bool CategoryPickerPage::OnAccept() {
-    // A name typed and not yet added counts as chosen.
-    AddTyped();
     return true;
 }
 
@@ -193,7 +152,7 @@ void CategoryPickerPage::OnDeferredCommand(UINT id) {
 }
 
 void CategoryPickerPage::OnDialogReady() {
-    SmallFormPage::OnDialogReady();
+    ListEntryPage::OnDialogReady();
     if (OpenObserver()) OpenObserver()(*this);
 }
 

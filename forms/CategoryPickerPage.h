@@ -3,9 +3,7 @@
 // with its colour and a check mark (a tap flips it), and a field for a new
 // name. Returns the chosen names joined by "," in the order of the list,
 // or nothing on Cancel.
-#include "forms/SmallFormPage.h"
-#include "ui/TextFieldWnd.h"
-#include "ui/TouchListCtrlWnd.h"
+#include "forms/ListEntryPage.h"
 
 #include <functional>
 #include <optional>
@@ -14,7 +12,7 @@
 
 namespace mirodate {
 
-class CategoryPickerPage : public SmallFormPage {
+class CategoryPickerPage : public ListEntryPage {
 public:
     static constexpr UINT kCmdRowBase = 0x7D00;
     static constexpr std::size_t kMaxName = 64;
@@ -29,29 +27,20 @@ public:
     bool IsChosen(const std::u16string& name) const;
     // Flips a name; a name not listed yet is added, chosen.
     void Toggle(const std::u16string& name);
+    // Chooses a typed name (added when not listed yet); false when it is blank.
+    bool Add(const std::u16string& typed) override;
     // The chosen names, comma-joined.
     std::u16string Value() const;
-    TouchListCtrlWnd& List() { return list_; }
-    TextFieldWnd& Field() { return field_; }
 
     void OnDialogReady() override;
     void OnDeferredCommand(UINT id) override;
 
 protected:
-    void CreateControls() override;
-    void LayoutControls(const RECT& area) override;
-    void OnControl(HWND control, UINT code) override;
-    bool OnAccept() override;
+    void Fill() override;
 
 private:
-    void Fill();
-    void AddTyped();
-
     std::vector<std::u16string> names_;
     std::vector<bool> chosen_;
-    TouchListCtrlWnd list_;
-    TextFieldWnd field_;
-    ButtonWnd add_;
 };
 
 } // namespace mirodate

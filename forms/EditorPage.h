@@ -85,6 +85,8 @@ protected:
     // Shows the rows' texts anew, keeping the scroll position.
     void Fill();
     static void Style(ButtonWnd& button);
+    // The bold font of the row labels (null before the page is created).
+    const Font* BoldFont() const { return bold_.get(); }
 
 private:
     void Layout();

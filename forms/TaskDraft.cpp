@@ -1,8 +1,8 @@
 #include "forms/TaskDraft.h"
 
 #include "data/EditorTexts.h"
-#include "data/RecurrenceDescriber.h"
 #include "forms/AppointmentDraft.h"
+#include "forms/RecordEdits.h"
 #include "lang/LanguageTable.h"
 #include "platform/Locale.h"
 #include "platform/TextUtil.h"
@@ -66,21 +66,10 @@ bool TaskDraft::SetDueDate(const std::optional<DateTime>& date) {
 void TaskDraft::SetComplete(bool complete) { record_.complete = complete; }
 void TaskDraft::SetImportance(int importance) { record_.importance = std::clamp(importance, kLow, kHigh); }
 
-void TaskDraft::SetRecurrence(const RecurrencePattern& pattern) {
-    record_.recurrence = pattern;
-    record_.isRecurring = pattern.RecurrenceType != RecurrencePattern::kNotRecurring;
-}
-
-void TaskDraft::SetRecurrenceEnd(int count, double date) {
-    RecurrencePattern& p = record_.recurrence;
-    p.Occurrences = std::max(0, count);
-    p.PatternEndDate = count > 0 ? 0.0 : date;
-    p.NoEndDate = count <= 0 && date == 0.0;
-}
-
+void TaskDraft::SetRecurrence(const RecurrencePattern& pattern) { RecordEdits::SetRecurrence(record_, pattern); }
+void TaskDraft::SetRecurrenceEnd(int count, double date) { RecordEdits::SetRecurrenceEnd(record_, count, date); }
 void TaskDraft::SetReminder(bool set, std::int64_t leadMinutes) {
-    record_.reminderSet = set;
-    record_.reminderMinutes = set ? static_cast<int>(std::clamp<std::int64_t>(leadMinutes, 0, 0x7FFFFFFF)) : 0;
+    RecordEdits::SetReminder(record_, set, leadMinutes);
 }
 
 bool TaskDraft::SetReminderMoment(const DateTime& moment) {
@@ -105,10 +94,7 @@ DateTime TaskDraft::SeriesStart(const DateTime& fallback) const {
     return fallback;
 }
 
-bool TaskDraft::RuleNotEditable() const {
-    return record_.isRecurring && (record_.recurrence.RecurrenceType == RecurrencePattern::kNotRecurring ||
-                                   record_.recurrence.RuleFit != RecurrencePattern::kExact);
-}
+bool TaskDraft::RuleNotEditable() const { return RecordEdits::RuleNotEditable(record_); }
 
 std::string TaskDraft::Problem() const {
     if ((HasStartDate() && !InRange(DateTime(record_.startDate))) ||
@@ -151,13 +137,7 @@ std::u16string TaskDraft::Value(Row row) const {
     case Row::DueDate: return DateText(record_.dueDate);
     case Row::Complete: return record_.complete ? u"\u2611" : u"\u2610";
     case Row::Priority: return EditorTexts::PriorityLabel(std::clamp(record_.importance, kLow, kHigh));
-    case Row::Recurrence: {
-        if (record_.isRecurring && record_.recurrence.RecurrenceType == RecurrencePattern::kNotRecurring)
-            return Lang("editor.RuleKept");
-        std::u16string text = RecurrenceDescriber::Describe(record_.recurrence);
-        if (RuleNotEditable()) text += u" (" + Lang("editor.RuleKept") + u")";
-        return text;
-    }
+    case Row::Recurrence: return RecordEdits::RecurrenceText(record_);
     case Row::Reminder: return EditorTexts::ReminderText(record_.reminderSet, record_.reminderMinutes);
     case Row::Categories: return record_.categories.empty() ? u"-" : record_.categories;
     case Row::Sensitivity: return EditorTexts::SensitivityLabel(record_.sensitivity);

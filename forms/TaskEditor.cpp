@@ -9,9 +9,9 @@
 #include "forms/DateTimePickerPage.h"
 #include "forms/RecurrenceEditorPage.h"
 #include "forms/RecurrenceEndChoice.h"
+#include "forms/ReminderChoice.h"
 #include "forms/TaskSaver.h"
 #include "forms/TextEntryPage.h"
-#include "forms/TimeSpanPickerPage.h"
 #include "lang/LanguageTable.h"
 #include "ui/MessagePage.h"
 #include "ui/Scale.h"
@@ -133,10 +133,8 @@ void TaskEditor::ActivateRow(Row row) {
             MessagePage::Tell(window, Lang("editor.ReminderNeedsDue"));
             return;
         }
-        reminderKeys_ = EditorTexts::ReminderMenuKeys(draft_.Record().reminderSet);
-        std::vector<std::u16string> entries;
-        for (const char* key : reminderKeys_) entries.push_back(Lang(key));
-        OpenMenu(kReminder, entries, Lang("addmodify.Reminder"));
+        OpenMenu(kReminder, ReminderChoice::Entries(draft_.Record().reminderSet, reminderKeys_),
+                 Lang("addmodify.Reminder"));
         return;
     }
     case Row::Categories: {
@@ -212,10 +210,10 @@ void TaskEditor::OnMenuChoice(int menu, int index) {
     case kSensitivity: draft_.SetSensitivity(index); break;
     case kReminder: {
         if (index >= static_cast<int>(reminderKeys_.size())) return;
-        const std::string key = reminderKeys_[static_cast<size_t>(index)];
-        if (key == "set_datetime" || key == "change_datetime") PickReminderMoment();
-        else if (key == "set_span" || key == "change_span") PickReminderSpan();
-        else if (key == "unset") draft_.SetReminder(false, 0);
+        ReminderChoice::Choose(window, reminderKeys_[static_cast<size_t>(index)], draft_, [this] {
+            Fill();
+            UpdateWindow(window);
+        });
         break;
     }
     case kRecurrence: OnRecurrenceChoice(index); break;
@@ -237,23 +235,6 @@ void TaskEditor::OnRecurrenceChoice(int index) {
     const auto end =
         RecurrenceEndChoice::Ask(window, keys[static_cast<size_t>(index - 1)], draft_.Record().recurrence, seriesStart);
     if (end) draft_.SetRecurrenceEnd(end->count, end->date);
-}
-
-void TaskEditor::PickReminderMoment() {
-    const auto moment = DateTimePickerPage::Pick(window, draft_.ReminderMoment());
-    if (!moment) return;
-    if (!draft_.SetReminderMoment(*moment)) {
-        // Repainted first, so that the message stands over the list as it is.
-        Fill();
-        UpdateWindow(window);
-        MessagePage::Tell(window, Lang("ReminderInvalid"));
-    }
-}
-
-void TaskEditor::PickReminderSpan() {
-    const auto minutes =
-        TimeSpanPickerPage::Pick(window, draft_.Record().reminderSet ? draft_.Record().reminderMinutes : 0);
-    if (minutes && *minutes >= 0) draft_.SetReminder(true, *minutes);
 }
 
 void TaskEditor::OpenRecurrence() {

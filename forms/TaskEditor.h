@@ -56,8 +56,6 @@ private:
 
     void ChooseDate(TaskDraft::Row row);
     void PickDate(TaskDraft::Row row);
-    void PickReminderMoment();
-    void PickReminderSpan();
     void OpenRecurrence();
     void OnRecurrenceChoice(int index);
 

@@ -4,7 +4,9 @@
 #include "data/TemplateLists.h"
 #include "forms/AttendeeDialog.h"
 #include "forms/CategoryPickerPage.h"
+#include "forms/DatePickerPage.h"
 #include "forms/DateTimePickerPage.h"
+#include "forms/TextEntryPage.h"
 #include "forms/TimeSpanPickerPage.h"
 #include "platform/TextUtil.h"
 #include "skin/SkinStyles.h"
@@ -13,6 +15,7 @@
 #include "tests/forms/EditorFixture.h"
 
 #include <cstdio>
+#include <deque>
 #include <filesystem>
 
 namespace mirodate::test {
@@ -31,7 +34,9 @@ protected:
         for (auto clear : {+[] { TimeSpanPickerPage::SetOpenObserver(nullptr); },
                            +[] { DateTimePickerPage::SetOpenObserver(nullptr); },
                            +[] { CategoryPickerPage::SetOpenObserver(nullptr); },
-                           +[] { AttendeeDialog::SetOpenObserver(nullptr); }})
+                           +[] { AttendeeDialog::SetOpenObserver(nullptr); },
+                           +[] { DatePickerPage::SetOpenObserver(nullptr); },
+                           +[] { TextEntryPage::SetOpenObserver(nullptr); }})
             clear();
         TemplateLists::SetDirectory("");
         EditorFixture::TearDown();
@@ -341,6 +346,68 @@ TEST_F(AppointmentEditorTest, ASeriesWhoseRuleThePatternCannotSayKeepsItsRule) {
     // The rule says the same as before (libical may order its parts anew).
     for (const char* part : {"RRULE:FREQ=HOURLY", "INTERVAL=12", "COUNT=6"})
         EXPECT_NE(text.find(part), std::string::npos) << part << "\n" << text;
+}
+
+TEST_F(AppointmentEditorTest, TheEndOfASeriesIsChosenFromTheRecurrenceRow) {
+    AddTimed("run", "Run", "20240304T060000Z", "20240304T070000Z", "RRULE:FREQ=WEEKLY;COUNT=5\r\n");
+    OpenStore();
+    const auto key = [this](std::uint32_t code) {
+        DisplayEvent event;
+        event.type = DisplayEvent::Type::KeyDown;
+        event.key = code;
+        display_->Inject(event);
+        event.type = DisplayEvent::Type::KeyUp;
+        display_->Inject(event);
+    };
+    // The count page is answered by typing over its text and Enter.
+    std::deque<std::string> counts = {"0", "8"};
+    TextEntryPage::SetOpenObserver([&](TextEntryPage& page) {
+        page.Field().SetSelection(0, static_cast<int>(page.Field().GetText().size()));
+        DisplayEvent text;
+        text.type = DisplayEvent::Type::Text;
+        text.text = counts.front();
+        counts.pop_front();
+        display_->Inject(text);
+        key(VK_RETURN);
+    });
+    AppointmentEditor& editor =
+        Open(AppointmentDraft::ForRecord(RecordOf(ItemOn(DateTime(2024, 3, 4)).oid), Mode::Item));
+    // A count of 0 is refused with a message and changes nothing.
+    TapRow(Row::Recurrence);
+    ChooseMenu(u"SetOccurrences");
+    EXPECT_EQ(menuTexts, (std::vector<std::u16string>{u"addmodify.EditPattern", u"SetOccurrences",
+                                                      u"SetPatternEndDate", u"SetNoEndDate"}));
+    EXPECT_EQ(questions, std::vector<std::u16string>{u"editor.BadCount"});
+    EXPECT_EQ(editor.Draft().Record().recurrence.Occurrences, 5);
+    TapRow(Row::Recurrence);
+    ChooseMenu(u"SetOccurrences");
+    EXPECT_EQ(editor.Draft().Record().recurrence.Occurrences, 8);
+
+    // The date picker starts on the first day; the day before it is refused,
+    // the day after it ends the series.
+    DatePickerPage::SetOpenObserver([&](DatePickerPage&) {
+        key(VK_LEFT);
+        key(VK_RETURN);
+    });
+    TapRow(Row::Recurrence);
+    ChooseMenu(u"SetPatternEndDate");
+    EXPECT_EQ(questions.back(), u"editor.EndBeforeStart");
+    EXPECT_EQ(editor.Draft().Record().recurrence.Occurrences, 8);
+    DatePickerPage::SetOpenObserver([&](DatePickerPage&) {
+        for (int i = 0; i < 14; ++i) key(VK_RIGHT);
+        key(VK_RETURN);
+    });
+    TapRow(Row::Recurrence);
+    ChooseMenu(u"SetPatternEndDate");
+    EXPECT_EQ(editor.Draft().Record().recurrence.Occurrences, 0);
+    EXPECT_EQ(editor.Draft().Record().recurrence.PatternEndDate, DateTime(2024, 3, 18).ToDate());
+    TapWindow(editor.OkButton().GetHwnd());
+    ASSERT_TRUE(editor.WasSaved());
+    for (int day : {4, 11, 18}) EXPECT_EQ(ItemOn(DateTime(2024, 3, day)).subject, u"Run") << day;
+    std::vector<PimItem> after;
+    PimStore::Instance().GetDayAppointments(2024, 3, 25, after);
+    EXPECT_TRUE(after.empty());
+    EXPECT_NE(ReadFile("calendar/run.ics").find("UNTIL="), std::string::npos);
 }
 
 TEST_F(AppointmentEditorTest, OutlookEventEditedThroughTheEditorKeepsWhatWeDoNotOwn) {
