@@ -150,11 +150,13 @@ ZoneCache::Aliases ZoneCache::Share(icalcomponent* root) {
         std::shared_ptr<SharedZone> shared = Find(cache, texts[i], found[i].second);
         if (!shared)
             continue;
+        // Two living trees never hold one zone, so an alias already here is
+        // left from a freed tree whose memory this one was given (its
+        // owner released it late): this tree's definition replaces it.
+        // Should the late release drop the alias, the zone reads through
+        // libical on its own again, slower but the same.
         Alias& alias = cache.aliases[zone];
-        // A zone's address is only reused once its tree is gone, and with it
-        // the alias; one still registered names this very zone.
-        if (!alias.shared)
-            alias.shared = std::move(shared);
+        alias.shared = std::move(shared);
         ++alias.count;
         aliases.zones_.push_back(zone);
     }
