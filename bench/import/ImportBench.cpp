@@ -18,6 +18,7 @@
 #include "platform/HeadlessDisplay.h"
 #include "platform/Settings.h"
 #include "store/VdirSource.h"
+#include "ui/DialogWnd.h"
 #include "ui/MessagePage.h"
 #include "ui/WinApi.h"
 #include "views/ImportView.h"
@@ -97,7 +98,7 @@ int main(int argc, char** argv) {
     std::ofstream(dir + "/import.ics", std::ios::binary) << MakeFile(events, utc);
 
     HeadlessDisplay display(480, 640);
-    double reading = 0, writing = 0, longestGap = 0, readingGap = 0, longestTurn = 0, finishing = 0,
+    double reading = 0, writing = 0, longestGap = 0, readingGap = 0, longestTurn = 0, finishing = 0, untilMessage = 0,
            listing = 0;
     int written = 0;
     {
@@ -106,7 +107,11 @@ int main(int argc, char** argv) {
         options.createIfMissing = true;
         PimStore::Instance().Open(std::make_unique<VdirSource>(dir + "/store", options));
         // The closing message is answered at once.
+        Steady::time_point turnStart;
         MessagePage::SetOpenObserver([&](MessagePage& page) {
+            // Called once the page is ready, kDialogReadyDelay after it
+            // opened; its own loop paints from the opening on.
+            untilMessage = Ms(Steady::now() - turnStart) - kDialogReadyDelay;
             const RECT button = page.ButtonScreenRect(0);
             DisplayEvent down;
             down.type = DisplayEvent::Type::PointerDown;
@@ -129,6 +134,7 @@ int main(int argc, char** argv) {
             while (!done()) {
                 const ImportView::Phase before = page.GetPhase();
                 const auto turn = Steady::now();
+                turnStart = turn;
                 windows.RunUntilIdle();
                 windows.ComposeIfNeeded();
                 const auto now = Steady::now();
@@ -178,5 +184,7 @@ int main(int argc, char** argv) {
     std::printf(
         "  the turn that ends it                %8.1f ms   (the list filled again, the closing message)\n",
         finishing);
+    std::printf("    of which before the message opens  %8.1f ms   target <= 100 ms (then its own loop paints)\n",
+                untilMessage);
     return written == events ? 0 : 1;
 }
