@@ -1,6 +1,7 @@
 #include "store/IcalTime.h"
 
 #include "data/DateTime.h"
+#include "store/ZoneCache.h"
 
 #include <algorithm>
 #include <climits>
@@ -44,6 +45,9 @@ long OffsetAt(std::time_t instant, const icaltimezone* zone) {
     if (instant > kZoneHorizon)
         instant -= ((instant - kZoneHorizon) / kGregorianCycle + 1) * kGregorianCycle;
     icaltimetype utc = icaltime_from_timet_with_zone(instant, 0, icaltimezone_get_utc_timezone());
+    // A file's own zone reads through the shared copy of its definition.
+    if (long shared = 0; ZoneCache::OffsetOf(zone, utc, shared))
+        return shared;
     return icaltimezone_get_utc_offset_of_utc_time(const_cast<icaltimezone*>(zone), &utc, nullptr);
 }
 
@@ -90,7 +94,7 @@ struct LocalZoneCache {
     std::string name;
 };
 
-LocalZoneCache& ZoneCache() {
+LocalZoneCache& TheLocalZoneCache() {
     static LocalZoneCache cache;
     return cache;
 }
@@ -102,7 +106,7 @@ bool IcalTime::IsLocalZone(const icaltimezone* zone) {
     const char* tz = std::getenv("TZ");
     std::string name;
     {
-        LocalZoneCache& cache = ZoneCache();
+        LocalZoneCache& cache = TheLocalZoneCache();
         std::lock_guard lock(cache.mutex);
         const std::string current = tz ? tz : "";
         if (current != cache.tz) {

@@ -327,6 +327,7 @@ bool IcsItem::Parse(std::string_view text, std::string& problem) {
         problem = "not iCalendar";
         return false;
     }
+    zones_ = {};
     calendar_ = IcalText::Parse(text);
     icalerror_clear_errno();
     if (!calendar_) {
@@ -334,6 +335,7 @@ bool IcsItem::Parse(std::string_view text, std::string& problem) {
         return false;
     }
     const int zoneRulesDropped = VtimezoneFilter::Apply(calendar_.get());
+    zones_ = ZoneCache::Share(calendar_.get());
     icalcomponent* root = calendar_.get();
     if (icalcomponent_isa(root) != ICAL_VCALENDAR_COMPONENT) {
         // Some files hold a bare VEVENT; a parse of several roots gives an XROOT.

@@ -4,6 +4,7 @@
 // occurrence, and the occurrences of a series within a window.
 #include "data/PimRecord.h"
 #include "store/IcalHandle.h"
+#include "store/ZoneCache.h"
 
 #include <ctime>
 #include <string>
@@ -65,6 +66,8 @@ private:
     void PrepareSeries();
 
     IcalComponentPtr calendar_;
+    // After calendar_: released before the tree is freed.
+    ZoneCache::Aliases zones_;
     icalcomponent* master_ = nullptr;
     std::vector<icalcomponent*> overrides_;
     Kind kind_ = Kind::None;

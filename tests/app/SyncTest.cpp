@@ -6,6 +6,7 @@
 // the test's own.
 #include "app/MainWnd.h"
 #include "app/MarkerWorker.h"
+#include "forms/AppointmentEditor.h"
 #include "data/PimStore.h"
 #include "lang/LanguageTable.h"
 #include "platform/ChildProcess.h"
@@ -30,6 +31,9 @@ namespace mirodate::test {
 namespace {
 
 using namespace std::chrono_literals;
+
+// Longer than a button's guard against repeated taps.
+constexpr std::uint32_t kButtonGuardMs = 1000;
 
 // Counts the broadcasts that tell open views to reload.
 class ReloadCounter : public BaseWnd {
@@ -227,17 +231,38 @@ protected:
         WaitForMarkers();
     }
 
-    // Creates an appointment the way a user does in the program.
-    // (Through the store for now; switch to the appointment editor once it
-    // has landed: open it with "calendar -new", type the subject, "OK".)
+    // Creates an appointment the way a user does in the program: the editor
+    // opened from the main window on 20 March, the subject typed into its
+    // focused field and "OK" tapped. The oid of the item it saved.
     std::int32_t CreateAppointmentInProgram(const std::u16string& subject) {
-        PimRecord record;
-        record.itemKind = kItemAppointment;
-        record.subject = subject;
-        record.start = DateTime(2024, 3, 20, 9, 0, 0).ToDate();
-        record.end = DateTime(2024, 3, 20, 10, 0, 0).ToDate();
-        EXPECT_EQ(source_->Save(record, kFolderCalendar), SaveResult::Saved);
-        return record.oid;
+        const DateTime day(2024, 3, 20);
+        if (!main_->Router().NewAppointment(day, main_->GetHwnd()) || !main_->Router().Editor()) {
+            ADD_FAILURE() << "the appointment editor did not open";
+            return 0;
+        }
+        windows_->RunUntilIdle();
+        AppointmentEditor& editor = *main_->Router().Editor();
+        DisplayEvent typed;
+        typed.type = DisplayEvent::Type::Text;
+        typed.text = Utf16ToUtf8(subject);
+        display_->Inject(typed);
+        windows_->RunUntilIdle();
+        EXPECT_EQ(editor.SubjectField().GetText(), subject);
+        // After the button's guard against repeated taps.
+        Clock::Current().Advance(kButtonGuardMs);
+        windows_->RunUntilIdle();
+        RECT ok;
+        GetWindowRect(editor.OkButton().GetHwnd(), &ok);
+        Tap((ok.left + ok.right) / 2, (ok.top + ok.bottom) / 2);
+        windows_->RunUntilIdle();
+        EXPECT_EQ(main_->Router().Editor(), nullptr) << "the editor is still open";
+        std::vector<PimItem> items;
+        PimStore::Instance().GetDayAppointments(day.GetYear(), day.GetMonth(), day.GetDay(), items);
+        for (const PimItem& item : items)
+            if (item.subject == subject)
+                return item.oid;
+        ADD_FAILURE() << "the editor saved no appointment " << Utf16ToUtf8(subject);
+        return 0;
     }
     std::u16string SubjectOf(std::int32_t oid) {
         PimRecord record;
