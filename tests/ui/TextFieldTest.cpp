@@ -41,6 +41,8 @@ public:
             inserts.push_back(reinterpret_cast<NMTEXTFIELDINSERT*>(header)->command);
         return 0;
     }
+    std::vector<UINT> keys;
+    void OnKeyDown(UINT key, UINT) override { keys.push_back(key); }
     int Count(WORD code) const {
         int n = 0;
         for (const Notice& notice : notices)
@@ -163,6 +165,13 @@ TEST_F(TextFieldTest, EnterTellsTheParentAndBreaksTheLineOnlyWhenMultiLine) {
     Play("text one\nkey enter\ntext two\n");
     EXPECT_EQ(notes.GetText(), u"one\ntwo");
     EXPECT_EQ(page_.Count(EN_ENTER), 2);
+}
+
+TEST_F(TextFieldTest, EscapeGoesToThePageAndLeavesTheTextAlone) {
+    Focus(field_);
+    Play("text keep\nkey escape\n");
+    EXPECT_EQ(field_.GetText(), u"keep");
+    EXPECT_EQ(page_.keys, std::vector<UINT>{VK_ESCAPE});
 }
 
 TEST_F(TextFieldTest, CompositionIsUnderlinedAtTheCaretUntilCommitted) {
