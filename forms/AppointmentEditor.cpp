@@ -26,10 +26,6 @@
 namespace mirodate {
 
 namespace {
-// Unscaled sizes for a 240-pixel-wide screen.
-constexpr int kFieldHeight = 26;
-constexpr int kListButtonWidth = 30;
-constexpr int kMargin = 4;
 // Busy states and sensitivities the menus offer.
 constexpr int kMenuStates = 4;
 
@@ -90,7 +86,7 @@ void AppointmentEditor::CreateFields(const LOGFONT& font) {
 }
 
 int AppointmentEditor::LayoutFields(int top, int width) {
-    const int margin = Scale(kMargin);
+    const int margin = Scale(kFieldMargin);
     const int field = Scale(kFieldHeight);
     const int button = Scale(kListButtonWidth);
     // The fields' labels stand left of them, as wide as the wider label
@@ -131,7 +127,7 @@ void AppointmentEditor::OnRowTap(std::size_t index) {
 void AppointmentEditor::OnPaint(HDC dc) {
     if (!dc) return;
     EditorPage::OnPaint(dc);
-    const int margin = Scale(kMargin);
+    const int margin = Scale(kFieldMargin);
     const int field = Scale(kFieldHeight);
     int top = fieldsTop_;
     // In bold, as the labels of the rows below.

@@ -25,6 +25,11 @@ public:
     static constexpr UINT kCmdRowBase = 0x7A00;
     static constexpr UINT kCmdMenuBase = 0x7B00;
     static constexpr UINT kCmdLimit = 0x100;
+    // Unscaled sizes of the editors' text fields above the rows, for a
+    // 240-pixel-wide screen: the field, its list button, the gap around them.
+    static constexpr int kFieldHeight = 26;
+    static constexpr int kListButtonWidth = 30;
+    static constexpr int kFieldMargin = 4;
 
     ~EditorPage() override;
 

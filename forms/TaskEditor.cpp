@@ -22,10 +22,6 @@
 namespace mirodate {
 
 namespace {
-// Unscaled sizes for a 240-pixel-wide screen, as the appointment editor's.
-constexpr int kFieldHeight = 26;
-constexpr int kListButtonWidth = 30;
-constexpr int kMargin = 4;
 constexpr int kPriorities = 3;
 constexpr int kSensitivities = 4;
 // Entries of the menu of a date row that holds a date.
@@ -76,7 +72,7 @@ void TaskEditor::CreateFields(const LOGFONT& font) {
 }
 
 int TaskEditor::LayoutFields(int top, int width) {
-    const int margin = Scale(kMargin);
+    const int margin = Scale(kFieldMargin);
     const int field = Scale(kFieldHeight);
     const int button = Scale(kListButtonWidth);
     MoveWindow(subject_.GetHwnd(), margin, top, std::max(1, width - 3 * margin - button), field, true);

@@ -37,11 +37,7 @@ int main(int argc, char** argv) {
     const StoreGeneratorOptions& generator = setup.generator;
     HeadlessDisplay display(480, 640);
     WindowManager windows(display);
-    PimStore& store = PimStore::Instance();
-    store.Open(std::make_unique<VdirSource>(generator.root, VdirSource::Options{}));
-    Categories::LoadCategoryColors();
-    store.SetFilters(u"", u"", false, true, true);
-    store.FillMonth(generator.year, generator.month, true, true);
+    PimStore& store = setup.OpenStore(true);
     MainWnd main;
     main.Create(u"");
     windows.RunUntilIdle();

@@ -1,7 +1,9 @@
 #include "bench/store/BenchStoreSetup.h"
 
+#include "data/Categories.h"
 #include "platform/Clock.h"
 #include "platform/Settings.h"
+#include "store/VdirSource.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -39,6 +41,15 @@ bool BenchStoreSetup::Prepare(const char* name, int argc, char** argv, int defau
     start.wHour = 8;
     Clock::Install(std::make_unique<VirtualClock>(start, 1000));
     return true;
+}
+
+PimStore& BenchStoreSetup::OpenStore(bool fillMonth) const {
+    PimStore& store = PimStore::Instance();
+    store.Open(std::make_unique<VdirSource>(generator.root, VdirSource::Options{}));
+    Categories::LoadCategoryColors();
+    store.SetFilters(u"", u"", false, true, true);
+    if (fillMonth) store.FillMonth(generator.year, generator.month, true, true);
+    return store;
 }
 
 } // namespace mirodate

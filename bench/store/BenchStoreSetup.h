@@ -4,6 +4,7 @@
 // generated store written into it, and the virtual clock at 08:00 on the
 // store's middle day.
 #include "bench/store/StoreGenerator.h"
+#include "data/PimStore.h"
 
 #include <string>
 
@@ -16,6 +17,9 @@ struct BenchStoreSetup {
 
     // False, after saying why on stderr, when the store cannot be written.
     bool Prepare(const char* name, int argc, char** argv, int defaultRuns, int minRuns = 1);
+    // Opens the generated store as the program does (category colours, no
+    // filter) and, with `fillMonth`, reads its middle month into the cache.
+    PimStore& OpenStore(bool fillMonth = true) const;
 };
 
 } // namespace mirodate

@@ -45,17 +45,13 @@ int main(int argc, char** argv) {
     BenchStoreSetup setup;
     if (!setup.Prepare("bench_tasksearch", argc, argv, 20)) return 1;
     const std::string& dir = setup.dir;
-    const StoreGeneratorOptions& generator = setup.generator;
     const int runs = setup.runs;
     Settings::SetNumber("SearchStartDelay", 750);
 
     HeadlessDisplay display(480, 640);
     {
         WindowManager windows(display);
-        PimStore& store = PimStore::Instance();
-        store.Open(std::make_unique<VdirSource>(generator.root, VdirSource::Options{}));
-        Categories::LoadCategoryColors();
-        store.SetFilters(u"", u"", false, true, true);
+        PimStore& store = setup.OpenStore(false);
 
         // The tasks view: the query, then sorting and filling, each order in turn.
         TasksView tasks(DateTime::Today());

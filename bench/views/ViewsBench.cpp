@@ -51,11 +51,7 @@ int main(int argc, char** argv) {
     HeadlessDisplay display(480, 640);
     {
         WindowManager windows(display);
-        PimStore& store = PimStore::Instance();
-        store.Open(std::make_unique<VdirSource>(generator.root, VdirSource::Options{}));
-        Categories::LoadCategoryColors();
-        store.SetFilters(u"", u"", false, true, true);
-        store.FillMonth(generator.year, generator.month, true, true);
+        setup.OpenStore(true);
         MainWnd main;
         main.Create(u"");
         windows.RunUntilIdle();
