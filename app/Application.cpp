@@ -29,7 +29,9 @@ namespace mirodate {
 
 namespace {
 std::atomic<bool> g_signalled{false};
-void OnSignal(int) { g_signalled = true; }
+void OnSignal(int) {
+    g_signalled = true;
+}
 
 // After "/action=restart" closed the old instance, wait this long for it to
 // give up the socket.
@@ -37,13 +39,18 @@ constexpr auto kRestartWait = std::chrono::seconds(5);
 
 std::string DescribeRequest(const CommandRequest& request) {
     using K = CommandRequest::Kind;
-    if (request.kind == K::FirstRun) return "install the calendar and tasks replacements";
-    if (request.kind == K::Restore) return "restore the last view";
-    if (request.mode == CommandRequest::kNoMode && !request.oidGiven) return "nothing (no mode given)";
+    if (request.kind == K::FirstRun)
+        return "install the calendar and tasks replacements";
+    if (request.kind == K::Restore)
+        return "restore the last view";
+    if (request.mode == CommandRequest::kNoMode && !request.oidGiven)
+        return "nothing (no mode given)";
     std::string text = request.mode == CommandRequest::kTasks ? "tasks" : "calendar";
     static const char* const kViews[] = {"", "Day", "Week", "Month", "Agenda"};
-    if (request.view >= 1 && request.view <= 4) text += std::string(", ") + kViews[request.view] + " view";
-    if (request.oidGiven && request.oid != 0) text += ", item " + std::to_string(request.oid);
+    if (request.view >= 1 && request.view <= 4)
+        text += std::string(", ") + kViews[request.view] + " view";
+    if (request.oidGiven && request.oid != 0)
+        text += ", item " + std::to_string(request.oid);
     char date[64];
     if (request.hasDate)
         std::snprintf(date, sizeof date, ", date %04d-%02d-%02d", request.date.year, request.date.month,
@@ -51,8 +58,10 @@ std::string DescribeRequest(const CommandRequest& request) {
     else
         std::snprintf(date, sizeof date, ", today %+ld days", request.dayOffset);
     text += date;
-    if (request.newItem) text += ", new item";
-    if (request.noParam) text += ", as the user left it";
+    if (request.newItem)
+        text += ", new item";
+    if (request.noParam)
+        text += ", as the user left it";
     return text;
 }
 } // namespace
@@ -76,7 +85,8 @@ std::u16string Application::CommandFromPayload(const std::string& bytes) {
 Application::HandOverResult Application::HandOver(const std::string& socketPath,
                                                   const std::u16string& commandLine) {
     InstanceClient client;
-    if (!client.Connect(socketPath)) return HandOverResult::NoInstance;
+    if (!client.Connect(socketPath))
+        return HandOverResult::NoInstance;
     if (client.FindWindow(kMainWndClass, kMainWndTitle)) {
         client.Broadcast(kMinimizedBroadcastName);
         const std::u16string text = commandLine.empty() ? u"reactivate" : commandLine;
@@ -84,7 +94,8 @@ Application::HandOverResult Application::HandOver(const std::string& socketPath,
         client.BringToFront(kMainWndClass, kMainWndTitle);
         return HandOverResult::HandedOver;
     }
-    if (client.FindWindow(kSplashScreenClass, kSplashScreenTitle)) return HandOverResult::OtherLoading;
+    if (client.FindWindow(kSplashScreenClass, kSplashScreenTitle))
+        return HandOverResult::OtherLoading;
     return HandOverResult::NoInstance;
 }
 
@@ -92,10 +103,13 @@ int Application::Run() {
     Log::SetVerbose(options_.verbose);
     if (options_.demo) {
         int status = StoreCommands::Demo(options_);
-        if (status != 0 || !options_.list) return status;
+        if (status != 0 || !options_.list)
+            return status;
     }
-    if (options_.list) return StoreCommands::List(options_);
-    if (options_.exportGiven) return StoreCommands::Export(options_);
+    if (options_.list)
+        return StoreCommands::List(options_);
+    if (options_.exportGiven)
+        return StoreCommands::Export(options_);
     const std::u16string& commandLine = options_.commandLine;
 
     // "-f": the desktop's previous calendar or tasks program takes the
@@ -103,7 +117,8 @@ int Application::Run() {
     // starts on that path.
     if (commandLine.rfind(u"-f", 0) == 0) {
         std::vector<std::string> arguments;
-        for (size_t i = 1; i < options_.arguments.size(); ++i) arguments.push_back(options_.arguments[i]);
+        for (size_t i = 1; i < options_.arguments.size(); ++i)
+            arguments.push_back(options_.arguments[i]);
         DefaultApps::RunPreviousHandler(arguments);
         return 0;
     }
@@ -113,8 +128,10 @@ int Application::Run() {
     if (action != u"restart") {
         switch (HandOver(socketPath_, commandLine)) {
         case HandOverResult::HandedOver:
-        case HandOverResult::OtherLoading: return 0;
-        case HandOverResult::NoInstance: break;
+        case HandOverResult::OtherLoading:
+            return 0;
+        case HandOverResult::NoInstance:
+            break;
         }
     } else {
         InstanceClient client;
@@ -131,7 +148,8 @@ void Application::OnCommand(const std::u16string& text) {
         return;
     }
     const CommandRequest request = CommandRequest::Parse(text);
-    std::printf("mirodate: command \"%s\": %s\n", Utf16ToUtf8(text).c_str(), DescribeRequest(request).c_str());
+    std::printf("mirodate: command \"%s\": %s\n", Utf16ToUtf8(text).c_str(),
+                DescribeRequest(request).c_str());
     std::fflush(stdout);
 }
 
@@ -148,17 +166,19 @@ void Application::Load(SplashScreen& splash) {
     PimStore& store = PimStore::Instance();
     WindowManager* windows = &Wm();
     // Change reports arrive on the watcher's thread and go to the main window's queue.
-    const bool opened = store.Open(std::make_unique<VdirSource>(root, sourceOptions),
-                                   [this, windows](const PimNotification& notification) {
-                                       if (HWND main = mainHwnd_.load())
-                                           windows->PostMessage(main, notification.message,
-                                                                static_cast<WPARAM>(notification.oid),
-                                                                notification.folder);
-                                   });
-    if (!opened) Log::Warning("cannot read the store at %s; starting without items", root.c_str());
+    const bool opened =
+        store.Open(std::make_unique<VdirSource>(root, sourceOptions),
+                   [this, windows](const PimNotification& notification) {
+                       if (HWND main = mainHwnd_.load())
+                           windows->PostMessage(main, notification.message,
+                                                static_cast<WPARAM>(notification.oid), notification.folder);
+                   });
+    if (!opened)
+        Log::Warning("cannot read the store at %s; starting without items", root.c_str());
     Categories::LoadCategoryColors();
-    store.SetFilters(Settings::GetExcludeFilter(), Settings::GetLastFilter(), Settings::GetHideCompleteTasks(),
-                     Settings::GetShowContactsBirthdays(), Settings::GetShowContactsAnniversaries());
+    store.SetFilters(Settings::GetExcludeFilter(), Settings::GetLastFilter(),
+                     Settings::GetHideCompleteTasks(), Settings::GetShowContactsBirthdays(),
+                     Settings::GetShowContactsAnniversaries());
     const SYSTEMTIME today = Clock::Current().GetLocalTime();
     store.FillMonth(today.wYear, today.wMonth, true, true, ReportProgress, &splash);
 
@@ -176,7 +196,8 @@ void Application::Load(SplashScreen& splash) {
 }
 
 void Application::DeliverCommand(const std::string& bytes) {
-    if (!mainWnd_ || !IsWindow(mainWnd_->GetHwnd())) return;
+    if (!mainWnd_ || !IsWindow(mainWnd_->GetHwnd()))
+        return;
     COPYDATASTRUCT data;
     data.dwData = 0;
     data.cbData = static_cast<DWORD>(bytes.size());
@@ -196,15 +217,16 @@ int Application::Start() {
         uiOptions.startTime.wDay = static_cast<WORD>(options_.nowDay);
         uiOptions.startTime.wHour = static_cast<WORD>(options_.nowHour);
         uiOptions.startTime.wMinute = static_cast<WORD>(options_.nowMinute);
-        uiOptions.startTime.wDayOfWeek = static_cast<WORD>(
-            DateTime(options_.nowYear, options_.nowMonth, options_.nowDay).GetDayOfWeek());
+        uiOptions.startTime.wDayOfWeek =
+            static_cast<WORD>(DateTime(options_.nowYear, options_.nowMonth, options_.nowDay).GetDayOfWeek());
     }
     uiOptions.scriptPath = options_.scriptPath;
     uiOptions.screenshotPath = options_.screenshotPath;
     uiOptions.createMainWindow = [this]() -> std::unique_ptr<BaseWnd> {
         auto splash = std::make_unique<SplashScreen>(options_.commandLine,
                                                      [this](SplashScreen& screen) { Load(screen); });
-        if (!splash->CreateCentered()) return nullptr;
+        if (!splash->CreateCentered())
+            return nullptr;
         return splash;
     };
     UiRunner ui(uiOptions);
@@ -218,13 +240,15 @@ int Application::Start() {
     InstanceServer server;
     InstanceServer::Handler handler;
     handler.hasWindow = [this](const std::string& className, const std::string& title) {
-        if (loaded_) return className == kMainWndClass && title == kMainWndTitle;
+        if (loaded_)
+            return className == kMainWndClass && title == kMainWndTitle;
         return className == kSplashScreenClass && title == kSplashScreenTitle;
     };
     handler.broadcast = [](const std::string& name) { Log::Info("broadcast %s", name.c_str()); };
     // Requests arrive on the server thread; the UI thread handles them in order.
     handler.copyData = [this, &ui](std::uint32_t, const std::string& bytes) -> std::int32_t {
-        if (bytes.empty() || !loaded_) return 0;
+        if (bytes.empty() || !loaded_)
+            return 0;
         ui.Post([this, bytes] { DeliverCommand(bytes); });
         return 1;
     };

@@ -11,7 +11,8 @@ namespace {
 constexpr long kDateThreshold = 1000;
 
 int ParsePart(const std::u16string& text, size_t pos, size_t length) {
-    if (pos >= text.size()) return 0;
+    if (pos >= text.size())
+        return 0;
     return static_cast<int>(ParseLong(text.substr(pos, length)));
 }
 } // namespace
@@ -31,7 +32,8 @@ CommandRequest CommandRequest::Parse(const std::u16string& original) {
     size_t start = 0;
     while (start <= text.size()) {
         size_t space = text.find(u' ', start);
-        if (space == std::u16string::npos) space = text.size();
+        if (space == std::u16string::npos)
+            space = text.size();
         const std::u16string token = text.substr(start, space - start);
         start = space + 1;
         const std::u16string prefix = token.substr(0, 2);
@@ -68,10 +70,14 @@ CommandRequest CommandRequest::Parse(const std::u16string& original) {
             }
         } else if (prefix == u"-v") {
             const char16_t letter = token.size() > 2 ? token[2] : 0;
-            if (letter == u'd') request.view = kDay;
-            else if (letter == u'w') request.view = kWeek;
-            else if (letter == u'm') request.view = kMonth;
-            else if (letter == u'a') request.view = kAgenda;
+            if (letter == u'd')
+                request.view = kDay;
+            else if (letter == u'w')
+                request.view = kWeek;
+            else if (letter == u'm')
+                request.view = kMonth;
+            else if (letter == u'a')
+                request.view = kAgenda;
         } else if (prefix == u"-o") {
             request.view = kDay;
         }

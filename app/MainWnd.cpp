@@ -10,9 +10,9 @@
 #include "platform/Log.h"
 #include "platform/Settings.h"
 #include "platform/TextUtil.h"
-#include "store/VdirSource.h"
 #include "skin/SkinLoader.h"
 #include "skin/SkinStyles.h"
+#include "store/VdirSource.h"
 #include "ui/ContextMenu.h"
 #include "ui/MessagePage.h"
 #include "ui/RegisteredMessages.h"
@@ -26,7 +26,6 @@
 #include "views/PlatformHandoff.h"
 #include "views/ViewPage.h"
 
-
 namespace mirodate {
 
 namespace {
@@ -36,7 +35,8 @@ constexpr int kTopBarHeight = 26;
 } // namespace
 
 MainWnd::MainWnd()
-    : router_(*this, [this](const DateTime& date) { ShowDate(date); }, [this] { Refresh(true, 0, 0); }),
+    : router_(
+          *this, [this](const DateTime& date) { ShowDate(date); }, [this] { Refresh(true, 0, 0); }),
       splitView_(Settings::GetSplitMonthView()) {
     router_.SetSettingChangedHandler([this](const std::string& setting) { OnSettingChanged(setting); });
 }
@@ -53,8 +53,8 @@ HWND MainWnd::Create(const std::u16string& commandLine) {
 
     const int width = GetScreenWidth();
     const int height = GetScreenHeight();
-    if (!BaseWnd::Create(nullptr, kMainWndClass, WS_POPUP | WS_VISIBLE, Utf8ToUtf16(kMainWndTitle), 0, 0, width,
-                         height))
+    if (!BaseWnd::Create(nullptr, kMainWndClass, WS_POPUP | WS_VISIBLE, Utf8ToUtf16(kMainWndTitle), 0, 0,
+                         width, height))
         return nullptr;
     OnInitDialog();
     if (!statusBar_.Create(window, 0, 0, width, 1) || !grid_.Create(window, 0, 0, width, 1) ||
@@ -68,13 +68,15 @@ HWND MainWnd::Create(const std::u16string& commandLine) {
                                                {"Tasks", MenuBarIcon::Tasks},
                                                {"WeekView", MenuBarIcon::Week},
                                                {"AgendaView", MenuBarIcon::Agenda}};
-    if (!menuBar_.Create(window, entries, 0, 0, width)) return nullptr;
+    if (!menuBar_.Create(window, entries, 0, 0, width))
+        return nullptr;
     built_ = true;
     Layout();
 
     const SYSTEMTIME now = Clock::Current().GetLocalTime();
     grid_.ShowDate(now.wYear, now.wMonth, now.wDay);
-    if (splitView_) dayList_.ShowDay(now.wYear, now.wMonth, now.wDay);
+    if (splitView_)
+        dayList_.ShowDay(now.wYear, now.wMonth, now.wDay);
     SetForegroundWindow(window);
     ProcessCommand(commandLine);
     StartReminders();
@@ -87,11 +89,13 @@ void MainWnd::StartReminders() {
     hooks.open = [this](const Reminder& reminder) {
         router_.OpenItemDetail(reminder.oid, reminder.itemKind == kItemTask, DateTime(reminder.start));
     };
-    if (!reminders_.Start(window, std::move(hooks))) Log::Warning("reminders: the service did not start");
+    if (!reminders_.Start(window, std::move(hooks)))
+        Log::Warning("reminders: the service did not start");
 }
 
 void MainWnd::Layout() {
-    if (!built_ || !window) return;
+    if (!built_ || !window)
+        return;
     RECT client;
     GetClientRect(window, &client);
     const int width = client.Width();
@@ -112,7 +116,9 @@ void MainWnd::Layout() {
     InvalidateRect(window, nullptr, false);
 }
 
-void MainWnd::OnSize(UINT, UINT) { Layout(); }
+void MainWnd::OnSize(UINT, UINT) {
+    Layout();
+}
 
 void MainWnd::OnScreenReset() {
     MoveWindow(window, 0, 0, GetScreenWidth(), GetScreenHeight(), true);
@@ -126,7 +132,8 @@ DateTime MainWnd::SelectedDate() const {
 
 void MainWnd::ShowDate(const DateTime& date) {
     grid_.ShowDate(date.GetYear(), date.GetMonth(), date.GetDay());
-    if (splitView_) dayList_.ShowDay(date.GetYear(), date.GetMonth(), date.GetDay());
+    if (splitView_)
+        dayList_.ShowDay(date.GetYear(), date.GetMonth(), date.GetDay());
 }
 
 void MainWnd::SetSplitView(bool on) {
@@ -151,7 +158,8 @@ void MainWnd::OnSettingChanged(const std::string& setting) {
         grid_.Redraw(false);
         statusBar_.Refresh();
     } else if (setting == "SplitMonthView") {
-        if (Settings::GetSplitMonthView() != splitView_) SetSplitView(!splitView_);
+        if (Settings::GetSplitMonthView() != splitView_)
+            SetSplitView(!splitView_);
     } else if (setting == "Skin" || setting == "FontSizeDelta" || setting == "FontFamily") {
         // Taken at the next start.
     } else {
@@ -179,7 +187,8 @@ void MainWnd::Refresh(bool reload, int year, int month) {
 }
 
 bool MainWnd::IsSynchronizing() {
-    if (sync_.IsRunning() || syncSettling_) return true;
+    if (sync_.IsRunning() || syncSettling_)
+        return true;
     PimSource* source = PimStore::Instance().Source();
     return source && source->IsSynchronizing();
 }
@@ -197,7 +206,8 @@ bool MainWnd::CanSync() {
 }
 
 bool MainWnd::StartSync() {
-    if (sync_.IsRunning() || syncSettling_) return false;
+    if (sync_.IsRunning() || syncSettling_)
+        return false;
     if (!sync_.Start(GetTickCount())) {
         MessagePage::Tell(window, Lang("SyncCannotStart"));
         return false;
@@ -212,7 +222,8 @@ bool MainWnd::StartSync() {
 
 void MainWnd::PollSync() {
     const SyncRunner::State state = sync_.Poll(GetTickCount());
-    if (state == SyncRunner::State::Running) return;
+    if (state == SyncRunner::State::Running)
+        return;
     KillTimer(window, kSyncPollTimer);
     OnSyncEnded(state);
 }
@@ -223,23 +234,27 @@ void MainWnd::OnSyncEnded(SyncRunner::State state) {
     KillTimer(window, kSyncReloadTimer);
     syncSettling_ = true;
     SetTimer(window, kSyncSettleTimer, kSyncSettleDelay);
-    if (state == SyncRunner::State::Succeeded) return;
+    if (state == SyncRunner::State::Succeeded)
+        return;
     std::u16string message;
     if (state == SyncRunner::State::TimedOut) {
         message = Lang("SyncTimedOut");
         const size_t at = message.find(u"%s");
         const std::u16string seconds = Utf8ToUtf16(std::to_string(sync_.TimeLimit() / 1000));
-        if (at != std::u16string::npos) message.replace(at, 2, seconds);
+        if (at != std::u16string::npos)
+            message.replace(at, 2, seconds);
     } else {
         message = Lang("SyncFailed");
-        for (const std::string& line : sync_.LastLines()) message += u"\n" + Utf8ToUtf16(line);
+        for (const std::string& line : sync_.LastLines())
+            message += u"\n" + Utf8ToUtf16(line);
     }
     MessagePage::Tell(window, message);
 }
 
 void MainWnd::OnItemNotification(const PimNotification& notification) {
     // Our own synchroniser run or an import: its end reads everything again, once.
-    if (sync_.IsRunning() || syncSettling_ || bulkChange_) return;
+    if (sync_.IsRunning() || syncSettling_ || bulkChange_)
+        return;
     if (IsSynchronizing()) {
         // A burst of changes during a synchronisation ends in one reload.
         SetTimer(window, kSyncReloadTimer, kSyncReloadDelay);
@@ -250,7 +265,8 @@ void MainWnd::OnItemNotification(const PimNotification& notification) {
         return;
     }
     const int folder = notification.folder;
-    if (folder != kFolderCalendar && folder != kFolderTasks && folder != kFolderContacts) return;
+    if (folder != kFolderCalendar && folder != kFolderTasks && folder != kFolderContacts)
+        return;
     PimStore::Instance().ApplyNotification(notification);
     statusBar_.Refresh();
     grid_.RefreshMarkers(true);
@@ -281,7 +297,8 @@ void MainWnd::OnTimer(UINT_PTR id) {
         return;
     }
     if (id == kSyncWatchTimer) {
-        if (IsSynchronizing()) return;
+        if (IsSynchronizing())
+            return;
         // The synchronisation has ended: everything is read again.
         KillTimer(window, kSyncWatchTimer);
         syncSeen_ = false;
@@ -293,7 +310,8 @@ void MainWnd::OnTimer(UINT_PTR id) {
 
 bool MainWnd::OnCommandText(const std::u16string& text) {
     BroadcastCloseAll(true);
-    if (!text.empty()) ProcessCommand(text);
+    if (!text.empty())
+        ProcessCommand(text);
     // Reminders that came while the program was in the background.
     reminders_.BroughtToFront();
     return true;
@@ -319,47 +337,67 @@ void MainWnd::OnClose() {
 }
 
 LRESULT MainWnd::OnNotify(UINT_PTR, NMHDR* header) {
-    if (!header) return 0;
+    if (!header)
+        return 0;
     const MonthGridModel& model = grid_.Model();
     switch (header->code) {
     case NM_DAY_SELECTED:
     case NM_MONTH_CHANGED:
         PimStore::Instance().FillMonth(model.Year(), model.Month(), true, true);
-        if (splitView_) dayList_.ShowDay(model.Year(), model.Month(), model.SelectedDay());
+        if (splitView_)
+            dayList_.ShowDay(model.Year(), model.Month(), model.SelectedDay());
         return 0;
-    case NM_MONTH_BAR_TAP: OpenMonthPicker(); return 0;
-    case NM_YEAR_BAR_TAP: OpenYearPicker(); return 0;
-    case NM_TOP_BAR_TAP: MinimizeFromTopBar(); return 0;
-    default: return 0;
+    case NM_MONTH_BAR_TAP:
+        OpenMonthPicker();
+        return 0;
+    case NM_YEAR_BAR_TAP:
+        OpenYearPicker();
+        return 0;
+    case NM_TOP_BAR_TAP:
+        MinimizeFromTopBar();
+        return 0;
+    default:
+        return 0;
     }
 }
 
 void MainWnd::MinimizeFromTopBar() {
     ShowWindow(window, SW_MINIMIZE);
-    if (Settings::GetCloseOnMinimize()) PostQuitMessage(0);
+    if (Settings::GetCloseOnMinimize())
+        PostQuitMessage(0);
 }
 
 void MainWnd::OnCommand(UINT, UINT, HWND control) {
     const DateTime date = SelectedDate();
     switch (menuBar_.IndexOf(control)) {
-    case 0: OpenMainMenu(); break;
-    case 1: router_.OpenFilter(window); break;
-    case 2: router_.OpenTasksView(date); break;
-    case 3: router_.ShowWeekView(date); break;
-    case 4: router_.ShowAgendaView(DateTime::Today()); break;
-    default: break;
+    case 0:
+        OpenMainMenu();
+        break;
+    case 1:
+        router_.OpenFilter(window);
+        break;
+    case 2:
+        router_.OpenTasksView(date);
+        break;
+    case 3:
+        router_.ShowWeekView(date);
+        break;
+    case 4:
+        router_.ShowAgendaView(DateTime::Today());
+        break;
+    default:
+        break;
     }
 }
 
 void MainWnd::OpenMainMenu() {
-    std::vector<ContextMenuItem> items = {{Lang("Today"), kCmdToday},
-                                          {Lang("config.SplitMonthView"), kCmdToggleSplit, splitView_},
-                                          {Lang("YearView"), kCmdYearView},
-                                          {Lang("QuickView"), kCmdQuickView},
-                                          {Lang("Config"), kCmdConfig},
-                                          {Lang("About"), kCmdAbout},
-                                          {Lang("Exit"), kCmdExit}};
-    if (CanSync()) items.insert(items.begin() + 4, {Lang("Sync"), kCmdSync});
+    std::vector<ContextMenuItem> items = {
+        {Lang("Today"), kCmdToday},       {Lang("config.SplitMonthView"), kCmdToggleSplit, splitView_},
+        {Lang("YearView"), kCmdYearView}, {Lang("QuickView"), kCmdQuickView},
+        {Lang("Config"), kCmdConfig},     {Lang("About"), kCmdAbout},
+        {Lang("Exit"), kCmdExit}};
+    if (CanSync())
+        items.insert(items.begin() + 4, {Lang("Sync"), kCmdSync});
     auto* menu = new ContextMenu(this, std::move(items), -1); // owns itself until chosen or closed
     menu->Open();
 }
@@ -367,7 +405,8 @@ void MainWnd::OpenMainMenu() {
 void MainWnd::OpenMonthPicker() {
     std::vector<ContextMenuItem> items;
     for (int month = 1; month <= 12; ++month)
-        items.push_back({Locale::MonthName(month, false, true), kCmdMonthBase + month, month == grid_.Model().Month()});
+        items.push_back(
+            {Locale::MonthName(month, false, true), kCmdMonthBase + month, month == grid_.Model().Month()});
     auto* menu = new ContextMenu(this, std::move(items), -1);
     menu->SetPreselected(grid_.Model().Month() - 1);
     menu->Open();
@@ -388,7 +427,8 @@ void MainWnd::OpenYearPicker() {
 
 void MainWnd::OnDayListTap(const PimItem& item, double dayDate, bool inCheckZone) {
     const DWORD now = GetTickCount();
-    if (tapSeen_ && now - lastTap_ < ViewPage::kTapGuard) return;
+    if (tapSeen_ && now - lastTap_ < ViewPage::kTapGuard)
+        return;
     tapSeen_ = true;
     lastTap_ = now;
     selectedItem_ = item;
@@ -400,10 +440,12 @@ void MainWnd::OnDayListTap(const PimItem& item, double dayDate, bool inCheckZone
 
 void MainWnd::OnDayListHold(const PimItem& item, double dayDate) {
     const DWORD now = GetTickCount();
-    if (tapSeen_ && now - lastTap_ < ViewPage::kTapGuard) return;
+    if (tapSeen_ && now - lastTap_ < ViewPage::kTapGuard)
+        return;
     tapSeen_ = true;
     lastTap_ = now;
-    if (item.oid <= 0 || item.kind == PimItem::kBirthday || item.kind == PimItem::kAnniversary) return;
+    if (item.oid <= 0 || item.kind == PimItem::kBirthday || item.kind == PimItem::kAnniversary)
+        return;
     selectedItem_ = item;
     selectedDay_ = dayDate;
     auto* menu = new ContextMenu(this, ItemCommands::ItemMenu()); // owns itself until chosen or closed
@@ -411,10 +453,12 @@ void MainWnd::OnDayListHold(const PimItem& item, double dayDate) {
 }
 
 void MainWnd::OpenTappedItem() {
-    if (!selectedItem_) return;
+    if (!selectedItem_)
+        return;
     const PimItem item = *selectedItem_;
     if (item.IsTask() && tappedInCheckZone_) {
-        if (ItemCommands::ToggleComplete(window, item) == ItemCommands::Outcome::Changed) AfterItemChange();
+        if (ItemCommands::ToggleComplete(window, item) == ItemCommands::Outcome::Changed)
+            AfterItemChange();
     } else if (item.kind == PimItem::kBirthday || item.kind == PimItem::kAnniversary) {
         PlatformHandoff::OpenContact(window, item);
     } else if (item.oid != -1 && item.oid != -2) {
@@ -440,7 +484,8 @@ void MainWnd::OnDeferredCommand(UINT id) {
         // The day list's pop-ups and the "New" menu: the commands every view runs.
         const PimItem* item = selectedItem_ ? &*selectedItem_ : nullptr;
         const DateTime day = selectedDay_ > 0 ? DateTime(selectedDay_) : SelectedDate();
-        if (ItemCommands::Run(window, id, item, day) == ItemCommands::Outcome::Changed) AfterItemChange();
+        if (ItemCommands::Run(window, id, item, day) == ItemCommands::Outcome::Changed)
+            AfterItemChange();
         return;
     }
     if (id == kCmdToday) {
@@ -461,15 +506,18 @@ void MainWnd::OnDeferredCommand(UINT id) {
         SendMessage(window, WM_CLOSE, 0, 0);
     } else if (id > kCmdMonthBase && id <= kCmdMonthBase + 12) {
         const int month = static_cast<int>(id - kCmdMonthBase);
-        ShowDate(DateTime(model.Year(), month, std::min(model.SelectedDay(), DaysInMonth(model.Year(), month))));
+        ShowDate(
+            DateTime(model.Year(), month, std::min(model.SelectedDay(), DaysInMonth(model.Year(), month))));
     } else if (id >= kCmdYearBase + 100 && id <= kCmdYearBase + 9999) {
         const int year = static_cast<int>(id - kCmdYearBase);
-        ShowDate(DateTime(year, model.Month(), std::min(model.SelectedDay(), DaysInMonth(year, model.Month()))));
+        ShowDate(
+            DateTime(year, model.Month(), std::min(model.SelectedDay(), DaysInMonth(year, model.Month()))));
     }
 }
 
 HWND MainWnd::ProcessCommand(const std::u16string& text) {
-    if (commandObserver_) commandObserver_(text);
+    if (commandObserver_)
+        commandObserver_(text);
     // A calendar file to import (from the command line or the desktop's handler).
     if (text.rfind(kImportCommand, 0) == 0) {
         const std::u16string path = text.substr(std::char_traits<char16_t>::length(kImportCommand));
@@ -489,9 +537,13 @@ HWND MainWnd::ProcessCommand(const std::u16string& text) {
         SetForegroundWindow(window);
         const DateTime date = SelectedDate();
         switch (Settings::GetLastViewMode()) {
-        case 1: return router_.ShowWeekView(date) ? GetActiveWindow() : window;
-        case 2: return router_.ShowAgendaView(date) ? GetActiveWindow() : window;
-        default: router_.HideWeekAndAgenda(); return window;
+        case 1:
+            return router_.ShowWeekView(date) ? GetActiveWindow() : window;
+        case 2:
+            return router_.ShowAgendaView(date) ? GetActiveWindow() : window;
+        default:
+            router_.HideWeekAndAgenda();
+            return window;
         }
     }
 
@@ -508,44 +560,66 @@ HWND MainWnd::ProcessCommand(const std::u16string& text) {
         }
     }
     // Commands without a mode are ignored.
-    if (mode == CommandRequest::kNoMode) return nullptr;
+    if (mode == CommandRequest::kNoMode)
+        return nullptr;
 
     DateTime target = DateTime::FromSystemTime(Clock::Current().GetLocalTime());
     target = DateTime(target.GetYear(), target.GetMonth(), target.GetDay());
     if (request.hasDate) {
         const DateTime given(request.date.year, request.date.month, request.date.day);
-        if (given.IsValid() && request.date.year >= 100) target = given;
-        else Log::Warning("command date %04d%02d%02d is no date; using today", request.date.year,
-                          request.date.month, request.date.day);
+        if (given.IsValid() && request.date.year >= 100)
+            target = given;
+        else
+            Log::Warning("command date %04d%02d%02d is no date; using today", request.date.year,
+                         request.date.month, request.date.day);
     } else if (request.dayOffset != 0) {
         // Far offsets are clamped to the calendar's years.
         const long offset = std::clamp(request.dayOffset, -3000000L, 3000000L);
         const DateTime moved = target + DateTimeSpan(static_cast<int>(offset), 0, 0, 0);
-        if (moved.IsValid() && moved.GetYear() >= 100 && moved.GetYear() <= 9999) target = moved;
+        if (moved.IsValid() && moved.GetYear() >= 100 && moved.GetYear() <= 9999)
+            target = moved;
     }
 
     ShowDate(target);
     HWND opened = nullptr;
     const auto oid = static_cast<std::int32_t>(request.oid);
     if (mode == CommandRequest::kCalendar) {
-        if (request.noParam) Refresh(true, 0, 0);
+        if (request.noParam)
+            Refresh(true, 0, 0);
         switch (view) {
-        case CommandRequest::kDetail: opened = router_.OpenItemDetail(oid, false, DateTime()); break;
-        case CommandRequest::kDay: opened = router_.OpenDayView(target); break;
-        case CommandRequest::kAgenda: opened = router_.ShowAgendaView(target); break;
-        case CommandRequest::kMonth: router_.HideWeekAndAgenda(); break;
-        case CommandRequest::kWeek: opened = router_.ShowWeekView(target); break;
-        default: break;
+        case CommandRequest::kDetail:
+            opened = router_.OpenItemDetail(oid, false, DateTime());
+            break;
+        case CommandRequest::kDay:
+            opened = router_.OpenDayView(target);
+            break;
+        case CommandRequest::kAgenda:
+            opened = router_.ShowAgendaView(target);
+            break;
+        case CommandRequest::kMonth:
+            router_.HideWeekAndAgenda();
+            break;
+        case CommandRequest::kWeek:
+            opened = router_.ShowWeekView(target);
+            break;
+        default:
+            break;
         }
-        if (request.newItem) opened = router_.NewAppointment(target, opened ? opened : window);
+        if (request.newItem)
+            opened = router_.NewAppointment(target, opened ? opened : window);
         return opened ? opened : window;
     }
     // Tasks.
-    if (view == CommandRequest::kDetail) opened = router_.OpenItemDetail(oid, true, DateTime());
-    else if (view == CommandRequest::kDay && router_.DayViewCount() == 0) opened = router_.OpenDayView(target);
-    if (request.newItem) return router_.NewTask(target, window);
-    if (opened) return opened;
-    if (router_.TasksViewCount() > 0) return nullptr;
+    if (view == CommandRequest::kDetail)
+        opened = router_.OpenItemDetail(oid, true, DateTime());
+    else if (view == CommandRequest::kDay && router_.DayViewCount() == 0)
+        opened = router_.OpenDayView(target);
+    if (request.newItem)
+        return router_.NewTask(target, window);
+    if (opened)
+        return opened;
+    if (router_.TasksViewCount() > 0)
+        return nullptr;
     opened = router_.OpenTasksView(target);
     return opened ? opened : window;
 }

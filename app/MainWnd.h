@@ -49,8 +49,8 @@ public:
     static constexpr UINT kCmdYearView = 0x7E07;
     static constexpr UINT kCmdQuickView = 0x7E08;
     static constexpr UINT kCmdSync = 0x7E09;
-    static constexpr UINT kCmdMonthBase = 100;   // + month 1..12
-    static constexpr UINT kCmdYearBase = 10000;  // + year
+    static constexpr UINT kCmdMonthBase = 100;  // + month 1..12
+    static constexpr UINT kCmdYearBase = 10000; // + year
     // Years the year picker offers on each side of the shown one.
     static constexpr int kYearPickerSpan = 5;
 

@@ -30,26 +30,33 @@ MarkerWorker::~MarkerWorker() {
         shared_->finished.clear();
     }
     for (auto& thread : threads_)
-        if (thread.joinable()) thread.join();
+        if (thread.joinable())
+            thread.join();
 }
 
-int MarkerWorker::RunningJobs() { return g_runningJobs; }
+int MarkerWorker::RunningJobs() {
+    return g_runningJobs;
+}
 
 void MarkerWorker::Compute(MarkerJob& job) {
     // Each store call takes the store's locks itself, in the store's order.
     PimStore& store = PimStore::Instance();
     // Every month the cells touch, filled first so that the day look-ups hit the cache.
     std::set<std::pair<int, int>> months;
-    for (const MonthCell& cell : job.cells) months.insert({cell.year, cell.month});
-    for (const auto& [year, month] : months) store.FillMonth(year, month, true, job.withTasks);
+    for (const MonthCell& cell : job.cells)
+        months.insert({cell.year, cell.month});
+    for (const auto& [year, month] : months)
+        store.FillMonth(year, month, true, job.withTasks);
     std::vector<PimItem> items;
     for (MonthCell& cell : job.cells) {
         cell.markers = {};
         items.clear();
         store.GetDayAppointments(cell.year, cell.month, cell.day, items);
         for (const PimItem& item : items) {
-            if (item.kind == PimItem::kAppointment) cell.markers[0] = true;
-            else cell.markers[2] = true;
+            if (item.kind == PimItem::kAppointment)
+                cell.markers[0] = true;
+            else
+                cell.markers[2] = true;
         }
         if (job.withTasks) {
             items.clear();
@@ -66,7 +73,8 @@ void MarkerWorker::Start(std::unique_ptr<MarkerJob> job, bool immediate) {
     done_.push_back(done);
     WindowManager* windows = &Wm();
     threads_.emplace_back([shared = shared_, job = std::move(job), immediate, id, done, windows]() mutable {
-        if (!immediate) LowerPriority();
+        if (!immediate)
+            LowerPriority();
         ++g_runningJobs;
         Compute(*job);
         const HWND grid = job->grid;
@@ -88,7 +96,8 @@ void MarkerWorker::Start(std::unique_ptr<MarkerJob> job, bool immediate) {
 std::unique_ptr<MarkerJob> MarkerWorker::TakeFinished(LPARAM id) {
     std::lock_guard lock(shared_->mutex);
     for (auto it = shared_->finished.begin(); it != shared_->finished.end(); ++it) {
-        if (it->first != id) continue;
+        if (it->first != id)
+            continue;
         std::unique_ptr<MarkerJob> job = std::move(it->second);
         shared_->finished.erase(it);
         return job;

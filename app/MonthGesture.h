@@ -24,10 +24,10 @@ public:
     bool IsTracking() const { return tracking_; }
     bool IsDrag() const { return drag_; }
 
-    static constexpr int kDragThreshold = 6;   // moved more than this: no tap
-    static constexpr int kStepDistance = 60;   // swipe this far: step at once
-    static constexpr std::uint32_t kHoldMs = 500;    // held this long: no tap
-    static constexpr std::uint32_t kTapGapMs = 201;  // taps closer than this are one
+    static constexpr int kDragThreshold = 6;        // moved more than this: no tap
+    static constexpr int kStepDistance = 60;        // swipe this far: step at once
+    static constexpr std::uint32_t kHoldMs = 500;   // held this long: no tap
+    static constexpr std::uint32_t kTapGapMs = 201; // taps closer than this are one
 
 private:
     int scale_;

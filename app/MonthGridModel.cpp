@@ -11,10 +11,13 @@ namespace {
 constexpr double kBarShare = 0.125 * 0.75;
 } // namespace
 
-MonthGridModel::MonthGridModel(bool mondayFirst) : mondayFirst_(mondayFirst) { Rebuild(); }
+MonthGridModel::MonthGridModel(bool mondayFirst) : mondayFirst_(mondayFirst) {
+    Rebuild();
+}
 
 void MonthGridModel::SetMondayFirst(bool mondayFirst) {
-    if (mondayFirst == mondayFirst_) return;
+    if (mondayFirst == mondayFirst_)
+        return;
     mondayFirst_ = mondayFirst;
     Rebuild();
 }
@@ -26,7 +29,9 @@ void MonthGridModel::ShowMonth(int year, int month) {
     Rebuild();
 }
 
-void MonthGridModel::SelectDay(int day) { selectedDay_ = std::clamp(day, 1, DaysInMonth(year_, month_)); }
+void MonthGridModel::SelectDay(int day) {
+    selectedDay_ = std::clamp(day, 1, DaysInMonth(year_, month_));
+}
 
 void MonthGridModel::ShowDate(int year, int month, int day) {
     ShowMonth(year, month);
@@ -83,7 +88,8 @@ RECT MonthGridModel::Geometry::Cell(int index) const {
 }
 
 int MonthGridModel::Geometry::HitCell(int x, int y) const {
-    if (x < 0 || y < 2 * barHeight || x >= width || y >= height || columnWidth <= 0 || rowHeight <= 0) return -1;
+    if (x < 0 || y < 2 * barHeight || x >= width || y >= height || columnWidth <= 0 || rowHeight <= 0)
+        return -1;
     const int column = std::min(x / columnWidth, kColumns - 1);
     const int row = std::min((y - 2 * barHeight) / rowHeight, kRows - 1);
     return row * kColumns + column;

@@ -60,8 +60,8 @@ public:
     struct Geometry {
         int width = 0;
         int height = 0;
-        int barHeight = 0; // B: the year/month bar, and the day-name row under it
-        int rowHeight = 0; // R
+        int barHeight = 0;   // B: the year/month bar, and the day-name row under it
+        int rowHeight = 0;   // R
         int columnWidth = 0; // C
         RECT YearMonthBar() const { return {0, 0, width, barHeight}; }
         RECT DayNameRow() const { return {0, barHeight, width, 2 * barHeight}; }

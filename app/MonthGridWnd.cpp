@@ -24,7 +24,9 @@ constexpr double kBarTextShare = 0.6;
 constexpr double kDayTextShare = 0.42;
 constexpr double kWeekTextShare = 0.22;
 
-COLORREF Pick(const std::optional<COLORREF>& skin, COLORREF fallback) { return skin ? *skin : fallback; }
+COLORREF Pick(const std::optional<COLORREF>& skin, COLORREF fallback) {
+    return skin ? *skin : fallback;
+}
 
 // ISO 8601 week of a date: the week of its Thursday.
 int IsoWeek(int year, int month, int day) {
@@ -74,7 +76,8 @@ HWND MonthGridWnd::Create(HWND parent, int x, int y, int width, int height) {
     showWeekNumbers_ = Settings::GetShowWeekNumber();
     gesture_.SetScale(IsHighResolution() ? 2 : 1);
     gesture_.SetYearsOnVertical(Settings::GetMonthScrollMode() != 0);
-    if (!BaseWnd::Create(parent, kMonthGridClass, WS_CHILD | WS_VISIBLE, u"", x, y, width, height)) return nullptr;
+    if (!BaseWnd::Create(parent, kMonthGridClass, WS_CHILD | WS_VISIBLE, u"", x, y, width, height))
+        return nullptr;
     return window;
 }
 
@@ -90,12 +93,15 @@ void MonthGridWnd::StepMonths(int months) {
 }
 
 void MonthGridWnd::Changed(bool monthChanged) {
-    if (monthChanged) RefreshMarkers();
-    if (window) Redraw(false);
+    if (monthChanged)
+        RefreshMarkers();
+    if (window)
+        Redraw(false);
 }
 
 void MonthGridWnd::RefreshMarkers(bool immediate) {
-    if (!markersEnabled_ || !window) return;
+    if (!markersEnabled_ || !window)
+        return;
     auto job = std::make_unique<MarkerJob>();
     job->cells = model_.Cells();
     job->grid = window;
@@ -118,8 +124,8 @@ LRESULT MonthGridWnd::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM 
     }
     // A quick second tap (a double click to the window system) is a tap of its own.
     if (message == WM_LBUTTONDBLCLK)
-        return OnPointerDown(0, static_cast<short>(lParam & 0xFFFF), static_cast<short>((lParam >> 16) & 0xFFFF),
-                             wParam);
+        return OnPointerDown(0, static_cast<short>(lParam & 0xFFFF),
+                             static_cast<short>((lParam >> 16) & 0xFFFF), wParam);
     return BaseWnd::WindowProc(hwnd, message, wParam, lParam);
 }
 
@@ -128,7 +134,8 @@ void MonthGridWnd::Notify(UINT code) {
 }
 
 LRESULT MonthGridWnd::OnPointerDown(int button, int x, int y, WPARAM) {
-    if (button != 0) return 0;
+    if (button != 0)
+        return 0;
     SetCapture(window);
     gesture_.Down(x, y, GetTickCount());
     return 0;
@@ -136,16 +143,20 @@ LRESULT MonthGridWnd::OnPointerDown(int button, int x, int y, WPARAM) {
 
 void MonthGridWnd::OnPointerMove(int x, int y, WPARAM) {
     const int months = gesture_.Move(x, y);
-    if (months == 0) return;
+    if (months == 0)
+        return;
     StepMonths(months);
     Notify(NM_MONTH_CHANGED);
 }
 
 LRESULT MonthGridWnd::OnPointerUp(int button, int x, int y, WPARAM) {
-    if (button != 0) return 0;
-    if (GetCapture() == window) ReleaseCapture();
+    if (button != 0)
+        return 0;
+    if (GetCapture() == window)
+        ReleaseCapture();
     KillTimer(window, kHoldTimer);
-    if (!gesture_.Up(GetTickCount())) return 0;
+    if (!gesture_.Up(GetTickCount()))
+        return 0;
     RECT client;
     GetClientRect(window, &client);
     const MonthGridModel::Geometry g = MonthGridModel::Layout(client.Width(), client.Height());
@@ -167,7 +178,8 @@ LRESULT MonthGridWnd::OnPointerUp(int button, int x, int y, WPARAM) {
 }
 
 void MonthGridWnd::EnsureFonts(int barHeight, int rowHeight) {
-    if (barFont_ && barHeight == fontBarHeight_ && rowHeight == fontRowHeight_) return;
+    if (barFont_ && barHeight == fontBarHeight_ && rowHeight == fontRowHeight_)
+        return;
     fontBarHeight_ = barHeight;
     fontRowHeight_ = rowHeight;
     barFont_ = MakeFont(static_cast<int>(barHeight * kBarTextShare), FW_BOLD);
@@ -179,7 +191,8 @@ void MonthGridWnd::OnPaint(HDC dc) {
     RECT client;
     GetClientRect(window, &client);
     const MonthGridModel::Geometry g = MonthGridModel::Layout(client.Width(), client.Height());
-    if (g.width <= 0 || g.height <= 0) return;
+    if (g.width <= 0 || g.height <= 0)
+        return;
     EnsureFonts(g.barHeight, g.rowHeight);
     const SYSTEMTIME today = Clock::Current().GetLocalTime();
 
@@ -190,9 +203,11 @@ void MonthGridWnd::OnPaint(HDC dc) {
         backgroundSource_ = picture;
         background_ = SkinBitmap::FromPicture(picture);
     }
-    if (background_) dc->BitBlt(0, 0, background_.Width(), background_.Height(), background_, 0, 0);
+    if (background_)
+        dc->BitBlt(0, 0, background_.Width(), background_.Height(), background_, 0, 0);
     dc->SetBkMode(TRANSPARENT);
-    for (int i = 0; i < MonthGridModel::kCells; ++i) DrawCell(*dc, g, i, today);
+    for (int i = 0; i < MonthGridModel::kCells; ++i)
+        DrawCell(*dc, g, i, today);
     DrawGridLines(*dc, g);
     DrawBars(*dc, g);
     dc->SelectFont(nullptr);
@@ -217,16 +232,19 @@ void MonthGridWnd::DrawBars(Dc& dc, const MonthGridModel::Geometry& g) {
     for (int column = 0; column < MonthGridModel::kColumns; ++column) {
         const int dayOfWeek = model_.DayOfWeekOfColumn(column);
         COLORREF color = column == model_.SundayColumn() ? kSundayRed : colors_.dayBarText;
-        if (named[dayOfWeek]) color = *named[dayOfWeek];
+        if (named[dayOfWeek])
+            color = *named[dayOfWeek];
         dc.SetTextColor(color);
         RECT cell = g.DayNameCell(column);
         dc.DrawText(Locale::DayName(dayOfWeek, true), cell, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
     }
-    if (firstLineStyle_ || secondLineStyle_) dc.Line(0, 2 * g.barHeight - 1, g.width, 2 * g.barHeight - 1, colors_.grid);
+    if (firstLineStyle_ || secondLineStyle_)
+        dc.Line(0, 2 * g.barHeight - 1, g.width, 2 * g.barHeight - 1, colors_.grid);
 }
 
 void MonthGridWnd::DrawGridLines(Dc& dc, const MonthGridModel::Geometry& g) {
-    if (!firstLineStyle_ && !secondLineStyle_) return;
+    if (!firstLineStyle_ && !secondLineStyle_)
+        return;
     const int top = 2 * g.barHeight;
     // Both styles draw the row lines; the first adds the column lines.
     for (int row = 1; row < MonthGridModel::kRows; ++row) {
@@ -243,19 +261,21 @@ void MonthGridWnd::DrawCell(Dc& dc, const MonthGridModel::Geometry& g, int index
     const RECT rect = g.Cell(index);
     const bool inMonth = model_.IsInDisplayedMonth(index);
     const bool selected = inMonth && cell.day == model_.SelectedDay();
-    if (selected) dc.FillRect(rect, colors_.dayGridBgSelected);
+    if (selected)
+        dc.FillRect(rect, colors_.dayGridBgSelected);
 
     const int side = static_cast<int>(std::min(g.columnWidth, g.rowHeight) * kMarkerShare);
     if (cell.markers[0]) // appointments: the top right corner
         dc.Polygon({{rect.right - side, rect.top}, {rect.right, rect.top}, {rect.right, rect.top + side}},
                    colors_.appointmentIndicator, std::nullopt);
     if (cell.markers[1]) // tasks: the bottom left corner
-        dc.Polygon({{rect.left, rect.bottom - side}, {rect.left, rect.bottom}, {rect.left + side, rect.bottom}},
-                   colors_.taskIndicator, std::nullopt);
+        dc.Polygon(
+            {{rect.left, rect.bottom - side}, {rect.left, rect.bottom}, {rect.left + side, rect.bottom}},
+            colors_.taskIndicator, std::nullopt);
     if (cell.markers[2]) { // birthdays and anniversaries: a double line along the top
         const int gap = Scale(2);
-        dc.Line(rect.left + gap, rect.top + gap, rect.right - gap, rect.top + gap, colors_.appointmentIndicator,
-                Scale(1));
+        dc.Line(rect.left + gap, rect.top + gap, rect.right - gap, rect.top + gap,
+                colors_.appointmentIndicator, Scale(1));
         dc.Line(rect.left + gap, rect.top + 2 * gap, rect.right - gap, rect.top + 2 * gap,
                 colors_.appointmentIndicator, Scale(1));
     }
@@ -266,12 +286,14 @@ void MonthGridWnd::DrawCell(Dc& dc, const MonthGridModel::Geometry& g, int index
     }
 
     COLORREF text = inMonth ? colors_.dayGridText : colors_.dayGridTextNextPrevMonth;
-    if (selected) text = colors_.dayGridTextSelected;
+    if (selected)
+        text = colors_.dayGridTextSelected;
     dc.SelectFont(dayFont_.get());
     dc.SetTextColor(text);
     const std::string number = std::to_string(cell.day);
     RECT textRect = rect;
-    dc.DrawText(std::u16string(number.begin(), number.end()), textRect, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
+    dc.DrawText(std::u16string(number.begin(), number.end()), textRect,
+                DT_CENTER | DT_VCENTER | DT_SINGLELINE);
 
     if (showWeekNumbers_ && index % MonthGridModel::kColumns == 0) {
         // The row's Monday decides its ISO week in either layout.

@@ -21,10 +21,10 @@ struct SkinPicture;
 constexpr const char* kMonthGridClass = "MIRODATE::MONTHGRID";
 
 // Notify codes the grid sends to its parent.
-constexpr UINT NM_DAY_SELECTED = 0x8193;    // a day of the shown month was tapped
-constexpr UINT NM_MONTH_CHANGED = 0x8194;   // the shown month changed by a swipe or a tap
-constexpr UINT NM_YEAR_BAR_TAP = 0x8197;    // the year in the top bar was tapped
-constexpr UINT NM_MONTH_BAR_TAP = 0x8198;   // the month name in the top bar was tapped
+constexpr UINT NM_DAY_SELECTED = 0x8193;  // a day of the shown month was tapped
+constexpr UINT NM_MONTH_CHANGED = 0x8194; // the shown month changed by a swipe or a tap
+constexpr UINT NM_YEAR_BAR_TAP = 0x8197;  // the year in the top bar was tapped
+constexpr UINT NM_MONTH_BAR_TAP = 0x8198; // the month name in the top bar was tapped
 
 // The month view's colours: the skin's "styles.calendar" over these defaults.
 struct MonthGridColors {

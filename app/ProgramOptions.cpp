@@ -18,32 +18,40 @@ constexpr int kMaxScreenSide = 8192;
 // A bare argument naming a calendar file (FILE.ics) is a file to import.
 bool IsCalendarFileName(const std::string& arg) {
     constexpr std::string_view kExtension = ".ics";
-    if (arg.size() <= kExtension.size()) return false;
+    if (arg.size() <= kExtension.size())
+        return false;
     for (std::size_t i = 0; i < kExtension.size(); ++i)
-        if (std::tolower(static_cast<unsigned char>(arg[arg.size() - kExtension.size() + i])) != kExtension[i])
+        if (std::tolower(static_cast<unsigned char>(arg[arg.size() - kExtension.size() + i])) !=
+            kExtension[i])
             return false;
     return true;
 }
 } // namespace
 
-bool ProgramOptions::Parse(const std::vector<std::string>& args, ProgramOptions& options, std::string& error) {
+bool ProgramOptions::Parse(const std::vector<std::string>& args, ProgramOptions& options,
+                           std::string& error) {
     std::string commandLine;
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& arg = args[i];
         auto needValue = [&](int count) {
-            if (i + count < args.size()) return true;
-            error = "option " + arg + " needs " + (count == 1 ? "a value" : std::to_string(count) + " values");
+            if (i + count < args.size())
+                return true;
+            error =
+                "option " + arg + " needs " + (count == 1 ? "a value" : std::to_string(count) + " values");
             return false;
         };
         if (arg.rfind("--", 0) != 0) {
-            if (!commandLine.empty()) commandLine += ' ';
+            if (!commandLine.empty())
+                commandLine += ' ';
             commandLine += arg;
             options.arguments.push_back(arg);
         } else if (arg == "--store") {
-            if (!needValue(1)) return false;
+            if (!needValue(1))
+                return false;
             options.storeDir = args[++i];
         } else if (arg == "--size") {
-            if (!needValue(1)) return false;
+            if (!needValue(1))
+                return false;
             int w = 0, h = 0;
             char tail = 0;
             if (std::sscanf(args[++i].c_str(), "%dx%d%c", &w, &h, &tail) != 2 || w < kMinScreenSide ||
@@ -59,36 +67,44 @@ bool ProgramOptions::Parse(const std::vector<std::string>& args, ProgramOptions&
         } else if (arg == "--virtual-clock") {
             options.virtualClock = true;
         } else if (arg == "--now") {
-            if (!needValue(1)) return false;
+            if (!needValue(1))
+                return false;
             int y = 0, mo = 0, d = 0, h = 0, mi = 0;
             char tail = 0;
             const std::string& value = args[++i];
-            const bool read = std::sscanf(value.c_str(), "%4d-%2d-%2dT%2d:%2d%c", &y, &mo, &d, &h, &mi, &tail) == 5;
-            if (!read || y < 1900 || y > 9999 || mo < 1 || mo > 12 || d < 1 || d > DaysInMonth(y, mo) || h < 0 ||
-                h > 23 || mi < 0 || mi > 59) {
+            const bool read =
+                std::sscanf(value.c_str(), "%4d-%2d-%2dT%2d:%2d%c", &y, &mo, &d, &h, &mi, &tail) == 5;
+            if (!read || y < 1900 || y > 9999 || mo < 1 || mo > 12 || d < 1 || d > DaysInMonth(y, mo) ||
+                h < 0 || h > 23 || mi < 0 || mi > 59) {
                 error = "bad --now '" + value + "': expected YYYY-MM-DDTHH:MM";
                 return false;
             }
             options.nowGiven = true;
-            options.nowYear = y, options.nowMonth = mo, options.nowDay = d, options.nowHour = h, options.nowMinute = mi;
+            options.nowYear = y, options.nowMonth = mo, options.nowDay = d, options.nowHour = h,
+            options.nowMinute = mi;
         } else if (arg == "--script") {
-            if (!needValue(1)) return false;
+            if (!needValue(1))
+                return false;
             options.scriptPath = args[++i];
         } else if (arg == "--screenshot") {
-            if (!needValue(1)) return false;
+            if (!needValue(1))
+                return false;
             options.screenshotPath = args[++i];
         } else if (arg == "--demo") {
             options.demo = true;
         } else if (arg == "--list") {
-            if (!needValue(2)) return false;
+            if (!needValue(2))
+                return false;
             options.list = true;
             options.listFrom = args[++i];
             options.listTo = args[++i];
         } else if (arg == "--import") {
-            if (!needValue(1)) return false;
+            if (!needValue(1))
+                return false;
             options.importPath = args[++i];
         } else if (arg == "--export") {
-            if (!needValue(3)) return false;
+            if (!needValue(3))
+                return false;
             options.exportGiven = true;
             options.exportFrom = args[++i];
             options.exportTo = args[++i];
@@ -96,7 +112,8 @@ bool ProgramOptions::Parse(const std::vector<std::string>& args, ProgramOptions&
         } else if (arg == "--verbose") {
             options.verbose = true;
         } else if (arg == "--socket") {
-            if (!needValue(1)) return false;
+            if (!needValue(1))
+                return false;
             options.socketPath = args[++i];
         } else {
             error = "unknown option " + arg;
@@ -109,7 +126,8 @@ bool ProgramOptions::Parse(const std::vector<std::string>& args, ProgramOptions&
     }
     // A calendar file alone ("mirodate invite.ics") is one to import; with a
     // command word ("-f invite.ics") it belongs to the command.
-    if (options.importPath.empty() && options.arguments.size() == 1 && IsCalendarFileName(options.arguments[0]))
+    if (options.importPath.empty() && options.arguments.size() == 1 &&
+        IsCalendarFileName(options.arguments[0]))
         options.importPath = options.arguments[0];
     // A file to import is the command the window (or the running instance) acts on.
     if (!options.importPath.empty()) {

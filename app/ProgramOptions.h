@@ -7,12 +7,12 @@
 namespace mirodate {
 
 struct ProgramOptions {
-    std::string storeDir;       // --store DIR
-    int width = 480;            // --size WxH
+    std::string storeDir; // --store DIR
+    int width = 480;      // --size WxH
     int height = 640;
-    bool headless = false;      // --headless
-    bool virtualClock = false;  // --virtual-clock
-    bool nowGiven = false;      // --now YYYY-MM-DDTHH:MM (headless only): the clock starts there
+    bool headless = false;     // --headless
+    bool virtualClock = false; // --virtual-clock
+    bool nowGiven = false;     // --now YYYY-MM-DDTHH:MM (headless only): the clock starts there
     int nowYear = 0, nowMonth = 0, nowDay = 0, nowHour = 0, nowMinute = 0;
     std::string scriptPath;     // --script FILE
     std::string screenshotPath; // --screenshot PNG
@@ -20,14 +20,14 @@ struct ProgramOptions {
     bool list = false;          // --list FROM TO
     std::string listFrom;
     std::string listTo;
-    std::string importPath;     // --import FILE, or a bare FILE.ics
-    bool exportGiven = false;   // --export FROM TO FILE
+    std::string importPath;   // --import FILE, or a bare FILE.ics
+    bool exportGiven = false; // --export FROM TO FILE
     std::string exportFrom;
     std::string exportTo;
     std::string exportPath;
-    bool verbose = false;       // --verbose
-    std::string socketPath;     // --socket PATH (instance link; default under the runtime dir)
-    std::u16string commandLine; // everything else, joined by single spaces
+    bool verbose = false;               // --verbose
+    std::string socketPath;             // --socket PATH (instance link; default under the runtime dir)
+    std::u16string commandLine;         // everything else, joined by single spaces
     std::vector<std::string> arguments; // the same words one by one (file names keep their blanks)
 
     // Reads argv[1..]; on a bad option returns false with a one-line message.

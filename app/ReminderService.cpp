@@ -59,7 +59,8 @@ bool ReminderService::Start(HWND owner, Hooks hooks) {
     owner_ = owner;
     hooks_ = std::move(hooks);
     dataChangedMessage_ = RegisterWindowMessage(kPoomDataChangedName);
-    if (!Create(nullptr, kClassName, WS_POPUP, u"", 0, 0, 0, 0)) return false;
+    if (!Create(nullptr, kClassName, WS_POPUP, u"", 0, 0, 0, 0))
+        return false;
     const double now = Now();
     double saved = 0.0;
     if (!ParseMoment(Settings::GetText(kCheckedSetting, u""), saved) || saved > now) {
@@ -81,12 +82,14 @@ void ReminderService::Reschedule() {
     // the page.
     const size_t dueBefore = due_.size();
     std::erase_if(due_, [&](const Reminder& reminder) {
-        if (reminder.moment < from) return false;
+        if (reminder.moment < from)
+            return false;
         return std::none_of(upcoming_.begin(), upcoming_.end(), [&](const Reminder& u) {
             return u.SameAlarm(reminder) && std::fabs(u.moment - reminder.moment) < kSameMoment;
         });
     });
-    if (due_.size() != dueBefore) UpdatePage();
+    if (due_.size() != dueBefore)
+        UpdatePage();
     FireDue();
 }
 
@@ -96,11 +99,13 @@ void ReminderService::FireDue() {
     bool fired = false;
     for (const Reminder& reminder : upcoming_) {
         // Moments are whole seconds; the clock's may differ in the last bit.
-        if (reminder.moment <= checked_ + kSameMoment || reminder.moment > now + kSameMoment) continue;
+        if (reminder.moment <= checked_ + kSameMoment || reminder.moment > now + kSameMoment)
+            continue;
         const bool known = std::any_of(due_.begin(), due_.end(), [&](const Reminder& d) {
             return d.SameAlarm(reminder) && std::fabs(d.moment - reminder.moment) < kSameMoment;
         });
-        if (known) continue;
+        if (known)
+            continue;
         due_.push_back(reminder);
         Log::Info("reminder: %s", Utf16ToUtf8(reminder.subject).c_str());
         Notify(reminder);
@@ -108,8 +113,10 @@ void ReminderService::FireDue() {
     }
     if (fired) {
         SetChecked(now);
-        if (!hooks_.inFront || hooks_.inFront()) ShowPage();
-        else UpdatePage();
+        if (!hooks_.inFront || hooks_.inFront())
+            ShowPage();
+        else
+            UpdatePage();
     }
     // One timer, to the next moment (or to a look at the store later on).
     next_ = kNoDate;
@@ -122,13 +129,15 @@ void ReminderService::FireDue() {
     if (next_ != kNoDate)
         // To the millisecond (the moment is a whole second; FireDue allows
         // for the last bit of the arithmetic).
-        delay = static_cast<UINT>(std::clamp(std::round((next_ - now) * kMsPerDay), 1.0, double(kMaxTimerMs)));
-    if (window) SetTimer(window, kFireTimer, delay);
-
+        delay =
+            static_cast<UINT>(std::clamp(std::round((next_ - now) * kMsPerDay), 1.0, double(kMaxTimerMs)));
+    if (window)
+        SetTimer(window, kFireTimer, delay);
 }
 
 void ReminderService::BroughtToFront() {
-    if (!due_.empty()) ShowPage();
+    if (!due_.empty())
+        ShowPage();
 }
 
 void ReminderService::SetChecked(double moment) {
@@ -142,7 +151,8 @@ void ReminderService::Notify(const Reminder& reminder) {
 }
 
 void ReminderService::ShowPage() {
-    if (page_ && !IsWindowVisible(page_->GetHwnd())) ShowWindow(page_->GetHwnd(), SW_SHOW);
+    if (page_ && !IsWindowVisible(page_->GetHwnd()))
+        ShowWindow(page_->GetHwnd(), SW_SHOW);
     if (!page_) {
         ReminderPage::Actions actions;
         actions.snooze = [this](const Reminder& r, int minutes) { Snooze(r, minutes); };
@@ -160,7 +170,8 @@ void ReminderService::ShowPage() {
 }
 
 void ReminderService::UpdatePage() {
-    if (!page_) return;
+    if (!page_)
+        return;
     page_->SetReminders(due_);
     if (due_.empty()) {
         // The page may be in the middle of its own message (the answer that
@@ -201,12 +212,14 @@ void ReminderService::Dismiss(const Reminder& reminder) {
 }
 
 void ReminderService::Open(const Reminder& reminder) {
-    if (hooks_.open) hooks_.open(reminder);
+    if (hooks_.open)
+        hooks_.open(reminder);
 }
 
 void ReminderService::OnTimer(UINT_PTR id) {
 
-    if (id != kFireTimer) return;
+    if (id != kFireTimer)
+        return;
     KillTimer(window, kFireTimer);
     // The window may have moved on to a new day.
     Reschedule();
@@ -214,7 +227,8 @@ void ReminderService::OnTimer(UINT_PTR id) {
 
 LRESULT ReminderService::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == kMsgClosePage) {
-        if (page_ && due_.empty()) delete page_;
+        if (page_ && due_.empty())
+            delete page_;
         return 0;
     }
     if (dataChangedMessage_ && message == dataChangedMessage_) {

@@ -83,7 +83,7 @@ private:
     HWND owner_ = nullptr;
     Hooks hooks_;
     UINT dataChangedMessage_ = 0;
-    double checked_ = 0.0;   // reminders up to this moment have been handled
+    double checked_ = 0.0; // reminders up to this moment have been handled
     double next_ = kNoDate;
     std::vector<Reminder> upcoming_; // the store's answer for the window
     std::vector<Reminder> due_;

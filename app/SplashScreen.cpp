@@ -64,11 +64,13 @@ HWND SplashScreen::CreateCentered() {
     const int height = Scale(kHeight);
     const int left = GetScreenWidth() / 2 - Scale(kWidth / 2);
     const int top = GetScreenHeight() / 2 - Scale(kHeight / 2);
-    if (const Bitmap* image = Resources::GetBitmap(kSplashImageId)) picture_ = image->Copy();
-    else picture_ = BuiltInPicture(width, height);
+    if (const Bitmap* image = Resources::GetBitmap(kSplashImageId))
+        picture_ = image->Copy();
+    else
+        picture_ = BuiltInPicture(width, height);
     progress = kInitialProgress;
-    if (!Create(nullptr, kSplashScreenClass, WS_POPUP | WS_VISIBLE, Utf8ToUtf16(kSplashScreenTitle), left, top,
-                width, height))
+    if (!Create(nullptr, kSplashScreenClass, WS_POPUP | WS_VISIBLE, Utf8ToUtf16(kSplashScreenTitle), left,
+                top, width, height))
         return nullptr;
     UpdateWindow(window);
     SetForegroundWindow(window);
@@ -91,7 +93,8 @@ void SplashScreen::OnPaint(HDC dc) {
     GetClientRect(window, &client);
     dc->FillRect(client, kWhite);
     if (picture_)
-        dc->StretchBlt(0, 0, client.Width(), client.Height(), picture_, 0, 0, picture_.Width(), picture_.Height());
+        dc->StretchBlt(0, 0, client.Width(), client.Height(), picture_, 0, 0, picture_.Width(),
+                       picture_.Height());
     RECT bar = ProgressBarRect(client.Width(), client.Height(), IsHighResolution());
     dc->FillRect(bar, kBarBackground);
     dc->FrameRect(bar, kBarBorder);
@@ -107,20 +110,24 @@ void SplashScreen::OnPaint(HDC dc) {
 
 void SplashScreen::SetProgress(int percent) {
     progress = std::clamp(percent, 0, 100);
-    if (!window) return;
+    if (!window)
+        return;
     InvalidateRect(window, nullptr, false);
     UpdateWindow(window);
     Wm().ComposeIfNeeded();
 }
 
 void SplashScreen::OnTimer(UINT_PTR id) {
-    if (id != kLoadTimer) return;
+    if (id != kLoadTimer)
+        return;
     KillTimer(window, kLoadTimer);
-    if (loadStep_) loadStep_(*this);
+    if (loadStep_)
+        loadStep_(*this);
 }
 
 void SplashScreen::Close() {
-    if (window) DestroyWindow(window);
+    if (window)
+        DestroyWindow(window);
 }
 
 } // namespace mirodate

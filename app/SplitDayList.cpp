@@ -26,14 +26,16 @@ HWND SplitDayList::Create(HWND parent, int x, int y, int width, int height) {
     colors.headerBackground = style.colorHeaderBg;
     colors.headerText = style.colorHeaderText;
     SetColors(colors);
-    if (!TouchListCtrlWnd::Create(parent, x, y, width, height, false, false)) return nullptr;
+    if (!TouchListCtrlWnd::Create(parent, x, y, width, height, false, false))
+        return nullptr;
     SetHeaderHeight(Scale(kHeaderHeight));
     layoutWidth_ = width;
     return window;
 }
 
 void SplitDayList::ShowDay(int year, int month, int day, bool reload) {
-    if (!reload && IsShowing(year, month, day)) return;
+    if (!reload && IsShowing(year, month, day))
+        return;
     year_ = year;
     month_ = month;
     day_ = day;
@@ -47,33 +49,39 @@ void SplitDayList::ShowDay(int year, int month, int day, bool reload) {
 }
 
 void SplitDayList::Refresh() {
-    if (year_ != 0) Fill();
+    if (year_ != 0)
+        Fill();
 }
 
 void SplitDayList::Fill() {
     items_.clear();
     PimStore& store = PimStore::Instance();
     store.GetDayAppointments(year_, month_, day_, items_);
-    if (Settings::IsTaskViewEnabled(u"Month")) store.GetDayTasks(year_, month_, day_, items_);
+    if (Settings::IsTaskViewEnabled(u"Month"))
+        store.GetDayTasks(year_, month_, day_, items_);
     ClearItems();
-    if (!window) return;
+    if (!window)
+        return;
     RECT client;
     GetClientRect(window, &client);
     look_->BeginFill(client.Width(), Settings::GetColorizeText(), Settings::GetStrikeThroughPastEvents());
     const double dayDate = DateTime(year_, month_, day_).ToDate();
-    for (const PimItem& item : items_) AddItem(std::make_unique<ItemRow>(*look_, item, dayDate));
+    for (const PimItem& item : items_)
+        AddItem(std::make_unique<ItemRow>(*look_, item, dayDate));
 }
 
 void SplitDayList::OnRowTap(ViewRow& row, int x, int) {
     const PimItem* item = row.Item();
-    if (!item || !onTap_) return;
+    if (!item || !onTap_)
+        return;
     const bool inCheck = row.RowType() == ViewRow::kTypeItem && static_cast<ItemRow&>(row).InCheckZone(x);
     onTap_(*item, row.DayDate(), inCheck);
 }
 
 void SplitDayList::OnLongTap(int index) {
     auto* row = dynamic_cast<ViewRow*>(Item(index));
-    if (!row || !row->Item() || !onHold_) return;
+    if (!row || !row->Item() || !onHold_)
+        return;
     Scroller().EndDrag();
     onHold_(*row->Item(), row->DayDate());
 }

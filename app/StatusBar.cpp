@@ -23,14 +23,21 @@ constexpr int kMaxBatteryInner = 10;
 StatusBarColors StatusBarColors::FromSkin() {
     const StatusBarStyle& s = SkinStyles::Current().statusBar;
     StatusBarColors c;
-    if (s.colorBg) c.background = *s.colorBg;
+    if (s.colorBg)
+        c.background = *s.colorBg;
     c.gradient = s.colorBgGradient;
-    if (s.colorText) c.text = *s.colorText;
-    if (s.colorMeters) c.meters = *s.colorMeters;
-    if (!s.textShadowOff) c.textShadow = s.colorTextShadow;
-    else c.textShadow.reset();
-    if (s.metersShadowOff) c.metersShadowOn = false;
-    else if (s.colorMetersShadow) c.metersShadow = *s.colorMetersShadow;
+    if (s.colorText)
+        c.text = *s.colorText;
+    if (s.colorMeters)
+        c.meters = *s.colorMeters;
+    if (!s.textShadowOff)
+        c.textShadow = s.colorTextShadow;
+    else
+        c.textShadow.reset();
+    if (s.metersShadowOff)
+        c.metersShadowOn = false;
+    else if (s.colorMetersShadow)
+        c.metersShadow = *s.colorMetersShadow;
     return c;
 }
 
@@ -39,7 +46,8 @@ StatusBar::~StatusBar() = default;
 
 HWND StatusBar::Create(HWND parent, int x, int y, int width, int height) {
     colors_ = StatusBarColors::FromSkin();
-    if (!BaseWnd::Create(parent, kStatusBarClass, WS_CHILD | WS_VISIBLE, u"", x, y, width, height)) return nullptr;
+    if (!BaseWnd::Create(parent, kStatusBarClass, WS_CHILD | WS_VISIBLE, u"", x, y, width, height))
+        return nullptr;
     Refresh();
     SetTimer(window, kRefreshTimer, kRefreshPeriod);
     return window;
@@ -48,17 +56,22 @@ HWND StatusBar::Create(HWND parent, int x, int y, int width, int height) {
 void StatusBar::Refresh() {
     const std::u16string clock = Locale::FormatShortTime(Clock::Current().GetLocalTime());
     const std::optional<int> level = PowerStatus::BatteryPercent();
-    if (clock == clockText && level == battery) return;
+    if (clock == clockText && level == battery)
+        return;
     clockText = clock;
     battery = level;
-    if (window) InvalidateRect(window, nullptr, false);
+    if (window)
+        InvalidateRect(window, nullptr, false);
 }
 
 void StatusBar::OnTimer(UINT_PTR id) {
-    if (id == kRefreshTimer) Refresh();
+    if (id == kRefreshTimer)
+        Refresh();
 }
 
-RECT StatusBar::SignalBox(int, int height) { return {Scale(3), Scale(4), Scale(31), height - Scale(4)}; }
+RECT StatusBar::SignalBox(int, int height) {
+    return {Scale(3), Scale(4), Scale(31), height - Scale(4)};
+}
 
 RECT StatusBar::BatteryBox(int width, int height) {
     return {width - Scale(27), Scale(7), width - Scale(4), height - Scale(4)};
@@ -85,7 +98,8 @@ void StatusBar::DrawMeter(HDC dc, RECT box, int level, COLORREF color, bool batt
 void StatusBar::UpdateFont(int barHeight) {
     // The bar is created before the page knows its height, and a rotation
     // changes it: the font follows the bar, made anew only when it changes.
-    if (font_ && fontBarHeight_ == barHeight) return;
+    if (font_ && fontBarHeight_ == barHeight)
+        return;
     LOGFONT logFont;
     DefaultFont(logFont);
     logFont.lfHeight = -std::max(static_cast<int>(barHeight * kTextShare), 6);
@@ -95,25 +109,31 @@ void StatusBar::UpdateFont(int barHeight) {
 }
 
 void StatusBar::SetActivity(const std::u16string& text) {
-    if (text == activity_) return;
+    if (text == activity_)
+        return;
     activity_ = text;
-    if (window) InvalidateRect(window, nullptr, false);
+    if (window)
+        InvalidateRect(window, nullptr, false);
 }
 
 void StatusBar::OnPaint(HDC dc) {
     RECT client;
     GetClientRect(window, &client);
     UpdateFont(client.bottom - client.top);
-    if (colors_.gradient) dc->GradientFillVertical(client, colors_.background, *colors_.gradient);
-    else dc->FillRect(client, colors_.background);
+    if (colors_.gradient)
+        dc->GradientFillVertical(client, colors_.background, *colors_.gradient);
+    else
+        dc->FillRect(client, colors_.background);
 
     dc->SelectFont(font_.get());
     dc->SetBkMode(TRANSPARENT);
     constexpr UINT kFormat = DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX;
     auto drawText = [&](const std::u16string& text, RECT rect, UINT align) {
-        if (text.empty()) return;
+        if (text.empty())
+            return;
         if (colors_.textShadow) {
-            RECT shadow{rect.left + Scale(1), rect.top + Scale(1), rect.right + Scale(1), rect.bottom + Scale(1)};
+            RECT shadow{rect.left + Scale(1), rect.top + Scale(1), rect.right + Scale(1),
+                        rect.bottom + Scale(1)};
             dc->SetTextColor(*colors_.textShadow);
             dc->DrawText(text, shadow, kFormat | align);
         }
@@ -134,13 +154,16 @@ void StatusBar::OnPaint(HDC dc) {
 
     auto drawMeter = [&](const RECT& box, int level, bool batteryShape) {
         if (colors_.metersShadowOn) {
-            const RECT shadow{box.left + Scale(1), box.top + Scale(1), box.right + Scale(1), box.bottom + Scale(1)};
+            const RECT shadow{box.left + Scale(1), box.top + Scale(1), box.right + Scale(1),
+                              box.bottom + Scale(1)};
             DrawMeter(dc, shadow, level, colors_.metersShadow, batteryShape);
         }
         DrawMeter(dc, box, level, colors_.meters, batteryShape);
     };
-    if (signal) drawMeter(SignalBox(client.Width(), client.Height()), *signal, false);
-    if (battery) drawMeter(BatteryBox(client.Width(), client.Height()), *battery, true);
+    if (signal)
+        drawMeter(SignalBox(client.Width(), client.Height()), *signal, false);
+    if (battery)
+        drawMeter(BatteryBox(client.Width(), client.Height()), *battery, true);
 }
 
 bool StatusBar::Inside(int x, int y) const {
@@ -150,19 +173,23 @@ bool StatusBar::Inside(int x, int y) const {
 }
 
 LRESULT StatusBar::OnPointerDown(int button, int x, int y, WPARAM) {
-    if (button != 0) return 0;
+    if (button != 0)
+        return 0;
     pressedInside_ = Inside(x, y);
     SetCapture(window);
     return 0;
 }
 
 LRESULT StatusBar::OnPointerUp(int button, int x, int y, WPARAM) {
-    if (button != 0) return 0;
-    if (GetCapture() == window) ReleaseCapture();
+    if (button != 0)
+        return 0;
+    if (GetCapture() == window)
+        ReleaseCapture();
     // Both ends of the tap must lie in the bar.
     const bool tap = pressedInside_ && Inside(x, y);
     pressedInside_ = false;
-    if (!tap) return 0;
+    if (!tap)
+        return 0;
     NotifyParent(NM_TOP_BAR_TAP);
     return 0;
 }

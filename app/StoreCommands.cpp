@@ -11,10 +11,10 @@
 
 #include <cstdio>
 #include <fstream>
-#include <set>
-#include <unistd.h>
 #include <memory>
+#include <set>
 #include <string>
+#include <unistd.h>
 
 namespace mirodate {
 
@@ -24,9 +24,11 @@ namespace {
 constexpr int kMaxListDays = 366 * 100;
 
 bool ParseIsoDate(const std::string& text, DateTime& date) {
-    if (text.size() != 10 || text[4] != '-' || text[7] != '-') return false;
+    if (text.size() != 10 || text[4] != '-' || text[7] != '-')
+        return false;
     for (std::size_t i : {0, 1, 2, 3, 5, 6, 8, 9})
-        if (text[i] < '0' || text[i] > '9') return false;
+        if (text[i] < '0' || text[i] > '9')
+            return false;
     date = DateTime(std::stoi(text.substr(0, 4)), std::stoi(text.substr(5, 2)), std::stoi(text.substr(8, 2)));
     return date.IsValid();
 }
@@ -58,7 +60,8 @@ void AppendLine(std::string& out, const DateTime& day, const PimItem& item) {
     // One line per item, whatever the subject holds.
     std::string subject = Utf16ToUtf8(item.subject);
     for (char& c : subject)
-        if (c == '\n' || c == '\r') c = ' ';
+        if (c == '\n' || c == '\r')
+            c = ' ';
     out += subject;
     out += '\n';
 }
@@ -85,8 +88,9 @@ int StoreCommands::List(const ProgramOptions& options) {
         std::fprintf(stderr, "mirodate: cannot read the store at %s\n", root.c_str());
         return 2;
     }
-    store.SetFilters(Settings::GetExcludeFilter(), Settings::GetLastFilter(), Settings::GetHideCompleteTasks(),
-                     Settings::GetShowContactsBirthdays(), Settings::GetShowContactsAnniversaries());
+    store.SetFilters(Settings::GetExcludeFilter(), Settings::GetLastFilter(),
+                     Settings::GetHideCompleteTasks(), Settings::GetShowContactsBirthdays(),
+                     Settings::GetShowContactsAnniversaries());
     // The listing is the agenda as text: tasks appear when the agenda shows them.
     const bool withTasks = Settings::IsTaskViewEnabled(u"Agenda");
     std::string out;
@@ -94,8 +98,10 @@ int StoreCommands::List(const ProgramOptions& options) {
     for (DateTime day = from; day <= to; day += DateTimeSpan(1.0)) {
         items.clear();
         store.GetDayAppointments(day.GetYear(), day.GetMonth(), day.GetDay(), items);
-        if (withTasks) store.GetDayTasks(day.GetYear(), day.GetMonth(), day.GetDay(), items);
-        for (const PimItem& item : items) AppendLine(out, day, item);
+        if (withTasks)
+            store.GetDayTasks(day.GetYear(), day.GetMonth(), day.GetDay(), items);
+        for (const PimItem& item : items)
+            AppendLine(out, day, item);
         if (out.size() > (1u << 16)) {
             std::fwrite(out.data(), 1, out.size(), stdout);
             out.clear();
@@ -112,7 +118,9 @@ int StoreCommands::Export(const ProgramOptions& options) {
     DateTime from, to;
     if (!ParseIsoDate(options.exportFrom, from) || !ParseIsoDate(options.exportTo, to) || to < from ||
         (to - from).GetDays() > kMaxListDays) {
-        std::fprintf(stderr, "mirodate: --export wants two dates as YYYY-MM-DD, the first not after the second, got \"%s\" \"%s\"\n",
+        std::fprintf(stderr,
+                     "mirodate: --export wants two dates as YYYY-MM-DD, the first not after the second, got "
+                     "\"%s\" \"%s\"\n",
                      options.exportFrom.c_str(), options.exportTo.c_str());
         return 2;
     }
@@ -125,25 +133,30 @@ int StoreCommands::Export(const ProgramOptions& options) {
     // Every item of the range, unfiltered: an export is a copy, not a view.
     store.SetFilters(u"", u"", false, false, false);
     std::vector<PimItem> items;
-    store.QueryAppointments(from.GetYear(), from.GetMonth(), from.GetDay(), to.GetYear(), to.GetMonth(), to.GetDay(),
-                            items);
-    store.QueryTasks(from.GetYear(), from.GetMonth(), from.GetDay(), to.GetYear(), to.GetMonth(), to.GetDay(), items);
+    store.QueryAppointments(from.GetYear(), from.GetMonth(), from.GetDay(), to.GetYear(), to.GetMonth(),
+                            to.GetDay(), items);
+    store.QueryTasks(from.GetYear(), from.GetMonth(), from.GetDay(), to.GetYear(), to.GetMonth(), to.GetDay(),
+                     items);
     std::set<std::int32_t> seen;
     std::vector<std::string> texts;
     for (const PimItem& item : items) {
-        if (item.oid <= 0 || item.kind == PimItem::kBirthday || item.kind == PimItem::kAnniversary) continue;
-        if (!seen.insert(item.oid).second) continue;
+        if (item.oid <= 0 || item.kind == PimItem::kBirthday || item.kind == PimItem::kAnniversary)
+            continue;
+        if (!seen.insert(item.oid).second)
+            continue;
         const std::string path = store.Source()->ItemFilePath(item.oid);
         std::ifstream file(path, std::ios::binary);
         std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-        if (!text.empty()) texts.push_back(std::move(text));
+        if (!text.empty())
+            texts.push_back(std::move(text));
     }
     std::string out;
     if (!IcsExport::Combine(texts, out) && !texts.empty()) {
         std::fprintf(stderr, "mirodate: the items could not be put together\n");
         return 2;
     }
-    if (texts.empty()) IcsExport::Combine({"BEGIN:VCALENDAR\r\nVERSION:2.0\r\nEND:VCALENDAR\r\n"}, out);
+    if (texts.empty())
+        IcsExport::Combine({"BEGIN:VCALENDAR\r\nVERSION:2.0\r\nEND:VCALENDAR\r\n"}, out);
     // Written beside the target and renamed: a reader never sees half a file.
     const std::string temp = options.exportPath + ".part";
     {

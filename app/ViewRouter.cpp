@@ -10,18 +10,18 @@
 #include "lang/LanguageTable.h"
 #include "platform/Log.h"
 #include "platform/Settings.h"
-#include "ui/MessagePage.h"
 #include "ui/DialogWnd.h"
+#include "ui/MessagePage.h"
 #include "ui/WinApi.h"
 #include "views/AgendaView.h"
 #include "views/DayView.h"
-#include "views/ItemDetailView.h"
 #include "views/ImportView.h"
+#include "views/ItemDetailView.h"
 #include "views/QuickView.h"
-#include "views/WeekView.h"
-#include "views/YearView.h"
 #include "views/SearchView.h"
 #include "views/TasksView.h"
+#include "views/WeekView.h"
+#include "views/YearView.h"
 
 namespace mirodate {
 
@@ -43,7 +43,8 @@ private:
 
 ViewRouter::~ViewRouter() {
     CloseAll();
-    if (ViewNavigator::Current() == this) ViewNavigator::SetCurrent(nullptr);
+    if (ViewNavigator::Current() == this)
+        ViewNavigator::SetCurrent(nullptr);
 }
 
 void ViewRouter::CloseAll() {
@@ -60,29 +61,41 @@ void ViewRouter::CloseAll() {
 }
 
 void ViewRouter::Relabel() {
-    if (agenda_) agenda_->Relabel();
-    if (day_) day_->Relabel();
-    if (quick_) quick_->Relabel();
-    if (year_) year_->Relabel();
-    if (week_) week_->Relabel();
-    if (detail_) detail_->Relabel();
-    if (tasks_) tasks_->Relabel();
-    if (search_) search_->Relabel();
+    if (agenda_)
+        agenda_->Relabel();
+    if (day_)
+        day_->Relabel();
+    if (quick_)
+        quick_->Relabel();
+    if (year_)
+        year_->Relabel();
+    if (week_)
+        week_->Relabel();
+    if (detail_)
+        detail_->Relabel();
+    if (tasks_)
+        tasks_->Relabel();
+    if (search_)
+        search_->Relabel();
 }
 
 namespace {
 // Written only when it changes: a start that shows the month leaves the settings file alone.
 void SetLastViewMode(int mode) {
-    if (Settings::GetLastViewMode() != mode) Settings::SetNumber("LastViewMode", mode);
+    if (Settings::GetLastViewMode() != mode)
+        Settings::SetNumber("LastViewMode", mode);
 }
 } // namespace
 
-HWND ViewRouter::MainWindow() { return main_.GetHwnd(); }
+HWND ViewRouter::MainWindow() {
+    return main_.GetHwnd();
+}
 
 HWND ViewRouter::InMonth(const char* view, const DateTime& date) {
     Log::Info("%s view: shown in the month view on %04d-%02d-%02d", view, date.GetYear(), date.GetMonth(),
               date.GetDay());
-    if (showInMonth_) showInMonth_(date);
+    if (showInMonth_)
+        showInMonth_(date);
     return nullptr;
 }
 
@@ -91,11 +104,16 @@ void ViewRouter::OnPageClosed(ViewPage& page) {
         // Deleted from the loop, where no caller of the page is on the stack.
         main_.PostDeferredCommand(kCmdPageClosed, day_.release());
     }
-    if (&page == quick_.get()) main_.PostDeferredCommand(kCmdPageClosed, quick_.release());
-    if (&page == import_.get()) main_.PostDeferredCommand(kCmdPageClosed, import_.release());
-    if (&page == tasks_.get()) main_.PostDeferredCommand(kCmdPageClosed, tasks_.release());
-    if (&page == detail_.get()) main_.PostDeferredCommand(kCmdPageClosed, detail_.release());
-    if (&page == agenda_.get() || &page == week_.get()) SetLastViewMode(0);
+    if (&page == quick_.get())
+        main_.PostDeferredCommand(kCmdPageClosed, quick_.release());
+    if (&page == import_.get())
+        main_.PostDeferredCommand(kCmdPageClosed, import_.release());
+    if (&page == tasks_.get())
+        main_.PostDeferredCommand(kCmdPageClosed, tasks_.release());
+    if (&page == detail_.get())
+        main_.PostDeferredCommand(kCmdPageClosed, detail_.release());
+    if (&page == agenda_.get() || &page == week_.get())
+        SetLastViewMode(0);
     // The page under the closed one comes to the front: an open day view,
     // the week or the agenda, else the month.
     for (ViewPage* under : {static_cast<ViewPage*>(day_.get()), static_cast<ViewPage*>(week_.get()),
@@ -105,7 +123,8 @@ void ViewRouter::OnPageClosed(ViewPage& page) {
             return;
         }
     }
-    if (HWND main = main_.GetHwnd(); main && IsWindowVisible(main)) SetForegroundWindow(main);
+    if (HWND main = main_.GetHwnd(); main && IsWindowVisible(main))
+        SetForegroundWindow(main);
 }
 
 HWND ViewRouter::OpenDayView(const DateTime& date) {
@@ -126,8 +145,10 @@ HWND ViewRouter::OpenDayView(const DateTime& date) {
 
 void ViewRouter::ShowMonth(const DateTime& date) {
     HideWeekAndAgenda();
-    if (showInMonth_) showInMonth_(date);
-    if (HWND main = main_.GetHwnd()) SetForegroundWindow(main);
+    if (showInMonth_)
+        showInMonth_(date);
+    if (HWND main = main_.GetHwnd())
+        SetForegroundWindow(main);
 }
 
 HWND ViewRouter::OpenYearView(const DateTime& date) {
@@ -142,7 +163,8 @@ HWND ViewRouter::OpenYearView(const DateTime& date) {
     year_->SetCloseHandler([this](YearView&) {
         // Deleted from the loop, where no caller of the page is on the stack.
         main_.PostDeferredCommand(kCmdPageClosed, year_.release());
-        if (HWND main = main_.GetHwnd(); main && IsWindowVisible(main)) SetForegroundWindow(main);
+        if (HWND main = main_.GetHwnd(); main && IsWindowVisible(main))
+            SetForegroundWindow(main);
     });
     if (!year_->Open(main_.GetHwnd())) {
         year_.reset();
@@ -152,7 +174,8 @@ HWND ViewRouter::OpenYearView(const DateTime& date) {
 }
 
 HWND ViewRouter::OpenImport(const std::string& path) {
-    if (import_) import_->CloseView();
+    if (import_)
+        import_->CloseView();
     import_ = std::make_unique<ImportView>(path);
     import_->SetCloseHandler([this](ViewPage& page) { OnPageClosed(page); });
     if (!import_->Open(main_.GetHwnd())) {
@@ -215,8 +238,10 @@ HWND ViewRouter::ShowAgendaView(const DateTime& date) {
 }
 
 void ViewRouter::HideWeekAndAgenda() {
-    if (week_ && IsWindowVisible(week_->GetHwnd())) ShowWindow(week_->GetHwnd(), SW_HIDE);
-    if (agenda_ && IsWindowVisible(agenda_->GetHwnd())) ShowWindow(agenda_->GetHwnd(), SW_HIDE);
+    if (week_ && IsWindowVisible(week_->GetHwnd()))
+        ShowWindow(week_->GetHwnd(), SW_HIDE);
+    if (agenda_ && IsWindowVisible(agenda_->GetHwnd()))
+        ShowWindow(agenda_->GetHwnd(), SW_HIDE);
     SetLastViewMode(0);
 }
 
@@ -258,7 +283,8 @@ HWND ViewRouter::OpenItemDetail(std::int32_t oid, bool task, const DateTime& occ
     if (!occurrence.IsValid() && showInMonth_) {
         // Opened by its identifier: back from the detail, the month shows its day.
         const DateTime day = detail_->CurrentDate();
-        if (day.IsValid()) showInMonth_(day);
+        if (day.IsValid())
+            showInMonth_(day);
     }
     SetForegroundWindow(detail_->GetHwnd());
     return detail_->GetHwnd();
@@ -269,18 +295,22 @@ HWND ViewRouter::OpenEditor(std::unique_ptr<AppointmentEditor> editor, HWND owne
     AppointmentSaver::SetMainWindow(main_.GetHwnd());
     editor_ = std::move(editor);
     editor_->SetCloseHandler([this](AppointmentEditor& closed) {
-        if (&closed != editor_.get()) return;
+        if (&closed != editor_.get())
+            return;
         main_.PostDeferredCommand(kCmdPageClosed, new EditorDeleter(std::move(editor_)));
         FrontAfterEditor();
     });
     const HWND hwnd = editor_->Open(owner ? owner : main_.GetHwnd());
-    if (!hwnd) editor_.reset();
+    if (!hwnd)
+        editor_.reset();
     return hwnd;
 }
 
 void ViewRouter::CancelEditors() {
-    if (editor_ && !editor_->IsClosed()) editor_->Cancel();
-    if (taskEditor_ && !taskEditor_->IsClosed()) taskEditor_->Cancel();
+    if (editor_ && !editor_->IsClosed())
+        editor_->Cancel();
+    if (taskEditor_ && !taskEditor_->IsClosed())
+        taskEditor_->Cancel();
 }
 
 void ViewRouter::FrontAfterEditor() {
@@ -292,7 +322,8 @@ void ViewRouter::FrontAfterEditor() {
             return;
         }
     }
-    if (HWND main = main_.GetHwnd(); main && IsWindowVisible(main)) SetForegroundWindow(main);
+    if (HWND main = main_.GetHwnd(); main && IsWindowVisible(main))
+        SetForegroundWindow(main);
 }
 
 HWND ViewRouter::OpenTaskEditor(std::unique_ptr<TaskEditor> editor, HWND owner) {
@@ -300,18 +331,21 @@ HWND ViewRouter::OpenTaskEditor(std::unique_ptr<TaskEditor> editor, HWND owner) 
     ItemSaver::SetMainWindow(main_.GetHwnd());
     taskEditor_ = std::move(editor);
     taskEditor_->SetCloseHandler([this](TaskEditor& closed) {
-        if (&closed != taskEditor_.get()) return;
+        if (&closed != taskEditor_.get())
+            return;
         main_.PostDeferredCommand(kCmdPageClosed, new EditorDeleter(std::move(taskEditor_)));
         FrontAfterEditor();
     });
     const HWND hwnd = taskEditor_->Open(owner ? owner : main_.GetHwnd());
-    if (!hwnd) taskEditor_.reset();
+    if (!hwnd)
+        taskEditor_.reset();
     return hwnd;
 }
 
 HWND ViewRouter::NewAppointment(const DateTime& date, HWND owner) {
     const DateTime day = date.IsValid() ? date : DateTime::Today();
-    return OpenEditor(std::make_unique<AppointmentEditor>(AppointmentDraft::NewOn(day, DateTime::Now())), owner);
+    return OpenEditor(std::make_unique<AppointmentEditor>(AppointmentDraft::NewOn(day, DateTime::Now())),
+                      owner);
 }
 HWND ViewRouter::NewTask(const DateTime& date, HWND owner) {
     const DateTime day = date.IsValid() ? date : DateTime::Today();
@@ -330,7 +364,9 @@ HWND ViewRouter::EditItem(const PimItem& item, bool occurrenceOnly, bool duplica
         return OpenTaskEditor(std::make_unique<TaskEditor>(TaskDraft::ForRecord(record, mode)), owner);
     }
     using Mode = AppointmentDraft::Mode;
-    const Mode mode = duplicate ? Mode::Duplicate : occurrenceOnly && record.isRecurring ? Mode::Occurrence : Mode::Item;
+    const Mode mode = duplicate                              ? Mode::Duplicate
+                      : occurrenceOnly && record.isRecurring ? Mode::Occurrence
+                                                             : Mode::Item;
     AppointmentDraft draft = mode == Mode::Occurrence
                                  ? AppointmentDraft::ForRecord(record, mode, item.startValue, item.endValue)
                                  : AppointmentDraft::ForRecord(record, mode);
@@ -339,17 +375,21 @@ HWND ViewRouter::EditItem(const PimItem& item, bool occurrenceOnly, bool duplica
 
 bool ViewRouter::OpenFilter(HWND owner) {
     CategoryFilterDialog dialog;
-    if (dialog.DoModal(owner ? owner : main_.GetHwnd()) != IDOK) return false;
+    if (dialog.DoModal(owner ? owner : main_.GetHwnd()) != IDOK)
+        return false;
     // The month and every open view reload.
-    if (onFilterChanged_) onFilterChanged_();
-    else DialogWnd::BroadcastStoreChanged(DialogWnd::StoreChange{true, 0, 0});
+    if (onFilterChanged_)
+        onFilterChanged_();
+    else
+        DialogWnd::BroadcastStoreChanged(DialogWnd::StoreChange{true, 0, 0});
     return true;
 }
 
 void ViewRouter::OpenSearch(const DateTime& date) {
     // Made once; a "Search" while it is shown does nothing.
     if (search_) {
-        if (IsWindowVisible(search_->GetHwnd())) return;
+        if (IsWindowVisible(search_->GetHwnd()))
+            return;
         search_->SetDate(date);
         ShowWindow(search_->GetHwnd(), SW_SHOW);
         SetForegroundWindow(search_->GetHwnd());
@@ -358,13 +398,16 @@ void ViewRouter::OpenSearch(const DateTime& date) {
     search_ = std::make_unique<SearchView>();
     search_->SetDate(date);
     search_->SetCloseHandler([this](ViewPage& page) { OnPageClosed(page); });
-    if (!search_->Open(main_.GetHwnd())) search_.reset();
+    if (!search_->Open(main_.GetHwnd()))
+        search_.reset();
 }
 
 std::function<void(const std::string&)> ViewRouter::ConfigChangeHandler() {
     return [this](const std::string& setting) {
-        if (setting == "Language") Relabel();
-        if (onSettingChanged_) onSettingChanged_(setting);
+        if (setting == "Language")
+            Relabel();
+        if (onSettingChanged_)
+            onSettingChanged_(setting);
     };
 }
 

@@ -112,7 +112,7 @@ private:
     std::unique_ptr<WeekView> week_;
     std::unique_ptr<ItemDetailView> detail_;
     std::unique_ptr<TasksView> tasks_;
-    std::unique_ptr<SearchView> search_; // kept once made
+    std::unique_ptr<SearchView> search_;        // kept once made
     std::unique_ptr<AppointmentEditor> editor_; // deleted from the loop once closed
     std::unique_ptr<TaskEditor> taskEditor_;    // the same
     std::unique_ptr<ImportView> import_;

@@ -16,7 +16,7 @@ namespace {
 
 constexpr const char* kCategoryColorPrefix = "CatColor[";
 constexpr std::size_t kMaxColorTextLength = 8;
-constexpr std::size_t kBareColorLength = 6;   // rrggbb
+constexpr std::size_t kBareColorLength = 6;     // rrggbb
 constexpr std::size_t kPrefixedColorLength = 7; // #rrggbb
 
 struct ColorState {
@@ -40,9 +40,11 @@ std::vector<std::u16string> NamesWithStoredColor() {
     std::string line;
     const std::string prefix = kCategoryColorPrefix;
     while (std::getline(file, line)) {
-        if (line.compare(0, prefix.size(), prefix) != 0) continue;
+        if (line.compare(0, prefix.size(), prefix) != 0)
+            continue;
         const std::size_t close = line.find("]=", prefix.size());
-        if (close == std::string::npos) continue;
+        if (close == std::string::npos)
+            continue;
         names.push_back(Utf8ToUtf16(line.substr(prefix.size(), close - prefix.size())));
     }
     return names;
@@ -64,9 +66,11 @@ std::vector<std::u16string> Categories::Split(std::u16string_view categories) {
     std::size_t begin = 0;
     while (begin <= categories.size()) {
         std::size_t comma = categories.find(u',', begin);
-        if (comma == std::u16string_view::npos) comma = categories.size();
+        if (comma == std::u16string_view::npos)
+            comma = categories.size();
         std::u16string name = Trim(categories.substr(begin, comma - begin));
-        if (!name.empty()) names.push_back(std::move(name));
+        if (!name.empty())
+            names.push_back(std::move(name));
         begin = comma + 1;
     }
     return names;
@@ -80,9 +84,11 @@ void Categories::LoadCategories(std::vector<std::u16string>& list) {
         provider = State().provider;
     }
     std::vector<std::u16string> found = provider ? provider() : std::vector<std::u16string>{};
-    for (auto& name : NamesWithStoredColor()) found.push_back(std::move(name));
+    for (auto& name : NamesWithStoredColor())
+        found.push_back(std::move(name));
     for (const auto& text : found)
-        for (auto& name : Split(text)) list.push_back(std::move(name));
+        for (auto& name : Split(text))
+            list.push_back(std::move(name));
     std::sort(list.begin(), list.end());
     list.erase(std::unique(list.begin(), list.end()), list.end());
 }
@@ -93,19 +99,23 @@ void Categories::LoadCategoryColors() {
     std::map<std::u16string, COLORREF> colors;
     for (const auto& name : names) {
         const std::u16string text = Settings::GetText(ColorSettingName(name).c_str(), u"");
-        if (!text.empty()) colors[name] = ParseColor(text);
+        if (!text.empty())
+            colors[name] = ParseColor(text);
     }
     const auto birthday = Settings::Store().Get("Color[ContBirthday]");
     const auto anniversary = Settings::Store().Get("Color[ContAnniversary]");
     std::lock_guard lock(State().mutex);
     State().colors = std::move(colors);
-    if (birthday) State().birthday = ParseColor(*birthday);
-    if (anniversary) State().anniversary = ParseColor(*anniversary);
+    if (birthday)
+        State().birthday = ParseColor(*birthday);
+    if (anniversary)
+        State().anniversary = ParseColor(*anniversary);
 }
 
 COLORREF Categories::ParseColor(std::u16string_view text) {
     std::string narrow;
-    for (char16_t c : text.substr(0, kMaxColorTextLength)) narrow.push_back(c < 0x80 ? static_cast<char>(c) : '?');
+    for (char16_t c : text.substr(0, kMaxColorTextLength))
+        narrow.push_back(c < 0x80 ? static_cast<char>(c) : '?');
     narrow = ToLowerAscii(narrow);
     std::string digits;
     if (narrow.size() == kBareColorLength)
@@ -120,18 +130,21 @@ COLORREF Categories::ParseColor(std::u16string_view text) {
 }
 
 void Categories::GetItemColors(std::u16string_view categories, std::vector<COLORREF>& colors) {
-    if (categories.empty()) return;
+    if (categories.empty())
+        return;
     std::lock_guard lock(State().mutex);
     for (const auto& name : Split(categories)) {
         auto it = State().colors.find(name);
-        if (it != State().colors.end()) colors.push_back(it->second);
+        if (it != State().colors.end())
+            colors.push_back(it->second);
     }
 }
 
 bool Categories::GetCategoryColor(const std::u16string& name, COLORREF& color) {
     std::lock_guard lock(State().mutex);
     auto it = State().colors.find(name);
-    if (it == State().colors.end()) return false;
+    if (it == State().colors.end())
+        return false;
     color = it->second;
     return true;
 }

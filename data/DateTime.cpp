@@ -51,20 +51,26 @@ double ComposeDate(long dayNumber, double dayFraction) {
 }
 
 // The DATE on a straight time line (days and fraction both counting forward).
-double Linear(double date) { return date >= 0 ? date : std::trunc(date) - (date - std::trunc(date)); }
+double Linear(double date) {
+    return date >= 0 ? date : std::trunc(date) - (date - std::trunc(date));
+}
 
 } // namespace
 
-bool IsLeapYear(int year) { return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0; }
+bool IsLeapYear(int year) {
+    return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+}
 
 int DaysInMonth(int year, int month) {
     static constexpr int kDays[12] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    if (month < 1 || month > 12) return 0;
+    if (month < 1 || month > 12)
+        return 0;
     return month == 2 && IsLeapYear(year) ? 29 : kDays[month - 1];
 }
 
 bool SystemTimeToVariantTime(const SYSTEMTIME& time, double* date) {
-    if (!FieldsValid(time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond)) return false;
+    if (!FieldsValid(time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond))
+        return false;
     const long dayNumber = DaysFromCivil(time.wYear, time.wMonth, time.wDay) - kDateEpochFromUnix;
     const double fraction = (time.wHour * 3600.0 + time.wMinute * 60.0 + time.wSecond) / kSecondsPerDay;
     *date = ComposeDate(dayNumber, fraction);
@@ -84,7 +90,8 @@ bool VariantTimeToSystemTime(double date, SYSTEMTIME* time) {
     // The negative encoding counts whole days toward the past but time forward.
     int year = 0, month = 0, day = 0;
     CivilFromDays(dayNumber + kDateEpochFromUnix, year, month, day);
-    if (year < kMinYear || year > kMaxYear) return false;
+    if (year < kMinYear || year > kMaxYear)
+        return false;
     const long unixDay = dayNumber + kDateEpochFromUnix;
     SYSTEMTIME st;
     st.wYear = static_cast<std::uint16_t>(year);
@@ -108,9 +115,13 @@ DateTime::DateTime(int year, int month, int day, int hour, int minute, int secon
     SetDateTime(year, month, day, hour, minute, second);
 }
 
-DateTime DateTime::Now() { return FromSystemTime(Clock::Current().GetLocalTime()); }
+DateTime DateTime::Now() {
+    return FromSystemTime(Clock::Current().GetLocalTime());
+}
 
-DateTime DateTime::Today() { return Now().StartOfDay(); }
+DateTime DateTime::Today() {
+    return Now().StartOfDay();
+}
 
 DateTime DateTime::FromSystemTime(const SYSTEMTIME& time) {
     DateTime result;
@@ -137,40 +148,63 @@ bool DateTime::SetDateTime(int year, int month, int day, int hour, int minute, i
 
 SYSTEMTIME DateTime::Fields() const {
     SYSTEMTIME st;
-    if (valid_) VariantTimeToSystemTime(date_, &st);
+    if (valid_)
+        VariantTimeToSystemTime(date_, &st);
     return st;
 }
 
-int DateTime::GetYear() const { return Fields().wYear; }
-int DateTime::GetMonth() const { return Fields().wMonth; }
-int DateTime::GetDay() const { return Fields().wDay; }
-int DateTime::GetHour() const { return Fields().wHour; }
-int DateTime::GetMinute() const { return Fields().wMinute; }
-int DateTime::GetSecond() const { return Fields().wSecond; }
-int DateTime::GetDayOfWeek() const { return Fields().wDayOfWeek; }
-SYSTEMTIME DateTime::ToSystemTime() const { return Fields(); }
+int DateTime::GetYear() const {
+    return Fields().wYear;
+}
+int DateTime::GetMonth() const {
+    return Fields().wMonth;
+}
+int DateTime::GetDay() const {
+    return Fields().wDay;
+}
+int DateTime::GetHour() const {
+    return Fields().wHour;
+}
+int DateTime::GetMinute() const {
+    return Fields().wMinute;
+}
+int DateTime::GetSecond() const {
+    return Fields().wSecond;
+}
+int DateTime::GetDayOfWeek() const {
+    return Fields().wDayOfWeek;
+}
+SYSTEMTIME DateTime::ToSystemTime() const {
+    return Fields();
+}
 
 bool DateTime::ToSystemTime(SYSTEMTIME& time) const {
-    if (!valid_) return false;
+    if (!valid_)
+        return false;
     return VariantTimeToSystemTime(date_, &time);
 }
 
-long DateTime::DayNumber() const { return static_cast<long>(std::trunc(date_)); }
+long DateTime::DayNumber() const {
+    return static_cast<long>(std::trunc(date_));
+}
 
 DateTime DateTime::StartOfDay() const {
-    if (!valid_) return *this;
+    if (!valid_)
+        return *this;
     const SYSTEMTIME st = Fields();
     return DateTime(st.wYear, st.wMonth, st.wDay);
 }
 
 DateTime DateTime::EndOfDay() const {
-    if (!valid_) return *this;
+    if (!valid_)
+        return *this;
     const SYSTEMTIME st = Fields();
     return DateTime(st.wYear, st.wMonth, st.wDay, 23, 59, 59);
 }
 
 DateTime& DateTime::operator+=(const DateTimeSpan& span) {
-    if (!valid_) return *this;
+    if (!valid_)
+        return *this;
     // Arithmetic on the linear time line, so that spans cross 1899-12-30
     // the same way as any other day.
     const double moved = Linear(date_) + span.GetDays();
@@ -185,21 +219,27 @@ DateTime& DateTime::operator+=(const DateTimeSpan& span) {
     return *this;
 }
 
-DateTime& DateTime::operator-=(const DateTimeSpan& span) { return *this += -span; }
+DateTime& DateTime::operator-=(const DateTimeSpan& span) {
+    return *this += -span;
+}
 
 DateTimeSpan operator-(const DateTime& a, const DateTime& b) {
-    if (!a.valid_ || !b.valid_) return DateTimeSpan();
+    if (!a.valid_ || !b.valid_)
+        return DateTimeSpan();
     return DateTimeSpan(Linear(a.date_) - Linear(b.date_));
 }
 
 bool operator==(const DateTime& a, const DateTime& b) {
-    if (a.valid_ != b.valid_) return false;
+    if (a.valid_ != b.valid_)
+        return false;
     return !a.valid_ || a.date_ == b.date_;
 }
 
 std::partial_ordering operator<=>(const DateTime& a, const DateTime& b) {
-    if (a.valid_ != b.valid_) return a.valid_ ? std::partial_ordering::greater : std::partial_ordering::less;
-    if (!a.valid_) return std::partial_ordering::equivalent;
+    if (a.valid_ != b.valid_)
+        return a.valid_ ? std::partial_ordering::greater : std::partial_ordering::less;
+    if (!a.valid_)
+        return std::partial_ordering::equivalent;
     return Linear(a.date_) <=> Linear(b.date_);
 }
 

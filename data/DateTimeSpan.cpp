@@ -4,6 +4,8 @@
 
 namespace mirodate {
 
-long long DateTimeSpan::GetTotalSeconds() const { return std::llround(days_ * kSecondsPerDay); }
+long long DateTimeSpan::GetTotalSeconds() const {
+    return std::llround(days_ * kSecondsPerDay);
+}
 
 } // namespace mirodate

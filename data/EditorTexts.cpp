@@ -47,8 +47,10 @@ std::u16string EditorTexts::FormatTimeSpan(std::int64_t minutes, const UnitTexts
     }
     std::u16string text;
     auto add = [&](std::int64_t count, int unit) {
-        if (count == 0) return;
-        if (!text.empty()) text += u", ";
+        if (count == 0)
+            return;
+        if (!text.empty())
+            text += u", ";
         text += Part(count, units[unit], units[unit + 1]);
     };
     add(weeks, 6);
@@ -58,11 +60,15 @@ std::u16string EditorTexts::FormatTimeSpan(std::int64_t minutes, const UnitTexts
     return text;
 }
 
-std::u16string EditorTexts::FormatTimeSpan(std::int64_t minutes) { return FormatTimeSpan(minutes, LanguageUnits()); }
+std::u16string EditorTexts::FormatTimeSpan(std::int64_t minutes) {
+    return FormatTimeSpan(minutes, LanguageUnits());
+}
 
 std::u16string EditorTexts::ReminderText(bool reminderSet, std::int64_t leadMinutes) {
-    if (!reminderSet) return u"-";
-    if (leadMinutes == 0) return Lang("Immediately");
+    if (!reminderSet)
+        return u"-";
+    if (leadMinutes == 0)
+        return Lang("Immediately");
     return FormatTimeSpan(leadMinutes) + u" " + Lang("before");
 }
 
@@ -71,23 +77,29 @@ bool EditorTexts::LeadTimeForMoment(double start, double chosen, std::int64_t& l
     // free of the double's rounding, then truncate to minutes.
     const std::int64_t startMs = std::llround(start * kSecondsPerDay * 1000.0);
     const std::int64_t chosenMs = std::llround(chosen * kSecondsPerDay * 1000.0);
-    if (chosenMs > startMs) return false;
+    if (chosenMs > startMs)
+        return false;
     leadMinutes = (startMs - chosenMs) / 1000 / 60;
     return true;
 }
 
 std::vector<const char*> EditorTexts::ReminderMenuKeys(bool reminderSet) {
-    if (reminderSet) return {"change_datetime", "change_span", "unset"};
+    if (reminderSet)
+        return {"change_datetime", "change_span", "unset"};
     return {"set_datetime", "set_span"};
 }
 
-std::u16string EditorTexts::BusyStatusLabel(int busyStatus) { return KeyWithNumber("BusyStatus.%i", busyStatus); }
+std::u16string EditorTexts::BusyStatusLabel(int busyStatus) {
+    return KeyWithNumber("BusyStatus.%i", busyStatus);
+}
 
 std::u16string EditorTexts::SensitivityLabel(int sensitivity) {
     return KeyWithNumber("Sensitivity.%i", sensitivity);
 }
 
-std::u16string EditorTexts::PriorityLabel(int importance) { return KeyWithNumber("Priority_%i", importance); }
+std::u16string EditorTexts::PriorityLabel(int importance) {
+    return KeyWithNumber("Priority_%i", importance);
+}
 
 std::vector<const char*> EditorTexts::RecurrenceEndKeys() {
     return {"SetOccurrences", "SetPatternEndDate", "SetNoEndDate"};

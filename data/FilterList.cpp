@@ -8,7 +8,8 @@ FilterList::FilterList(std::u16string_view text) : entries_(Categories::Split(te
 
 bool MatchesFilterList(std::u16string_view categories, const FilterList& list) {
     for (const auto& entry : list.Entries())
-        if (categories.find(entry) != std::u16string_view::npos) return true;
+        if (categories.find(entry) != std::u16string_view::npos)
+            return true;
     return false;
 }
 

@@ -17,27 +17,33 @@ const MonthCache::Entry* MonthCache::FindTasks(int year, int month) const {
 
 bool MonthCache::OverlapsDay(const PimItem& item, double day) {
     const double nextDay = day + 1.0;
-    if (item.startValue >= nextDay) return false;
-    if (item.endValue > item.startValue) return item.endValue > day;
+    if (item.startValue >= nextDay)
+        return false;
+    if (item.endValue > item.startValue)
+        return item.endValue > day;
     return item.startValue >= day;
 }
 
 void MonthCache::IndexAppointments(Entry& entry, int year, int month) {
-    for (auto& day : entry.days) day.clear();
+    for (auto& day : entry.days)
+        day.clear();
     const double first = DateTime(year, month, 1).ToDate();
     const int dayCount = DaysInMonth(year, month);
     for (std::uint32_t i = 0; i < entry.items.size(); ++i) {
         const PimItem& item = entry.items[i];
         // Only the days between the item's start and end can hold it.
         const int from = std::max(0, static_cast<int>(std::floor(item.startValue - first)));
-        const int to = std::min(dayCount - 1, static_cast<int>(std::floor(std::max(item.endValue, item.startValue) - first)));
+        const int to = std::min(
+            dayCount - 1, static_cast<int>(std::floor(std::max(item.endValue, item.startValue) - first)));
         for (int d = from; d <= to; ++d)
-            if (OverlapsDay(item, first + d)) entry.days[d].push_back(i);
+            if (OverlapsDay(item, first + d))
+                entry.days[d].push_back(i);
     }
 }
 
 void MonthCache::IndexTasks(Entry& entry, int year, int month, const TaskPlacement& placement) {
-    for (auto& day : entry.days) day.clear();
+    for (auto& day : entry.days)
+        day.clear();
     const double first = DateTime(year, month, 1).ToDate();
     const int dayCount = DaysInMonth(year, month);
     auto dayOf = [&](double date) { return static_cast<int>(std::floor(date - first)); };
@@ -46,14 +52,18 @@ void MonthCache::IndexTasks(Entry& entry, int year, int month, const TaskPlaceme
         const PimItem& task = entry.items[i];
         int days[3];
         int count = 0;
-        if (byDue && !task.noDueDate) days[count++] = dayOf(task.dueDateValue);
-        if (placement.byStartDate && !task.noStartDate) days[count++] = dayOf(task.startDateValue);
+        if (byDue && !task.noDueDate)
+            days[count++] = dayOf(task.dueDateValue);
+        if (placement.byStartDate && !task.noStartDate)
+            days[count++] = dayOf(task.startDateValue);
         if (!task.isComplete && !task.noDueDate && std::floor(task.dueDateValue) < placement.today)
             days[count++] = dayOf(placement.today);
         for (int k = 0; k < count; ++k) {
             const int d = days[k];
-            if (d < 0 || d >= dayCount) continue;
-            if (std::find(days, days + k, d) != days + k) continue; // once per day
+            if (d < 0 || d >= dayCount)
+                continue;
+            if (std::find(days, days + k, d) != days + k)
+                continue; // once per day
             entry.days[d].push_back(i);
         }
     }
@@ -64,7 +74,8 @@ bool MonthCache::RemoveOid(std::map<Key, Entry>& months, std::int32_t oid) {
     for (auto& [key, entry] : months) {
         const std::size_t before = entry.items.size();
         std::erase_if(entry.items, [oid](const PimItem& item) { return item.oid == oid; });
-        if (entry.items.size() != before) removed = true;
+        if (entry.items.size() != before)
+            removed = true;
     }
     return removed;
 }

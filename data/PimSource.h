@@ -60,7 +60,8 @@ public:
     // Changes one occurrence of a series: moved to `occurrence`'s times and
     // texts, or cancelled when `occurrence` is null. `originalStart` is the
     // occurrence's start as the series gives it.
-    virtual SaveResult SaveOccurrence(std::int32_t oid, double originalStart, const PimRecord* occurrence) = 0;
+    virtual SaveResult SaveOccurrence(std::int32_t oid, double originalStart,
+                                      const PimRecord* occurrence) = 0;
     virtual bool Delete(std::int32_t oid) = 0;
     // A new item with the same content; its OID, or -1.
     virtual std::int32_t Copy(std::int32_t oid) = 0;

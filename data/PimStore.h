@@ -65,19 +65,21 @@ public:
     // filter hides them), in the store's due-date order.
     bool QueryAllTasks(std::vector<PimItem>& items);
     // Birthdays and anniversaries of the range, whatever the switches say.
-    void QueryContactDates(const DayRange& range, bool birthdays, bool anniversaries, std::vector<PimItem>& items);
+    void QueryContactDates(const DayRange& range, bool birthdays, bool anniversaries,
+                           std::vector<PimItem>& items);
 
     // The same with the range as six numbers, for callers not yet moved over.
-    bool QueryAppointments(int firstYear, int firstMonth, int firstDay, int lastYear, int lastMonth, int lastDay,
-                           std::vector<PimItem>& items) {
-        return QueryAppointments(DayRange(firstYear, firstMonth, firstDay, lastYear, lastMonth, lastDay), items);
+    bool QueryAppointments(int firstYear, int firstMonth, int firstDay, int lastYear, int lastMonth,
+                           int lastDay, std::vector<PimItem>& items) {
+        return QueryAppointments(DayRange(firstYear, firstMonth, firstDay, lastYear, lastMonth, lastDay),
+                                 items);
     }
     bool QueryTasks(int firstYear, int firstMonth, int firstDay, int lastYear, int lastMonth, int lastDay,
                     std::vector<PimItem>& items) {
         return QueryTasks(DayRange(firstYear, firstMonth, firstDay, lastYear, lastMonth, lastDay), items);
     }
-    void QueryContactDates(int firstYear, int firstMonth, int firstDay, int lastYear, int lastMonth, int lastDay,
-                           bool birthdays, bool anniversaries, std::vector<PimItem>& items) {
+    void QueryContactDates(int firstYear, int firstMonth, int firstDay, int lastYear, int lastMonth,
+                           int lastDay, bool birthdays, bool anniversaries, std::vector<PimItem>& items) {
         QueryContactDates(DayRange(firstYear, firstMonth, firstDay, lastYear, lastMonth, lastDay), birthdays,
                           anniversaries, items);
     }

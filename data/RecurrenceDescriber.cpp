@@ -9,9 +9,9 @@ namespace mirodate {
 
 namespace {
 // Masks with a word of their own.
-constexpr std::int32_t kWeekdayMask = 62;  // Monday to Friday
+constexpr std::int32_t kWeekdayMask = 62; // Monday to Friday
 constexpr std::int32_t kAllDaysMask = 127;
-constexpr std::int32_t kWeekendMask = 65;  // Saturday and Sunday
+constexpr std::int32_t kWeekendMask = 65; // Saturday and Sunday
 
 // Every occurrence of `name` in `text` becomes `value`, as plain text.
 void Replace(std::u16string& text, std::u16string_view name, const std::u16string& value) {
@@ -19,17 +19,24 @@ void Replace(std::u16string& text, std::u16string_view name, const std::u16strin
         text.replace(pos, name.size(), value);
 }
 
-std::u16string Number(std::int64_t value) { return ToU16(static_cast<long>(value)); }
+std::u16string Number(std::int64_t value) {
+    return ToU16(static_cast<long>(value));
+}
 } // namespace
 
 std::u16string RecurrenceDescriber::DaysText(std::int32_t mask) {
-    if (mask == kWeekdayMask) return Lang("weekday");
-    if (mask == kAllDaysMask) return Lang("day");
-    if (mask == kWeekendMask) return Lang("weekendday");
+    if (mask == kWeekdayMask)
+        return Lang("weekday");
+    if (mask == kAllDaysMask)
+        return Lang("day");
+    if (mask == kWeekendMask)
+        return Lang("weekendday");
     std::u16string text;
     for (int day = 0; day < 7; ++day) {
-        if (!(mask & (1 << day))) continue;
-        if (!text.empty()) text += u", ";
+        if (!(mask & (1 << day)))
+            continue;
+        if (!text.empty())
+            text += u", ";
         text += Locale::DayName(day);
     }
     return text;
@@ -37,7 +44,8 @@ std::u16string RecurrenceDescriber::DaysText(std::int32_t mask) {
 
 std::u16string RecurrenceDescriber::InstanceText(std::int32_t instance) {
     static const char* const kInstances[] = {"first", "second", "third", "fourth", "last"};
-    if (instance < 1 || instance > 5) return u"---";
+    if (instance < 1 || instance > 5)
+        return u"---";
     return Lang(kInstances[instance - 1]);
 }
 
@@ -45,22 +53,42 @@ std::u16string RecurrenceDescriber::SuffixText(std::int32_t dayNumber) {
     // The English ordinal endings for the day numbers that take them; every
     // other number, 11, 12 and 13 included, takes "th".
     switch (dayNumber) {
-    case 1: case 21: case 31: case 41: case 51: return Lang("Suffix_st");
-    case 2: case 22: case 32: case 42: case 52: return Lang("Suffix_nd");
-    case 3: case 23: case 33: case 43: case 53: return Lang("Suffix_rd");
-    default: return Lang("Suffix_th");
+    case 1:
+    case 21:
+    case 31:
+    case 41:
+    case 51:
+        return Lang("Suffix_st");
+    case 2:
+    case 22:
+    case 32:
+    case 42:
+    case 52:
+        return Lang("Suffix_nd");
+    case 3:
+    case 23:
+    case 33:
+    case 43:
+    case 53:
+        return Lang("Suffix_rd");
+    default:
+        return Lang("Suffix_th");
     }
 }
 
-std::u16string RecurrenceDescriber::MonthName(std::int32_t month) { return Locale::MonthName(month); }
+std::u16string RecurrenceDescriber::MonthName(std::int32_t month) {
+    return Locale::MonthName(month);
+}
 
 std::u16string RecurrenceDescriber::EndText(std::int32_t occurrences, double patternEndDate) {
-    if (occurrences == 0 && patternEndDate == 0.0) return u"(" + Lang("infinitely") + u")";
+    if (occurrences == 0 && patternEndDate == 0.0)
+        return u"(" + Lang("infinitely") + u")";
     if (occurrences == 0) {
         std::u16string text = Lang("RepeatsUntilEndDate");
         SYSTEMTIME end{};
         std::u16string date;
-        if (VariantTimeToSystemTime(patternEndDate, &end)) date = Locale::FormatShortDate(end);
+        if (VariantTimeToSystemTime(patternEndDate, &end))
+            date = Locale::FormatShortDate(end);
         Replace(text, u"$EndDate", date);
         return text;
     }
@@ -73,15 +101,18 @@ std::u16string RecurrenceDescriber::PatternText(const RecurrencePattern& p) {
     std::u16string text;
     switch (p.RecurrenceType) {
     case RecurrencePattern::kDaily:
-        if (p.Interval == 1) return Lang("Daily");
+        if (p.Interval == 1)
+            return Lang("Daily");
         text = Lang("EveryNDays");
         break;
     case RecurrencePattern::kWeekly: {
         const std::u16string days = DaysText(p.DayOfWeekMask);
         // Compared with the English words on purpose, whatever the language:
         // the interval is then not mentioned at all.
-        if (days == u"weekday") return Lang("EveryWeekDay");
-        if (days == u"weekend day") return Lang("EveryWeekEndDay");
+        if (days == u"weekday")
+            return Lang("EveryWeekDay");
+        if (days == u"weekend day")
+            return Lang("EveryWeekEndDay");
         text = Lang(p.Interval == 1 ? "EveryWeekOnX" : "EveryNWeekOnX");
         Replace(text, u"$DaysOfWeek", days);
         break;
@@ -122,7 +153,8 @@ std::u16string RecurrenceDescriber::GenericText(const RecurrencePattern&) {
 }
 
 std::u16string RecurrenceDescriber::Describe(const RecurrencePattern& pattern) {
-    if (pattern.RecurrenceType == RecurrencePattern::kNotRecurring) return Lang("Once");
+    if (pattern.RecurrenceType == RecurrencePattern::kNotRecurring)
+        return Lang("Once");
     const std::u16string head =
         pattern.RuleFit == RecurrencePattern::kNoFit ? GenericText(pattern) : PatternText(pattern);
     return head + u" " + EndText(pattern.Occurrences, pattern.PatternEndDate);

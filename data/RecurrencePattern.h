@@ -10,14 +10,20 @@ struct RecurrencePattern {
         kNotRecurring = -1,
         kDaily = 0,
         kWeekly = 1,
-        kMonthly = 2,        // on a day of the month
-        kMonthNth = 3,       // on the n-th weekday of the month
-        kYearly = 5,         // on a day of a month
-        kYearNth = 6,        // on the n-th weekday of a month
+        kMonthly = 2,  // on a day of the month
+        kMonthNth = 3, // on the n-th weekday of the month
+        kYearly = 5,   // on a day of a month
+        kYearNth = 6,  // on the n-th weekday of a month
     };
     // Bits of DayOfWeekMask.
     enum DayBits : std::int32_t {
-        kSunday = 1, kMonday = 2, kTuesday = 4, kWednesday = 8, kThursday = 16, kFriday = 32, kSaturday = 64,
+        kSunday = 1,
+        kMonday = 2,
+        kTuesday = 4,
+        kWednesday = 8,
+        kThursday = 16,
+        kFriday = 32,
+        kSaturday = 64,
     };
 
     std::int32_t RecurrenceType = kNotRecurring;
@@ -37,8 +43,8 @@ struct RecurrencePattern {
     // a description never claims more than the rule does.
     enum Fit : std::int32_t {
         kExact = 0,
-        kNearest = 1,  // the record is a faithful but less specific reading
-        kNoFit = 2,    // no record says it; describe it generically
+        kNearest = 1, // the record is a faithful but less specific reading
+        kNoFit = 2,   // no record says it; describe it generically
     };
     std::int32_t RuleFit = kExact;
 

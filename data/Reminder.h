@@ -11,15 +11,15 @@ namespace mirodate {
 
 struct Reminder {
     std::int32_t oid = -1;
-    int itemKind = 0;        // kItemAppointment or kItemTask (PimSource.h)
-    std::string alarm;       // the alarm's UID, or "#N" for the Nth alarm without one
+    int itemKind = 0;            // kItemAppointment or kItemTask (PimSource.h)
+    std::string alarm;           // the alarm's UID, or "#N" for the Nth alarm without one
     double occurrence = kNoDate; // the original start of a series' occurrence; kNoDate for a plain item
-    double moment = 0.0;     // when it is due
-    bool snoozed = false;    // a snoozed alarm coming back
-    bool audio = false;      // an AUDIO alarm (a sound, where there is one)
+    double moment = 0.0;         // when it is due
+    bool snoozed = false;        // a snoozed alarm coming back
+    bool audio = false;          // an AUDIO alarm (a sound, where there is one)
     std::u16string subject;
     std::u16string location;
-    double start = kNoDate;  // the occurrence's start (a task's due date)
+    double start = kNoDate; // the occurrence's start (a task's due date)
     double end = kNoDate;
     bool allDay = false;
 

@@ -1,12 +1,12 @@
 #include "forms/AboutPage.h"
 
 #include "data/PimStore.h"
+#include "forms/FormPainter.h"
 #include "lang/LanguageTable.h"
 #include "platform/Settings.h"
 #include "platform/TextUtil.h"
 #include "platform/VirtualKeys.h"
 #include "skin/SkinStyles.h"
-#include "forms/FormPainter.h"
 #include "ui/Dc.h"
 #include "ui/Scale.h"
 #include "ui/ScreenBars.h"
@@ -140,7 +140,8 @@ void AboutPage::OnScreenReset() {
 }
 
 void AboutPage::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     RECT client;
     GetClientRect(window, &client);
     FormPainter::PaintPage(*dc, client, Scale(kTitleHeight), bold_.get(), Lang("About"));

@@ -38,9 +38,10 @@ public:
         Attachments,
         Notes,
     };
-    static constexpr Row kRows[] = {Row::Subject,  Row::Location,   Row::Start,       Row::End,        Row::AllDay,
-                                    Row::Recurrence, Row::Reminder, Row::Categories, Row::BusyStatus,
-                                    Row::Sensitivity, Row::Attendees, Row::Attachments, Row::Notes};
+    static constexpr Row kRows[] = {Row::Subject,    Row::Location,    Row::Start,     Row::End,
+                                    Row::AllDay,     Row::Recurrence,  Row::Reminder,  Row::Categories,
+                                    Row::BusyStatus, Row::Sensitivity, Row::Attendees, Row::Attachments,
+                                    Row::Notes};
 
     // Subjects and locations longer than this are cut: a pasted page of text
     // must not become a subject line nobody can show.

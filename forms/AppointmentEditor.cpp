@@ -41,7 +41,8 @@ std::function<void(AppointmentEditor&)>& OpenObserver() {
 std::vector<Row> ListRows() {
     std::vector<Row> rows;
     for (Row row : AppointmentDraft::kRows)
-        if (row != Row::Subject && row != Row::Location) rows.push_back(row);
+        if (row != Row::Subject && row != Row::Location)
+            rows.push_back(row);
     return rows;
 }
 } // namespace
@@ -55,13 +56,14 @@ void AppointmentEditor::SetOpenObserver(std::function<void(AppointmentEditor&)> 
 
 HWND AppointmentEditor::Open(HWND owner) {
     const HWND hwnd = EditorPage::Open(owner);
-    if (hwnd && OpenObserver()) OpenObserver()(*this);
+    if (hwnd && OpenObserver())
+        OpenObserver()(*this);
     return hwnd;
 }
 
 std::u16string AppointmentEditor::Title() const {
     return Lang(draft_.GetMode() == AppointmentDraft::Mode::New ? "addmodify.NewAppointment"
-                                                                 : "addmodify.EditAppointment");
+                                                                : "addmodify.EditAppointment");
 }
 
 BOOL AppointmentEditor::OnInitDialog() {
@@ -98,8 +100,8 @@ int AppointmentEditor::LayoutFields(int top, int width) {
     const int fieldLeft = margin + labelWidth_;
     fieldsTop_ = top;
     for (auto [text, list] : {std::pair{&subject_, &subjectList_}, std::pair{&location_, &locationList_}}) {
-        MoveWindow(text->GetHwnd(), fieldLeft, top, std::max(1, width - fieldLeft - 2 * margin - button), field,
-                   true);
+        MoveWindow(text->GetHwnd(), fieldLeft, top, std::max(1, width - fieldLeft - 2 * margin - button),
+                   field, true);
         MoveWindow(list->GetHwnd(), width - margin - button, top, button, field, true);
         top += field + margin;
     }
@@ -121,11 +123,13 @@ int AppointmentEditor::RowIndex(Row row) const {
 
 void AppointmentEditor::OnRowTap(std::size_t index) {
     const std::vector<Row> rows = ListRows();
-    if (index < rows.size()) ActivateRow(rows[index]);
+    if (index < rows.size())
+        ActivateRow(rows[index]);
 }
 
 void AppointmentEditor::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     EditorPage::OnPaint(dc);
     const int margin = Scale(kFieldMargin);
     const int field = Scale(kFieldHeight);
@@ -144,12 +148,15 @@ void AppointmentEditor::OnPaint(HDC dc) {
 
 void AppointmentEditor::OnFieldCommand(HWND control, UINT code) {
     if (control == subject_.GetHwnd()) {
-        if (code == EN_CHANGE) draft_.SetSubject(subject_.GetText());
-        if (code == EN_ENTER) SetFocus(location_.GetHwnd());
+        if (code == EN_CHANGE)
+            draft_.SetSubject(subject_.GetText());
+        if (code == EN_ENTER)
+            SetFocus(location_.GetHwnd());
         return;
     }
     if (control == location_.GetHwnd()) {
-        if (code == EN_CHANGE) draft_.SetLocation(location_.GetText());
+        if (code == EN_CHANGE)
+            draft_.SetLocation(location_.GetText());
         return;
     }
     if (control == subjectList_.GetHwnd()) {
@@ -167,18 +174,32 @@ void AppointmentEditor::OnFieldCommand(HWND control, UINT code) {
 
 void AppointmentEditor::ActivateRow(Row row) {
     switch (row) {
-    case Row::Subject: SetFocus(subject_.GetHwnd()); return;
-    case Row::Location: SetFocus(location_.GetHwnd()); return;
-    case Row::Start: PickStart(false); return;
-    case Row::End: PickStart(true); return;
-    case Row::AllDay: draft_.SetAllDay(!draft_.Record().allDay); break;
-    case Row::Recurrence: OpenRecurrence(); return;
+    case Row::Subject:
+        SetFocus(subject_.GetHwnd());
+        return;
+    case Row::Location:
+        SetFocus(location_.GetHwnd());
+        return;
+    case Row::Start:
+        PickStart(false);
+        return;
+    case Row::End:
+        PickStart(true);
+        return;
+    case Row::AllDay:
+        draft_.SetAllDay(!draft_.Record().allDay);
+        break;
+    case Row::Recurrence:
+        OpenRecurrence();
+        return;
     case Row::Reminder: {
         OpenMenu(kReminder, ReminderChoice::Entries(draft_.Record().reminderSet, reminderKeys_),
                  Lang("addmodify.Reminder"));
         return;
     }
-    case Row::Categories: EditCategories(); return;
+    case Row::Categories:
+        EditCategories();
+        return;
     case Row::BusyStatus:
     case Row::Sensitivity: {
         std::vector<std::u16string> entries;
@@ -189,37 +210,55 @@ void AppointmentEditor::ActivateRow(Row row) {
                  busy ? draft_.Record().busyStatus : draft_.Record().sensitivity);
         return;
     }
-    case Row::Attendees: EditAttendees(); return;
-    case Row::Attachments: EditAttachments(); return;
-    case Row::Notes: EditNotes(); return;
+    case Row::Attendees:
+        EditAttendees();
+        return;
+    case Row::Attachments:
+        EditAttachments();
+        return;
+    case Row::Notes:
+        EditNotes();
+        return;
     }
     Fill();
 }
 
 void AppointmentEditor::OnMenuChoice(int menu, int index) {
-    if (index < 0) return;
+    if (index < 0)
+        return;
     switch (menu) {
     case kSubjects:
     case kLocations: {
-        if (index >= static_cast<int>(menuValues_.size())) return;
+        if (index >= static_cast<int>(menuValues_.size()))
+            return;
         TextFieldWnd& field = menu == kSubjects ? subject_ : location_;
         field.SetText(menuValues_[static_cast<size_t>(index)]);
-        if (menu == kSubjects) draft_.SetSubject(field.GetText());
-        else draft_.SetLocation(field.GetText());
+        if (menu == kSubjects)
+            draft_.SetSubject(field.GetText());
+        else
+            draft_.SetLocation(field.GetText());
         return;
     }
     case kReminder: {
-        if (index >= static_cast<int>(reminderKeys_.size())) return;
+        if (index >= static_cast<int>(reminderKeys_.size()))
+            return;
         ReminderChoice::Choose(window, reminderKeys_[static_cast<size_t>(index)], draft_, [this] {
             Fill();
             UpdateWindow(window);
         });
         break;
     }
-    case kBusyStatus: draft_.SetBusyStatus(index); break;
-    case kSensitivity: draft_.SetSensitivity(index); break;
-    case kRecurrence: OnRecurrenceChoice(index); break;
-    default: return;
+    case kBusyStatus:
+        draft_.SetBusyStatus(index);
+        break;
+    case kSensitivity:
+        draft_.SetSensitivity(index);
+        break;
+    case kRecurrence:
+        OnRecurrenceChoice(index);
+        break;
+    default:
+        return;
     }
     Fill();
 }
@@ -229,23 +268,28 @@ void AppointmentEditor::OnRecurrenceChoice(int index) {
     if (index == 0) {
         const auto pattern =
             RecurrenceEditorPage::Edit(window, draft_.Record().recurrence, DateTime(draft_.Record().start));
-        if (pattern) draft_.SetRecurrence(*pattern);
+        if (pattern)
+            draft_.SetRecurrence(*pattern);
         return;
     }
     const auto keys = EditorTexts::RecurrenceEndKeys();
-    if (static_cast<size_t>(index - 1) >= keys.size()) return;
+    if (static_cast<size_t>(index - 1) >= keys.size())
+        return;
     const auto end = RecurrenceEndChoice::Ask(window, keys[static_cast<size_t>(index - 1)],
                                               draft_.Record().recurrence, draft_.Record().start);
-    if (end) draft_.SetRecurrenceEnd(end->count, end->date);
+    if (end)
+        draft_.SetRecurrenceEnd(end->count, end->date);
 }
 
 void AppointmentEditor::PickStart(bool end) {
     const PimRecord& r = draft_.Record();
     DateTime initial(end ? r.end : r.start);
-    if (end && r.allDay && r.end > r.start) initial = DateTime(r.end - 1.0);
+    if (end && r.allDay && r.end > r.start)
+        initial = DateTime(r.end - 1.0);
     std::optional<DateTime> chosen =
         r.allDay ? DatePickerPage::Pick(window, initial) : DateTimePickerPage::Pick(window, initial);
-    if (!chosen) return;
+    if (!chosen)
+        return;
     if (!(end ? draft_.SetEnd(*chosen) : draft_.SetStart(*chosen))) {
         MessagePage::Tell(window, Lang("editor.DateOutOfRange"));
         return;
@@ -254,14 +298,16 @@ void AppointmentEditor::PickStart(bool end) {
 }
 
 void AppointmentEditor::OpenRecurrence() {
-    if (draft_.GetMode() == AppointmentDraft::Mode::Occurrence) return; // one occurrence has no pattern of its own
+    if (draft_.GetMode() == AppointmentDraft::Mode::Occurrence)
+        return; // one occurrence has no pattern of its own
     if (draft_.RuleNotEditable()) {
         MessagePage::Tell(window, Lang("editor.RuleKept"));
         return;
     }
     std::vector<std::u16string> entries{Lang("addmodify.EditPattern")};
     if (draft_.Record().isRecurring)
-        for (const char* key : EditorTexts::RecurrenceEndKeys()) entries.push_back(Lang(key));
+        for (const char* key : EditorTexts::RecurrenceEndKeys())
+            entries.push_back(Lang(key));
     if (entries.size() == 1) {
         OnMenuChoice(kRecurrence, 0);
         return;
@@ -272,28 +318,32 @@ void AppointmentEditor::OpenRecurrence() {
 void AppointmentEditor::EditNotes() {
     const auto text = TextEntryPage::Edit(window, Lang("addmodify.Notes"), draft_.Record().body, true,
                                           AppointmentDraft::kMaxNotes);
-    if (!text) return;
+    if (!text)
+        return;
     draft_.SetNotes(*text);
     Fill();
 }
 
 void AppointmentEditor::EditCategories() {
     const auto categories = CategoryPickerPage::Pick(window, draft_.Record().categories);
-    if (!categories) return;
+    if (!categories)
+        return;
     draft_.SetCategories(*categories);
     Fill();
 }
 
 void AppointmentEditor::EditAttendees() {
     const auto people = AttendeeDialog::Edit(window, draft_.Record().attendees);
-    if (!people) return;
+    if (!people)
+        return;
     draft_.SetAttendees(*people);
     Fill();
 }
 
 void AppointmentEditor::EditAttachments() {
     const auto attachments = AttachmentsPage::Edit(window, draft_.Record().attachments);
-    if (!attachments) return;
+    if (!attachments)
+        return;
     draft_.SetAttachments(*attachments);
     Fill();
 }
@@ -301,11 +351,13 @@ void AppointmentEditor::EditAttachments() {
 void AppointmentEditor::Reload() {
     PimSource* source = PimStore::Instance().Source();
     PimRecord fresh;
-    if (!source || !source->GetItemFromOid(draft_.Original().oid, fresh)) return;
+    if (!source || !source->GetItemFromOid(draft_.Original().oid, fresh))
+        return;
     const AppointmentDraft::Mode mode = draft_.GetMode();
     if (mode == AppointmentDraft::Mode::Occurrence) {
         const double length = draft_.Original().end - draft_.Original().start;
-        draft_ = AppointmentDraft::ForRecord(fresh, mode, draft_.OccurrenceStart(), draft_.OccurrenceStart() + length);
+        draft_ = AppointmentDraft::ForRecord(fresh, mode, draft_.OccurrenceStart(),
+                                             draft_.OccurrenceStart() + length);
     } else {
         draft_ = AppointmentDraft::ForRecord(fresh, mode);
     }
@@ -323,11 +375,13 @@ ItemSaver::Outcome AppointmentEditor::Save() {
 
 void AppointmentEditor::OnCancel() {
     // A duplicate exists only for this editor: Cancel takes it back.
-    if (draft_.GetMode() == AppointmentDraft::Mode::Duplicate) AppointmentSaver::RemoveCopy(draft_.Original().oid);
+    if (draft_.GetMode() == AppointmentDraft::Mode::Duplicate)
+        AppointmentSaver::RemoveCopy(draft_.Original().oid);
 }
 
 void AppointmentEditor::OnClosed() {
-    if (closeHandler_) closeHandler_(*this);
+    if (closeHandler_)
+        closeHandler_(*this);
 }
 
 } // namespace mirodate

@@ -28,7 +28,9 @@ public:
     // Creates the page over `owner` and shows it.
     HWND Open(HWND owner);
     // Called once the page has closed (saved, cancelled or discarded).
-    void SetCloseHandler(std::function<void(AppointmentEditor&)> handler) { closeHandler_ = std::move(handler); }
+    void SetCloseHandler(std::function<void(AppointmentEditor&)> handler) {
+        closeHandler_ = std::move(handler);
+    }
     // Called with each editor once it is shown (tests drive it through it).
     static void SetOpenObserver(std::function<void(AppointmentEditor& editor)> observer);
 

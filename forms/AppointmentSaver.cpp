@@ -16,9 +16,13 @@
 namespace mirodate {
 
 namespace {
-PimSource* Source() { return PimStore::Instance().Source(); }
+PimSource* Source() {
+    return PimStore::Instance().Source();
+}
 
-void Tell(HWND owner, const char* key) { ItemSaver::Tell(owner, key); }
+void Tell(HWND owner, const char* key) {
+    ItemSaver::Tell(owner, key);
+}
 } // namespace
 
 bool AppointmentSaver::ChangedSinceRead(const AppointmentDraft& draft, const PimRecord& current) {
@@ -42,13 +46,17 @@ AppointmentSaver::Outcome AppointmentSaver::Save(HWND owner, AppointmentDraft& d
         Tell(owner, "ItemNotSaved");
         return Outcome::Stay;
     }
-    if (draft.GetMode() == AppointmentDraft::Mode::New) return WriteNew(owner, draft);
+    if (draft.GetMode() == AppointmentDraft::Mode::New)
+        return WriteNew(owner, draft);
 
     const std::int32_t oid = draft.Original().oid;
     PimRecord current;
-    if (!source->GetItemFromOid(oid, current)) return OnDeleted(owner, draft);
-    if (ChangedSinceRead(draft, current)) return OnChangedOnDisk(owner, draft);
-    if (!draft.IsChanged()) return Outcome::Saved;
+    if (!source->GetItemFromOid(oid, current))
+        return OnDeleted(owner, draft);
+    if (ChangedSinceRead(draft, current))
+        return OnChangedOnDisk(owner, draft);
+    if (!draft.IsChanged())
+        return Outcome::Saved;
 
     // A series whose pattern the user did not change keeps its rule as
     // written: the store compares the pattern with the one it read.
@@ -57,12 +65,16 @@ AppointmentSaver::Outcome AppointmentSaver::Save(HWND owner, AppointmentDraft& d
                                   ? source->SaveOccurrence(oid, draft.OccurrenceStart(), &record)
                                   : source->Save(record, kFolderCalendar);
     switch (result) {
-    case SaveResult::Saved: AfterSave(owner, draft, oid); return Outcome::Saved;
+    case SaveResult::Saved:
+        AfterSave(owner, draft, oid);
+        return Outcome::Saved;
     case SaveResult::ChangedOnDisk:
         Announce(oid, source->GetItemKind(oid) == 0);
         return source->GetItemKind(oid) == 0 ? OnDeleted(owner, draft) : OnChangedOnDisk(owner, draft);
-    case SaveResult::NotFound: return OnDeleted(owner, draft);
-    case SaveResult::Failed: break;
+    case SaveResult::NotFound:
+        return OnDeleted(owner, draft);
+    case SaveResult::Failed:
+        break;
     }
     Tell(owner, "ItemNotSaved");
     return Outcome::Stay;
@@ -92,9 +104,12 @@ AppointmentSaver::Outcome AppointmentSaver::OnChangedOnDisk(HWND owner, Appointm
 
 AppointmentSaver::Outcome AppointmentSaver::OnDeleted(HWND owner, AppointmentDraft& draft) {
     switch (ItemSaver::Deleted(owner, draft.Original().oid, kFolderCalendar, "editor.ItemDeleted")) {
-    case ItemSaver::DeletedChoice::SaveAsNew: return WriteNew(owner, draft);
-    case ItemSaver::DeletedChoice::Discard: return Outcome::Discard;
-    case ItemSaver::DeletedChoice::Stay: break;
+    case ItemSaver::DeletedChoice::SaveAsNew:
+        return WriteNew(owner, draft);
+    case ItemSaver::DeletedChoice::Discard:
+        return Outcome::Discard;
+    case ItemSaver::DeletedChoice::Stay:
+        break;
     }
     return Outcome::Stay;
 }
@@ -102,7 +117,8 @@ AppointmentSaver::Outcome AppointmentSaver::OnDeleted(HWND owner, AppointmentDra
 void AppointmentSaver::AfterSave(HWND owner, const AppointmentDraft& draft, std::int32_t oid) {
     const PimRecord& record = draft.Record();
     // Every location typed into a saved appointment is offered next time.
-    if (!record.location.empty()) TemplateLists::AddLocation(record.location);
+    if (!record.location.empty())
+        TemplateLists::AddLocation(record.location);
     Announce(oid, false);
     if (draft.AttendeesChanged() && !AppointmentDraft::SplitPeople(record.attendees).empty() &&
         MessagePage::YesNo(owner, Lang("QuestionNotifyAttendees")))
@@ -112,21 +128,28 @@ void AppointmentSaver::AfterSave(HWND owner, const AppointmentDraft& draft, std:
 void AppointmentSaver::NotifyAttendees(HWND owner, const PimRecord& record) {
     std::vector<std::string> addresses;
     for (const auto& person : AppointmentDraft::SplitPeople(record.attendees))
-        if (person.address.find(u'@') != std::u16string::npos) addresses.push_back(Utf16ToUtf8(person.address));
-    if (addresses.empty()) return;
+        if (person.address.find(u'@') != std::u16string::npos)
+            addresses.push_back(Utf16ToUtf8(person.address));
+    if (addresses.empty())
+        return;
     const DateTime start(record.start), end(record.end);
     std::u16string when = Locale::FormatShortDate(start.ToSystemTime());
     if (!record.allDay)
         when += u" " + Locale::FormatShortTime(start.ToSystemTime()) + u" - " +
                 Locale::FormatShortTime(end.ToSystemTime());
     std::u16string body = record.subject + u"\n" + when;
-    if (!record.location.empty()) body += u"\n" + record.location;
+    if (!record.location.empty())
+        body += u"\n" + record.location;
     if (!PlatformServices::Instance().SendMailTo(addresses, Utf16ToUtf8(record.subject), Utf16ToUtf8(body)))
         Tell(owner, "editor.MailNotStarted");
 }
 
-void AppointmentSaver::RemoveCopy(std::int32_t oid) { ItemSaver::RemoveCopy(oid, kFolderCalendar); }
+void AppointmentSaver::RemoveCopy(std::int32_t oid) {
+    ItemSaver::RemoveCopy(oid, kFolderCalendar);
+}
 
-void AppointmentSaver::Announce(std::int32_t oid, bool deleted) { ItemSaver::Announce(oid, deleted, kFolderCalendar); }
+void AppointmentSaver::Announce(std::int32_t oid, bool deleted) {
+    ItemSaver::Announce(oid, deleted, kFolderCalendar);
+}
 
 } // namespace mirodate

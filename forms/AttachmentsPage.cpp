@@ -24,7 +24,8 @@ std::function<void(AttachmentsPage&)>& OpenObserver() {
 AttachmentsPage::AttachmentsPage(std::vector<std::u16string> attachments)
     : ListEntryPage("addmodify.Attachments", kFieldId, AttachmentUri::kMaxTyped, FieldPlace::AboveList),
       attachments_(std::move(attachments)) {
-    if (attachments_.size() > kMaxAttachments) attachments_.resize(kMaxAttachments);
+    if (attachments_.size() > kMaxAttachments)
+        attachments_.resize(kMaxAttachments);
 }
 AttachmentsPage::~AttachmentsPage() = default;
 
@@ -32,9 +33,11 @@ void AttachmentsPage::SetOpenObserver(std::function<void(AttachmentsPage&)> obse
     OpenObserver() = std::move(observer);
 }
 
-std::optional<std::vector<std::u16string>> AttachmentsPage::Edit(HWND owner, std::vector<std::u16string> attachments) {
+std::optional<std::vector<std::u16string>> AttachmentsPage::Edit(HWND owner,
+                                                                 std::vector<std::u16string> attachments) {
     AttachmentsPage page(std::move(attachments));
-    if (page.DoModal(owner) != IDOK) return std::nullopt;
+    if (page.DoModal(owner) != IDOK)
+        return std::nullopt;
     return page.attachments_;
 }
 
@@ -53,25 +56,30 @@ bool AttachmentsPage::Add(const std::u16string& typed) {
 
 bool AttachmentsPage::OpenAttachment(const std::u16string& uri) {
     const std::string path = AttachmentUri::LocalPath(uri);
-    if (!path.empty()) return PlatformServices::Instance().OpenPath(path);
+    if (!path.empty())
+        return PlatformServices::Instance().OpenPath(path);
     return AttachmentUri::IsWebAddress(uri) && PlatformServices::Instance().OpenUrl(Utf16ToUtf8(uri));
 }
 
 void AttachmentsPage::Choose(int index) {
-    if (index < 0 || index >= static_cast<int>(attachments_.size())) return;
+    if (index < 0 || index >= static_cast<int>(attachments_.size()))
+        return;
     const std::u16string uri = attachments_[static_cast<size_t>(index)];
     const std::string path = AttachmentUri::LocalPath(uri);
     const std::u16string where = path.empty() ? uri : Utf8ToUtf16(path);
-    switch (MessagePage::Ask(window, Lang("File") + u"\n" + where,
-                             {Lang("editor.OpenAttachment"), Lang("editor.RemoveAttachment"), Lang("Cancel")})) {
+    switch (
+        MessagePage::Ask(window, Lang("File") + u"\n" + where,
+                         {Lang("editor.OpenAttachment"), Lang("editor.RemoveAttachment"), Lang("Cancel")})) {
     case kAnswerOpen:
-        if (!OpenAttachment(uri)) MessagePage::Tell(window, Lang("editor.CannotOpen"));
+        if (!OpenAttachment(uri))
+            MessagePage::Tell(window, Lang("editor.CannotOpen"));
         break;
     case kAnswerRemove:
         attachments_.erase(attachments_.begin() + index);
         Fill();
         break;
-    default: break;
+    default:
+        break;
     }
 }
 
@@ -83,7 +91,8 @@ void AttachmentsPage::Fill() {
                 // a web address is all said on the first line.
                 const std::string path = AttachmentUri::LocalPath(attachments_[i]);
                 List().AddItem(std::make_unique<TwoLineRow>(
-                    kCmdRowBase + static_cast<UINT>(i), u"[FILE] " + AttachmentUri::DisplayName(attachments_[i]),
+                    kCmdRowBase + static_cast<UINT>(i),
+                    u"[FILE] " + AttachmentUri::DisplayName(attachments_[i]),
                     path.empty() ? std::u16string() : Utf8ToUtf16(path), *font_, *bold_, width));
             }
         },
@@ -91,12 +100,14 @@ void AttachmentsPage::Fill() {
 }
 
 void AttachmentsPage::OnDeferredCommand(UINT id) {
-    if (id >= kCmdRowBase && id < kCmdRowBase + attachments_.size()) Choose(static_cast<int>(id - kCmdRowBase));
+    if (id >= kCmdRowBase && id < kCmdRowBase + attachments_.size())
+        Choose(static_cast<int>(id - kCmdRowBase));
 }
 
 void AttachmentsPage::OnDialogReady() {
     ListEntryPage::OnDialogReady();
-    if (OpenObserver()) OpenObserver()(*this);
+    if (OpenObserver())
+        OpenObserver()(*this);
 }
 
 } // namespace mirodate

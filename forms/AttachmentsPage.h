@@ -26,7 +26,8 @@ public:
     explicit AttachmentsPage(std::vector<std::u16string> attachments);
     ~AttachmentsPage() override;
 
-    static std::optional<std::vector<std::u16string>> Edit(HWND owner, std::vector<std::u16string> attachments);
+    static std::optional<std::vector<std::u16string>> Edit(HWND owner,
+                                                           std::vector<std::u16string> attachments);
     static void SetOpenObserver(std::function<void(AttachmentsPage& page)> observer);
 
     const std::vector<std::u16string>& Attachments() const { return attachments_; }

@@ -29,7 +29,8 @@ std::function<void(AttendeeDialog&)>& OpenObserver() {
 
 std::u16string Trim(const std::u16string& text) {
     const auto first = text.find_first_not_of(u" \t\"");
-    if (first == std::u16string::npos) return {};
+    if (first == std::u16string::npos)
+        return {};
     return text.substr(first, text.find_last_not_of(u" \t\"") - first + 1);
 }
 
@@ -54,15 +55,16 @@ private:
 // drawn: a long address book costs only the rows the user scrolls to.
 class ContactRow : public TouchListItem {
 public:
-    ContactRow(UINT command, const AppointmentDraft::Person& person, const Font& font, const Font& bold, int width,
-               int height)
+    ContactRow(UINT command, const AppointmentDraft::Person& person, const Font& font, const Font& bold,
+               int width, int height)
         : command_(command), person_(person), font_(font), bold_(bold), width_(width), height_(height) {}
     void Draw(Dc& dc, const RECT& rect) override {
         if (plus_.IsEmpty()) {
             plus_ = TextLayout(u"+", bold_, width_, false);
             const int room = std::max(1, width_ - Scale(3 * kIndent) - plus_.Width());
             name_ = TextLayout(person_.name.empty() ? person_.address : person_.name, bold_, room, false);
-            address_ = TextLayout(person_.name.empty() ? std::u16string() : person_.address, font_, room, false);
+            address_ =
+                TextLayout(person_.name.empty() ? std::u16string() : person_.address, font_, room, false);
         }
         const AddModifyFormStyle& style = SkinStyles::Current().addModifyForm;
         dc.FillRect(rect, highlighted_ ? style.colorSelectionMark : style.colorBg2);
@@ -71,11 +73,13 @@ public:
         const int top = rect.top + (rect.Height() - name_.Height() - address_.Height()) / 2;
         name_.Draw(dc, rect.left + Scale(kIndent), top, ink);
         address_.Draw(dc, rect.left + Scale(kIndent), top + name_.Height(), ink);
-        plus_.Draw(dc, rect.right - Scale(kIndent) - plus_.Width(), rect.top + (rect.Height() - plus_.Height()) / 2,
-                   ink);
+        plus_.Draw(dc, rect.right - Scale(kIndent) - plus_.Width(),
+                   rect.top + (rect.Height() - plus_.Height()) / 2, ink);
     }
     int Height() const override { return height_; }
-    void Click(HWND list, int, int) override { PostMessage(GetParent(list), WM_DEFERRED_COMMAND, command_, 0); }
+    void Click(HWND list, int, int) override {
+        PostMessage(GetParent(list), WM_DEFERRED_COMMAND, command_, 0);
+    }
 
 private:
     UINT command_;
@@ -93,7 +97,8 @@ private:
 std::u16string SortKey(const AppointmentDraft::Person& person) {
     std::u16string key = person.name.empty() ? person.address : person.name;
     for (char16_t& c : key)
-        if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c - u'A' + u'a');
+        if (c >= u'A' && c <= u'Z')
+            c = static_cast<char16_t>(c - u'A' + u'a');
     return key;
 }
 } // namespace
@@ -109,19 +114,23 @@ std::vector<AppointmentDraft::Person> AttendeeDialog::ContactAddresses() {
     PimSource* source = PimStore::Instance().Source();
     std::unique_ptr<PimFolder> folder = source ? source->GetDefaultFolder(kFolderContacts) : nullptr;
     std::unique_ptr<PimItems> items = folder ? folder->GetItems() : nullptr;
-    if (!items) return found;
+    if (!items)
+        return found;
     PimRecord record;
     const int count = items->GetCount();
     for (int i = 0; i < count; ++i) {
-        if (!items->Item(i, record)) continue;
+        if (!items->Item(i, record))
+            continue;
         for (const std::u16string& address : record.emails) {
             AppointmentDraft::Person person;
             // What a card holds is checked as a typed address is.
-            if (!ParseEntry(address, person)) continue;
+            if (!ParseEntry(address, person))
+                continue;
             person.name = record.subject.substr(0, kMaxEntry);
             // The separators of the people text cannot stand in a name.
             for (char16_t& c : person.name)
-                if (c == u'|' || c == u'~') c = u' ';
+                if (c == u'|' || c == u'~')
+                    c = u' ';
             found.push_back(std::move(person));
         }
     }
@@ -135,21 +144,26 @@ void AttendeeDialog::UpdateChoices() {
     const std::u16string typed = Field().GetHwnd() ? Field().GetText() : std::u16string();
     TextMatcher matcher(typed.substr(0, kMaxEntry));
     for (const AppointmentDraft::Person& contact : contacts_) {
-        if (choices_.size() >= kMaxContactRows) break;
-        const bool invited = std::any_of(people_.begin(), people_.end(), [&](const AppointmentDraft::Person& p) {
-            return p.address == contact.address;
-        });
-        if (invited) continue;
-        if (!matcher.IsEmpty() && !matcher.Contains(contact.name) && !matcher.Contains(contact.address)) continue;
+        if (choices_.size() >= kMaxContactRows)
+            break;
+        const bool invited =
+            std::any_of(people_.begin(), people_.end(),
+                        [&](const AppointmentDraft::Person& p) { return p.address == contact.address; });
+        if (invited)
+            continue;
+        if (!matcher.IsEmpty() && !matcher.Contains(contact.name) && !matcher.Contains(contact.address))
+            continue;
         choices_.push_back(contact);
     }
 }
 
 void AttendeeDialog::AddContact(int index) {
-    if (index < 0 || index >= static_cast<int>(choices_.size()) || people_.size() >= kMaxPeople) return;
+    if (index < 0 || index >= static_cast<int>(choices_.size()) || people_.size() >= kMaxPeople)
+        return;
     people_.push_back(choices_[static_cast<size_t>(index)]);
     // The typed text only looked for this contact.
-    if (Field().GetHwnd()) Field().SetText(u"");
+    if (Field().GetHwnd())
+        Field().SetText(u"");
     Fill();
 }
 AttendeeDialog::~AttendeeDialog() = default;
@@ -160,7 +174,8 @@ void AttendeeDialog::SetOpenObserver(std::function<void(AttendeeDialog&)> observ
 
 std::optional<std::u16string> AttendeeDialog::Edit(HWND owner, const std::u16string& people) {
     AttendeeDialog page(people);
-    if (page.DoModal(owner) != IDOK) return std::nullopt;
+    if (page.DoModal(owner) != IDOK)
+        return std::nullopt;
     return page.Value();
 }
 
@@ -174,12 +189,14 @@ bool AttendeeDialog::ParseEntry(const std::u16string& raw, AppointmentDraft::Per
         address = Trim(text.substr(open + 1, close - open - 1));
         name = Trim(text.substr(0, open));
     }
-    if (address.size() >= 7 && (address.compare(0, 7, u"mailto:") == 0 || address.compare(0, 7, u"MAILTO:") == 0))
+    if (address.size() >= 7 &&
+        (address.compare(0, 7, u"mailto:") == 0 || address.compare(0, 7, u"MAILTO:") == 0))
         address.erase(0, 7);
     const auto at = address.find(u'@');
     // One "@" with something on both sides, and no blank inside.
     if (at == std::u16string::npos || at == 0 || at + 1 >= address.size() ||
-        address.find(u'@', at + 1) != std::u16string::npos || address.find_first_of(u" \t,;") != std::u16string::npos)
+        address.find(u'@', at + 1) != std::u16string::npos ||
+        address.find_first_of(u" \t,;") != std::u16string::npos)
         return false;
     person.name = name;
     person.address = address;
@@ -192,19 +209,23 @@ bool AttendeeDialog::Add(const std::u16string& text) {
         MessagePage::Tell(window, Lang("editor.BadAddress"));
         return false;
     }
-    const bool known = std::any_of(people_.begin(), people_.end(),
-                                   [&](const AppointmentDraft::Person& p) { return p.address == person.address; });
-    if (!known && people_.size() < kMaxPeople) people_.push_back(person);
+    const bool known = std::any_of(people_.begin(), people_.end(), [&](const AppointmentDraft::Person& p) {
+        return p.address == person.address;
+    });
+    if (!known && people_.size() < kMaxPeople)
+        people_.push_back(person);
     Fill();
     return true;
 }
 
 void AttendeeDialog::Remove(int index) {
-    if (index < 0 || index >= static_cast<int>(people_.size())) return;
+    if (index < 0 || index >= static_cast<int>(people_.size()))
+        return;
     const AppointmentDraft::Person& person = people_[static_cast<size_t>(index)];
     std::u16string question = Lang("editor.RemoveAttendee");
     question += u"\n" + (person.name.empty() ? person.address : person.name + u" <" + person.address + u">");
-    if (!MessagePage::YesNo(window, question)) return;
+    if (!MessagePage::YesNo(window, question))
+        return;
     people_.erase(people_.begin() + index);
     Fill();
 }
@@ -220,21 +241,23 @@ void AttendeeDialog::Fill() {
                     person.name.empty() ? std::u16string() : person.address, *font_, *bold_, width));
             }
             UpdateChoices();
-            if (choices_.empty()) return;
+            if (choices_.empty())
+                return;
             List().AddItem(std::make_unique<SectionRow>(Lang("editor.FromContacts"), *bold_, width));
-            const int lines =
-                TextLayout(u"Ag", *bold_, width, false).Height() + TextLayout(u"Ag", *font_, width, false).Height();
+            const int lines = TextLayout(u"Ag", *bold_, width, false).Height() +
+                              TextLayout(u"Ag", *font_, width, false).Height();
             const int height = std::max(Scale(kRowHeight), lines + Scale(kIndent));
             for (size_t i = 0; i < choices_.size(); ++i)
-                List().AddItem(std::make_unique<ContactRow>(kCmdContactBase + static_cast<UINT>(i), choices_[i],
-                                                            *font_, *bold_, width, height));
+                List().AddItem(std::make_unique<ContactRow>(kCmdContactBase + static_cast<UINT>(i),
+                                                            choices_[i], *font_, *bold_, width, height));
         },
         false);
 }
 
 void AttendeeDialog::OnControl(HWND control, UINT code) {
     if (IsAddCommand(control, code)) {
-        if (AddTyped()) Fill();
+        if (AddTyped())
+            Fill();
     } else if (control == Field().GetHwnd() && code == EN_CHANGE && !contacts_.empty()) {
         // The contacts narrow to what is typed.
         Fill();
@@ -242,14 +265,16 @@ void AttendeeDialog::OnControl(HWND control, UINT code) {
 }
 
 void AttendeeDialog::OnDeferredCommand(UINT id) {
-    if (id >= kCmdRowBase && id < kCmdRowBase + people_.size()) Remove(static_cast<int>(id - kCmdRowBase));
+    if (id >= kCmdRowBase && id < kCmdRowBase + people_.size())
+        Remove(static_cast<int>(id - kCmdRowBase));
     else if (id >= kCmdContactBase && id < kCmdContactBase + choices_.size())
         AddContact(static_cast<int>(id - kCmdContactBase));
 }
 
 void AttendeeDialog::OnDialogReady() {
     ListEntryPage::OnDialogReady();
-    if (OpenObserver()) OpenObserver()(*this);
+    if (OpenObserver())
+        OpenObserver()(*this);
 }
 
 } // namespace mirodate

@@ -3,11 +3,11 @@
 #include "data/Categories.h"
 #include "data/FilterList.h"
 #include "data/PimStore.h"
+#include "forms/FormPainter.h"
 #include "lang/LanguageTable.h"
 #include "platform/Settings.h"
 #include "platform/VirtualKeys.h"
 #include "skin/SkinStyles.h"
-#include "forms/FormPainter.h"
 #include "ui/Dc.h"
 #include "ui/Scale.h"
 #include "ui/ScreenBars.h"
@@ -39,8 +39,10 @@ public:
         selection_ = style.colorSelectionMark;
         // The value keeps its natural width (at most a third); the label takes the rest.
         value_ = TextLayout(value, font, 0, false);
-        if (value_.Width() > width / 3) value_ = TextLayout(value, font, width / 3, false);
-        label_ = TextLayout(label, font, std::max(1, width - value_.Width() - Scale(kSwatch + 5 * kMargin)), false);
+        if (value_.Width() > width / 3)
+            value_ = TextLayout(value, font, width / 3, false);
+        label_ = TextLayout(label, font, std::max(1, width - value_.Width() - Scale(kSwatch + 5 * kMargin)),
+                            false);
     }
     void Draw(Dc& dc, const RECT& rect) override {
         dc.FillRect(rect, highlighted_ ? selection_ : background_);
@@ -53,8 +55,8 @@ public:
         }
         left += Scale(kSwatch + kMargin);
         label_.Draw(dc, left, rect.top + (rect.Height() - label_.Height()) / 2, ink);
-        value_.Draw(dc, rect.right - Scale(kMargin) - value_.Width(), rect.top + (rect.Height() - value_.Height()) / 2,
-                    ink);
+        value_.Draw(dc, rect.right - Scale(kMargin) - value_.Width(),
+                    rect.top + (rect.Height() - value_.Height()) / 2, ink);
     }
     int Height() const override { return Scale(kRowHeight); }
     void Click(HWND, int, int) override { dialog_.ToggleRow(index_); }
@@ -70,12 +72,17 @@ private:
 
 std::u16string StateText(CategoryFilterDialog::State state) {
     switch (state) {
-    case CategoryFilterDialog::State::Shown: return Lang("filter.Show");
-    case CategoryFilterDialog::State::Hidden: return Lang("filter.Hide");
-    default: return u"\u2013";
+    case CategoryFilterDialog::State::Shown:
+        return Lang("filter.Show");
+    case CategoryFilterDialog::State::Hidden:
+        return Lang("filter.Hide");
+    default:
+        return u"\u2013";
     }
 }
-std::u16string SwitchText(bool on) { return on ? u"\u2611" : u"\u2610"; }
+std::u16string SwitchText(bool on) {
+    return on ? u"\u2611" : u"\u2610";
+}
 } // namespace
 
 CategoryFilterDialog::CategoryFilterDialog() {
@@ -92,8 +99,10 @@ CategoryFilterDialog::CategoryFilterDialog() {
         Entry entry;
         entry.name = name;
         entry.hasColor = Categories::GetCategoryColor(name, entry.color);
-        if (listed(hidden, name)) entry.state = State::Hidden;
-        else if (listed(shown, name)) entry.state = State::Shown;
+        if (listed(hidden, name))
+            entry.state = State::Hidden;
+        else if (listed(shown, name))
+            entry.state = State::Shown;
         entries_.push_back(std::move(entry));
     }
 }
@@ -103,8 +112,10 @@ CategoryFilterDialog::~CategoryFilterDialog() = default;
 std::u16string CategoryFilterDialog::JoinNames(const std::vector<Entry>& entries, State state) {
     std::u16string text;
     for (const Entry& entry : entries) {
-        if (entry.state != state) continue;
-        if (!text.empty()) text += u',';
+        if (entry.state != state)
+            continue;
+        if (!text.empty())
+            text += u',';
         text += entry.name;
     }
     return text;
@@ -129,8 +140,8 @@ BOOL CategoryFilterDialog::OnInitDialog() {
     cancel_.Create(window, Lang("Cancel"), 2 * Scale(kMargin) + buttonWidth, buttonTop, buttonWidth,
                    Scale(kButtonHeight), IDCANCEL);
     for (ButtonWnd* button : {&ok_, &cancel_}) {
-        button->SetColors(form.buttons.colorButtonBg, form.buttons.colorButtonText, form.buttons.colorButtonBgPressed,
-                          form.buttons.colorButtonTextPressed);
+        button->SetColors(form.buttons.colorButtonBg, form.buttons.colorButtonText,
+                          form.buttons.colorButtonBgPressed, form.buttons.colorButtonTextPressed);
         button->SetGradient(form.buttons.colorButtonGradient, form.buttons.colorButtonGradientPressed);
     }
     Fill();
@@ -139,7 +150,8 @@ BOOL CategoryFilterDialog::OnInitDialog() {
 }
 
 void CategoryFilterDialog::Fill() {
-    if (!list_.GetHwnd()) return;
+    if (!list_.GetHwnd())
+        return;
     const int position = list_.Scroller().Position();
     list_.ClearItems();
     RECT client;
@@ -147,11 +159,12 @@ void CategoryFilterDialog::Fill() {
     const int width = client.Width();
     int index = 0;
     auto add = [&](std::u16string label, std::u16string value, std::optional<COLORREF> swatch) {
-        list_.AddItem(std::make_unique<FilterRow>(*this, index++, std::move(label), std::move(value), swatch, *font_,
-                                                  width));
+        list_.AddItem(std::make_unique<FilterRow>(*this, index++, std::move(label), std::move(value), swatch,
+                                                  *font_, width));
     };
     add(Lang("config.HideCompleteTasks"), SwitchText(config_.hideCompleteTasks), std::nullopt);
-    add(Lang("config.ShowContactsBirthdays"), SwitchText(config_.showBirthdays), Categories::GetBirthdayColor());
+    add(Lang("config.ShowContactsBirthdays"), SwitchText(config_.showBirthdays),
+        Categories::GetBirthdayColor());
     add(Lang("config.ShowContactsAnniversaries"), SwitchText(config_.showAnniversaries),
         Categories::GetAnniversaryColor());
     if (entries_.empty()) {
@@ -169,17 +182,27 @@ void CategoryFilterDialog::Fill() {
 
 void CategoryFilterDialog::ToggleRow(int index) {
     switch (index) {
-    case 0: config_.hideCompleteTasks = !config_.hideCompleteTasks; break;
-    case 1: config_.showBirthdays = !config_.showBirthdays; break;
-    case 2: config_.showAnniversaries = !config_.showAnniversaries; break;
+    case 0:
+        config_.hideCompleteTasks = !config_.hideCompleteTasks;
+        break;
+    case 1:
+        config_.showBirthdays = !config_.showBirthdays;
+        break;
+    case 2:
+        config_.showAnniversaries = !config_.showAnniversaries;
+        break;
     case 3:
-        for (Entry& entry : entries_) entry.state = State::Neutral;
+        for (Entry& entry : entries_)
+            entry.state = State::Neutral;
         break;
     default: {
         const size_t at = static_cast<size_t>(index - SwitchRowCount() - 1);
-        if (at >= entries_.size()) return;
+        if (at >= entries_.size())
+            return;
         State& state = entries_[at].state;
-        state = state == State::Neutral ? State::Shown : state == State::Shown ? State::Hidden : State::Neutral;
+        state = state == State::Neutral ? State::Shown
+                : state == State::Shown ? State::Hidden
+                                        : State::Neutral;
         break;
     }
     }
@@ -193,26 +216,33 @@ void CategoryFilterDialog::Apply() {
     Settings::SetBool("ShowContactsBirthdays", config_.showBirthdays);
     Settings::SetBool("ShowContactsAnniversaries", config_.showAnniversaries);
     PimStore::Instance().SetFilters(JoinNames(entries_, State::Hidden), JoinNames(entries_, State::Shown),
-                                    config_.hideCompleteTasks, config_.showBirthdays, config_.showAnniversaries);
+                                    config_.hideCompleteTasks, config_.showBirthdays,
+                                    config_.showAnniversaries);
     EndDialog(window, IDOK);
 }
 
 void CategoryFilterDialog::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     RECT client;
     GetClientRect(window, &client);
     FormPainter::PaintPage(*dc, client, Scale(kTitleHeight), font_.get(), Lang("filter.Title"));
 }
 
 void CategoryFilterDialog::OnCommand(UINT, UINT, HWND control) {
-    if (control == ok_.GetHwnd()) Apply();
-    else if (control == cancel_.GetHwnd()) EndDialog(window, IDCANCEL);
-    else if (!control) Fill();
+    if (control == ok_.GetHwnd())
+        Apply();
+    else if (control == cancel_.GetHwnd())
+        EndDialog(window, IDCANCEL);
+    else if (!control)
+        Fill();
 }
 
 void CategoryFilterDialog::OnKeyDown(UINT key, UINT) {
-    if (key == VK_RETURN) Apply();
-    else if (key == VK_ESCAPE) EndDialog(window, IDCANCEL);
+    if (key == VK_RETURN)
+        Apply();
+    else if (key == VK_ESCAPE)
+        EndDialog(window, IDCANCEL);
 }
 
 } // namespace mirodate

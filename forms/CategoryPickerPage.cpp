@@ -25,7 +25,8 @@ std::function<void(CategoryPickerPage&)>& OpenObserver() {
 
 std::u16string Trim(const std::u16string& text) {
     const auto first = text.find_first_not_of(u" \t");
-    if (first == std::u16string::npos) return {};
+    if (first == std::u16string::npos)
+        return {};
     return text.substr(first, text.find_last_not_of(u" \t") - first + 1);
 }
 
@@ -34,9 +35,11 @@ std::vector<std::u16string> SplitNames(const std::u16string& text) {
     std::size_t start = 0;
     while (start <= text.size()) {
         std::size_t end = text.find(u',', start);
-        if (end == std::u16string::npos) end = text.size();
+        if (end == std::u16string::npos)
+            end = text.size();
         const std::u16string name = Trim(text.substr(start, end - start));
-        if (!name.empty() && std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
+        if (!name.empty() && std::find(names.begin(), names.end(), name) == names.end())
+            names.push_back(name);
         start = end + 1;
     }
     return names;
@@ -59,13 +62,17 @@ public:
         dc.FillRect(RECT{rect.left, rect.bottom - 1, rect.right, rect.bottom}, style.colorLineSeparator);
         const COLORREF ink = highlighted_ ? style.colorTextSel : style.colorText;
         const int swatchTop = rect.top + (rect.Height() - Scale(kSwatch)) / 2;
-        const RECT box{rect.left + Scale(4), swatchTop, rect.left + Scale(4 + kSwatch), swatchTop + Scale(kSwatch)};
-        if (hasColor_) dc.FillRect(box, color_);
+        const RECT box{rect.left + Scale(4), swatchTop, rect.left + Scale(4 + kSwatch),
+                       swatchTop + Scale(kSwatch)};
+        if (hasColor_)
+            dc.FillRect(box, color_);
         dc.FrameRect(box, ink);
         text_.Draw(dc, box.right + Scale(6), rect.top + (rect.Height() - text_.Height()) / 2, ink);
     }
     int Height() const override { return Scale(kRowHeight); }
-    void Click(HWND list, int, int) override { PostMessage(GetParent(list), WM_DEFERRED_COMMAND, command_, 0); }
+    void Click(HWND list, int, int) override {
+        PostMessage(GetParent(list), WM_DEFERRED_COMMAND, command_, 0);
+    }
 
 private:
     UINT command_;
@@ -82,12 +89,14 @@ CategoryPickerPage::CategoryPickerPage(const std::u16string& current)
     Categories::LoadCategories(known);
     if (PimSource* source = PimStore::Instance().Source())
         for (const std::u16string& name : source->GetCategoryNames())
-            for (const std::u16string& part : SplitNames(name)) known.push_back(part);
+            for (const std::u16string& part : SplitNames(name))
+                known.push_back(part);
     std::sort(known.begin(), known.end());
     known.erase(std::unique(known.begin(), known.end()), known.end());
     names_ = known;
     chosen_.assign(names_.size(), false);
-    for (const std::u16string& name : SplitNames(current)) Toggle(name);
+    for (const std::u16string& name : SplitNames(current))
+        Toggle(name);
 }
 
 CategoryPickerPage::~CategoryPickerPage() = default;
@@ -98,7 +107,8 @@ void CategoryPickerPage::SetOpenObserver(std::function<void(CategoryPickerPage&)
 
 std::optional<std::u16string> CategoryPickerPage::Pick(HWND owner, const std::u16string& current) {
     CategoryPickerPage page(current);
-    if (page.DoModal(owner) != IDOK) return std::nullopt;
+    if (page.DoModal(owner) != IDOK)
+        return std::nullopt;
     return page.Value();
 }
 
@@ -111,7 +121,8 @@ void CategoryPickerPage::Toggle(const std::u16string& raw) {
     std::u16string name = Trim(raw).substr(0, kMaxName);
     // A comma would split the name in the item's category list.
     std::replace(name.begin(), name.end(), u',', u' ');
-    if (name.empty()) return;
+    if (name.empty())
+        return;
     const auto found = std::find(names_.begin(), names_.end(), name);
     if (found == names_.end()) {
         names_.push_back(name);
@@ -126,7 +137,8 @@ void CategoryPickerPage::Toggle(const std::u16string& raw) {
 std::u16string CategoryPickerPage::Value() const {
     std::u16string text;
     for (size_t i = 0; i < names_.size(); ++i)
-        if (chosen_[i]) text += (text.empty() ? u"" : u",") + names_[i];
+        if (chosen_[i])
+            text += (text.empty() ? u"" : u",") + names_[i];
     return text;
 }
 
@@ -134,26 +146,30 @@ void CategoryPickerPage::Fill() {
     FillList(
         [this](int width) {
             for (size_t i = 0; i < names_.size(); ++i)
-                List().AddItem(std::make_unique<CategoryRow>(kCmdRowBase + static_cast<UINT>(i), names_[i], chosen_[i],
-                                                             *font_, width));
+                List().AddItem(std::make_unique<CategoryRow>(kCmdRowBase + static_cast<UINT>(i), names_[i],
+                                                             chosen_[i], *font_, width));
         },
         true);
 }
 
 bool CategoryPickerPage::Add(const std::u16string& typed) {
     const std::u16string name = Trim(typed);
-    if (name.empty()) return false;
-    if (!IsChosen(name)) Toggle(name);
+    if (name.empty())
+        return false;
+    if (!IsChosen(name))
+        Toggle(name);
     return true;
 }
 
 void CategoryPickerPage::OnDeferredCommand(UINT id) {
-    if (id >= kCmdRowBase && id < kCmdRowBase + names_.size()) Toggle(names_[id - kCmdRowBase]);
+    if (id >= kCmdRowBase && id < kCmdRowBase + names_.size())
+        Toggle(names_[id - kCmdRowBase]);
 }
 
 void CategoryPickerPage::OnDialogReady() {
     ListEntryPage::OnDialogReady();
-    if (OpenObserver()) OpenObserver()(*this);
+    if (OpenObserver())
+        OpenObserver()(*this);
 }
 
 } // namespace mirodate

@@ -1,9 +1,9 @@
 #include "forms/ColorPickerPage.h"
 
+#include "forms/FormPainter.h"
 #include "lang/LanguageTable.h"
 #include "platform/VirtualKeys.h"
 #include "skin/SkinStyles.h"
-#include "forms/FormPainter.h"
 #include "ui/Dc.h"
 #include "ui/Scale.h"
 #include "ui/ScreenBars.h"
@@ -84,7 +84,8 @@ void ColorPickerPage::OnScreenReset() {
 }
 
 void ColorPickerPage::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     RECT client;
     GetClientRect(window, &client);
     FormPainter::PaintPage(*dc, client, Scale(kTitleHeight), font_.get(), title_);

@@ -4,6 +4,7 @@
 #include "data/PimStore.h"
 #include "data/TemplateLists.h"
 #include "forms/ColorPickerPage.h"
+#include "forms/FormPainter.h"
 #include "forms/TextListPage.h"
 #include "lang/LanguageTable.h"
 #include "platform/DefaultApps.h"
@@ -15,7 +16,6 @@
 #include "skin/SkinLoader.h"
 #include "skin/SkinStyles.h"
 #include "ui/ContextMenu.h"
-#include "forms/FormPainter.h"
 #include "ui/Dc.h"
 #include "ui/MessagePage.h"
 #include "ui/Scale.h"
@@ -408,7 +408,8 @@ void ConfigDialog::SetColour(int index, COLORREF color) {
 }
 
 void ConfigDialog::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     RECT client;
     GetClientRect(window, &client);
     FormPainter::PaintPage(*dc, client, Scale(kTitleHeight), font_.get(), Lang("config.Title"));

@@ -4,7 +4,8 @@
 // choice among values, a colour, one of the two default-program switches or
 // a "show tasks in" view switch, or a list edited as a whole text (the
 // subject templates and the locations); every value is written through
-// Settings as text, the lists through TemplateLists. Kept apart from the page so that the page only draws and reacts.
+// Settings as text, the lists through TemplateLists. Kept apart from the page so that the page only draws and
+// reacts.
 #include "platform/Types.h"
 
 #include <string>

@@ -24,11 +24,14 @@ std::function<void(DatePickerPage&)>& OpenObserver() {
 } // namespace
 
 DateTime ClampPickerDate(const DateTime& value) {
-    if (!value.IsValid()) return DateTime::Today();
+    if (!value.IsValid())
+        return DateTime::Today();
     const DateTime first(DatePickerGrid::kMinYear, 1, 1);
     const DateTime last(DatePickerGrid::kMaxYear, 12, 31, 23, 59, 59);
-    if (value < first) return first;
-    if (value > last) return last;
+    if (value < first)
+        return first;
+    if (value > last)
+        return last;
     return value;
 }
 
@@ -37,7 +40,8 @@ DatePickerPage::~DatePickerPage() = default;
 
 std::optional<DateTime> DatePickerPage::Pick(HWND owner, const DateTime& initial) {
     DatePickerPage page(initial);
-    if (page.DoModal(owner) != IDOK) return std::nullopt;
+    if (page.DoModal(owner) != IDOK)
+        return std::nullopt;
     return page.Value();
 }
 
@@ -47,7 +51,8 @@ void DatePickerPage::SetOpenObserver(std::function<void(DatePickerPage&)> observ
 
 void DatePickerPage::SetValue(const DateTime& value) {
     value_ = ClampPickerDate(value);
-    if (grid_.GetHwnd()) grid_.SetDate(value_.GetYear(), value_.GetMonth(), value_.GetDay());
+    if (grid_.GetHwnd())
+        grid_.SetDate(value_.GetYear(), value_.GetMonth(), value_.GetDay());
 }
 
 void DatePickerPage::FromGrid() {
@@ -57,11 +62,13 @@ void DatePickerPage::FromGrid() {
 }
 
 void DatePickerPage::Accept() {
-    if (window) EndDialog(window, IDOK);
+    if (window)
+        EndDialog(window, IDOK);
 }
 
 void DatePickerPage::Cancel() {
-    if (window) EndDialog(window, IDCANCEL);
+    if (window)
+        EndDialog(window, IDCANCEL);
 }
 
 BOOL DatePickerPage::OnInitDialog() {
@@ -82,18 +89,23 @@ void DatePickerPage::Layout() {
                std::max(1, content.bottom - valueRect_.bottom), true);
 }
 
-void DatePickerPage::OnScreenReset() { Layout(); }
+void DatePickerPage::OnScreenReset() {
+    Layout();
+}
 
 void DatePickerPage::OnDialogReady() {
-    if (OpenObserver()) OpenObserver()(*this);
+    if (OpenObserver())
+        OpenObserver()(*this);
 }
 
 void DatePickerPage::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     chrome_.Paint(*dc);
     // The chosen day written out, with its weekday.
     const SYSTEMTIME date = value_.ToSystemTime();
-    const std::u16string text = Locale::DayName(value_.GetDayOfWeek()) + u", " + Locale::FormatShortDate(date);
+    const std::u16string text =
+        Locale::DayName(value_.GetDayOfWeek()) + u", " + Locale::FormatShortDate(date);
     dc->SelectFont(valueFont_.get());
     dc->SetBkMode(TRANSPARENT);
     dc->SetTextColor(SkinStyles::Current().inputForms.colorItemText);
@@ -103,17 +115,25 @@ void DatePickerPage::OnPaint(HDC dc) {
 }
 
 void DatePickerPage::OnCommand(UINT id, UINT code, HWND control) {
-    if (chrome_.IsOk(control)) Accept();
-    else if (chrome_.IsCancel(control)) Cancel();
-    else if (id == kGridId && code == DatePickerGrid::kChanged) FromGrid();
+    if (chrome_.IsOk(control))
+        Accept();
+    else if (chrome_.IsCancel(control))
+        Cancel();
+    else if (id == kGridId && code == DatePickerGrid::kChanged)
+        FromGrid();
 }
 
 void DatePickerPage::OnKeyDown(UINT key, UINT) {
-    if (key == VK_RETURN) Accept();
-    else if (key == VK_ESCAPE) Cancel();
-    else grid_.HandleKey(key);
+    if (key == VK_RETURN)
+        Accept();
+    else if (key == VK_ESCAPE)
+        Cancel();
+    else
+        grid_.HandleKey(key);
 }
 
-void DatePickerPage::OnClose() { Cancel(); }
+void DatePickerPage::OnClose() {
+    Cancel();
+}
 
 } // namespace mirodate

@@ -32,7 +32,8 @@ DateTimePickerPage::~DateTimePickerPage() = default;
 
 std::optional<DateTime> DateTimePickerPage::Pick(HWND owner, const DateTime& initial) {
     DateTimePickerPage page(initial);
-    if (page.DoModal(owner) != IDOK) return std::nullopt;
+    if (page.DoModal(owner) != IDOK)
+        return std::nullopt;
     return page.Value();
 }
 
@@ -43,7 +44,8 @@ void DateTimePickerPage::SetOpenObserver(std::function<void(DateTimePickerPage&)
 void DateTimePickerPage::SetValue(const DateTime& value) {
     const DateTime clamped = ClampPickerDate(value);
     value_ = clamped;
-    if (!window) return;
+    if (!window)
+        return;
     grid_.SetDate(clamped.GetYear(), clamped.GetMonth(), clamped.GetDay());
     panel_.SetTime(clamped.GetHour(), clamped.GetMinute());
     value_ = clamped;
@@ -52,9 +54,9 @@ void DateTimePickerPage::SetValue(const DateTime& value) {
 void DateTimePickerPage::FromParts() {
     // The parts show whole minutes: seconds given with the value stay while
     // its minute is the one chosen, so an unchanged moment comes back as given.
-    const bool sameMinute = value_.IsValid() && value_.GetYear() == grid_.Year() && value_.GetMonth() == grid_.Month() &&
-                            value_.GetDay() == grid_.Day() && value_.GetHour() == panel_.Hour() &&
-                            value_.GetMinute() == panel_.Minute();
+    const bool sameMinute = value_.IsValid() && value_.GetYear() == grid_.Year() &&
+                            value_.GetMonth() == grid_.Month() && value_.GetDay() == grid_.Day() &&
+                            value_.GetHour() == panel_.Hour() && value_.GetMinute() == panel_.Minute();
     value_ = DateTime(grid_.Year(), grid_.Month(), grid_.Day(), panel_.Hour(), panel_.Minute(),
                       sameMinute ? value_.GetSecond() : 0);
     // The moment stands in the title band: the page needs every line below for its parts.
@@ -69,14 +71,16 @@ void DateTimePickerPage::FocusPart(int part) {
 }
 
 void DateTimePickerPage::Accept() {
-    if (!window) return;
+    if (!window)
+        return;
     panel_.Settle();
     FromParts();
     EndDialog(window, IDOK);
 }
 
 void DateTimePickerPage::Cancel() {
-    if (window) EndDialog(window, IDCANCEL);
+    if (window)
+        EndDialog(window, IDCANCEL);
 }
 
 BOOL DateTimePickerPage::OnInitDialog() {
@@ -103,14 +107,18 @@ void DateTimePickerPage::Layout() {
                std::max(1, room - gridHeight - margin), true);
 }
 
-void DateTimePickerPage::OnScreenReset() { Layout(); }
+void DateTimePickerPage::OnScreenReset() {
+    Layout();
+}
 
 void DateTimePickerPage::OnDialogReady() {
-    if (OpenObserver()) OpenObserver()(*this);
+    if (OpenObserver())
+        OpenObserver()(*this);
 }
 
 void DateTimePickerPage::OnPaint(HDC dc) {
-    if (dc) chrome_.Paint(*dc);
+    if (dc)
+        chrome_.Paint(*dc);
 }
 
 void DateTimePickerPage::OnCommand(UINT id, UINT code, HWND control) {
@@ -131,20 +139,33 @@ void DateTimePickerPage::OnCommand(UINT id, UINT code, HWND control) {
 
 void DateTimePickerPage::OnKeyDown(UINT key, UINT) {
     switch (key) {
-    case VK_RETURN: Accept(); return;
-    case VK_ESCAPE: Cancel(); return;
-    case VK_TAB: FocusPart(1 - focusedPart_); return;
+    case VK_RETURN:
+        Accept();
+        return;
+    case VK_ESCAPE:
+        Cancel();
+        return;
+    case VK_TAB:
+        FocusPart(1 - focusedPart_);
+        return;
     case VK_PRIOR:
-    case VK_NEXT: grid_.HandleKey(key); return;
-    default: break;
+    case VK_NEXT:
+        grid_.HandleKey(key);
+        return;
+    default:
+        break;
     }
     // Changing a part keeps the keys with it.
     const int part = focusedPart_;
-    if (part == 0) grid_.HandleKey(key);
-    else panel_.HandleKey(key);
+    if (part == 0)
+        grid_.HandleKey(key);
+    else
+        panel_.HandleKey(key);
     FocusPart(part);
 }
 
-void DateTimePickerPage::OnClose() { Cancel(); }
+void DateTimePickerPage::OnClose() {
+    Cancel();
+}
 
 } // namespace mirodate

@@ -28,7 +28,8 @@ EditorPage::~EditorPage() = default;
 
 HWND EditorPage::Open(HWND owner) {
     const HWND hwnd = CreateModeless(owner);
-    if (!hwnd) return nullptr;
+    if (!hwnd)
+        return nullptr;
     ShowWindow(hwnd, SW_SHOW);
     SetForegroundWindow(hwnd);
     return hwnd;
@@ -36,8 +37,8 @@ HWND EditorPage::Open(HWND owner) {
 
 void EditorPage::Style(ButtonWnd& button) {
     const InputFormsStyle& form = SkinStyles::Current().inputForms;
-    button.SetColors(form.buttons.colorButtonBg, form.buttons.colorButtonText, form.buttons.colorButtonBgPressed,
-                     form.buttons.colorButtonTextPressed);
+    button.SetColors(form.buttons.colorButtonBg, form.buttons.colorButtonText,
+                     form.buttons.colorButtonBgPressed, form.buttons.colorButtonTextPressed);
     button.SetGradient(form.buttons.colorButtonGradient, form.buttons.colorButtonGradientPressed);
 }
 
@@ -82,38 +83,47 @@ void EditorPage::Layout() {
     InvalidateRect(window, nullptr, false);
 }
 
-void EditorPage::OnScreenReset() { Layout(); }
+void EditorPage::OnScreenReset() {
+    Layout();
+}
 
 void EditorPage::Fill() {
-    if (!list_.GetHwnd()) return;
+    if (!list_.GetHwnd())
+        return;
     const int position = list_.Scroller().Position();
     list_.ClearItems();
     RECT client;
     GetClientRect(list_.GetHwnd(), &client);
     const std::vector<RowText> rows = RowTexts();
     for (std::size_t i = 0; i < rows.size() && i < kCmdLimit; ++i)
-        list_.AddItem(std::make_unique<EditorRow>(kCmdRowBase + static_cast<UINT>(i), rows[i].label, rows[i].value,
-                                                  rows[i].twoLine, i % 2 == 1, *font_, *bold_, client.Width()));
+        list_.AddItem(std::make_unique<EditorRow>(kCmdRowBase + static_cast<UINT>(i), rows[i].label,
+                                                  rows[i].value, rows[i].twoLine, i % 2 == 1, *font_, *bold_,
+                                                  client.Width()));
     list_.Relayout();
     list_.Scroller().SetPosition(position);
     list_.RefreshViewport();
 }
 
 void EditorPage::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     RECT client;
     GetClientRect(window, &client);
     FormPainter::PaintPage(*dc, client, Scale(kTitleHeight), bold_.get(), Title());
 }
 
 void EditorPage::OnCommand(UINT id, UINT code, HWND control) {
-    if (control == ok_.GetHwnd() || (!control && id == IDOK)) Ok();
-    else if (control == cancel_.GetHwnd() || (!control && id == IDCANCEL)) Cancel();
-    else if (control) OnFieldCommand(control, code);
+    if (control == ok_.GetHwnd() || (!control && id == IDOK))
+        Ok();
+    else if (control == cancel_.GetHwnd() || (!control && id == IDCANCEL))
+        Cancel();
+    else if (control)
+        OnFieldCommand(control, code);
 }
 
 void EditorPage::OnKeyDown(UINT key, UINT) {
-    if (key == VK_ESCAPE) Cancel();
+    if (key == VK_ESCAPE)
+        Cancel();
 }
 
 INT_PTR EditorPage::DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -125,47 +135,63 @@ INT_PTR EditorPage::DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lP
     return DialogWnd::DialogProc(hwnd, message, wParam, lParam);
 }
 
-void EditorPage::OnClose() { Cancel(); }
+void EditorPage::OnClose() {
+    Cancel();
+}
 
 void EditorPage::OpenMenu(int menu, const std::vector<std::u16string>& entries, const std::u16string& header,
                           int current) {
-    if (entries.empty()) return;
+    if (entries.empty())
+        return;
     menu_ = menu;
     std::vector<ContextMenuItem> items;
     for (size_t i = 0; i < entries.size() && i < kCmdLimit; ++i)
         items.push_back({entries[i], kCmdMenuBase + static_cast<UINT>(i), static_cast<int>(i) == current});
-    auto* contextMenu = new ContextMenu(this, std::move(items), 0); // owned by our deferred command, or by itself
-    if (current >= 0) contextMenu->SetPreselected(current);
+    auto* contextMenu =
+        new ContextMenu(this, std::move(items), 0); // owned by our deferred command, or by itself
+    if (current >= 0)
+        contextMenu->SetPreselected(current);
     contextMenu->SetHeaderText(header);
     contextMenu->Open();
 }
 
 void EditorPage::OnDeferredCommand(UINT id) {
-    if (closed_) return;
+    if (closed_)
+        return;
     if (id >= kCmdMenuBase && id < kCmdMenuBase + kCmdLimit) {
         const int menu = menu_;
         menu_ = 0;
-        if (menu != 0) OnMenuChoice(menu, static_cast<int>(id - kCmdMenuBase));
+        if (menu != 0)
+            OnMenuChoice(menu, static_cast<int>(id - kCmdMenuBase));
         return;
     }
-    if (id >= kCmdRowBase && id < kCmdRowBase + kCmdLimit) OnRowTap(id - kCmdRowBase);
+    if (id >= kCmdRowBase && id < kCmdRowBase + kCmdLimit)
+        OnRowTap(id - kCmdRowBase);
 }
 
 void EditorPage::Ok() {
-    if (closed_) return;
+    if (closed_)
+        return;
     switch (Save()) {
     case ItemSaver::Outcome::Saved:
         saved_ = true;
         Close();
         return;
-    case ItemSaver::Outcome::Reload: Reload(); return;
-    case ItemSaver::Outcome::Discard: Close(); return;
-    case ItemSaver::Outcome::Stay: Fill(); return;
+    case ItemSaver::Outcome::Reload:
+        Reload();
+        return;
+    case ItemSaver::Outcome::Discard:
+        Close();
+        return;
+    case ItemSaver::Outcome::Stay:
+        Fill();
+        return;
     }
 }
 
 void EditorPage::Cancel() {
-    if (closed_) return;
+    if (closed_)
+        return;
     OnCancel();
     Close();
 }

@@ -17,7 +17,8 @@ constexpr std::size_t kShownValue = 160;
 std::u16string Shown(const std::u16string& text) {
     std::u16string out = text.substr(0, kShownValue);
     for (char16_t& c : out)
-        if (c == u'\r' || c == u'\n' || c == u'\t') c = u' ';
+        if (c == u'\r' || c == u'\n' || c == u'\t')
+            c = u' ';
     return out;
 }
 } // namespace
@@ -36,7 +37,8 @@ EditorRow::EditorRow(UINT command, const std::u16string& label, const std::u16st
     }
     const int room = std::max(1, width - Scale(2 * kMargin + kRightMargin));
     label_ = TextLayout(label, bold, 0, false);
-    if (label_.Width() > room / 2) label_ = TextLayout(label, bold, room / 2, true);
+    if (label_.Width() > room / 2)
+        label_ = TextLayout(label, bold, room / 2, true);
     const int valueRoom = std::max(1, room - label_.Width() - Scale(kMargin));
     value_ = TextLayout(Shown(value), font, valueRoom, true);
     const int valueHeight = value_.Height();
@@ -55,14 +57,15 @@ void EditorRow::Draw(Dc& dc, const RECT& rect) {
     if (twoLine_) {
         const int x = rect.left + Scale(kTwoLineLeft);
         const int top = rect.top + Scale(kTwoLineTop);
-        label_.Draw(dc, x, top + (std::max(Scale(kTwoLineLabel), label_.Height()) - label_.Height()) / 2, ink);
+        label_.Draw(dc, x, top + (std::max(Scale(kTwoLineLabel), label_.Height()) - label_.Height()) / 2,
+                    ink);
         const int valueTop = top + std::max(Scale(kTwoLineLabel), label_.Height());
         value_.Draw(dc, x, valueTop, ink);
         return;
     }
     label_.Draw(dc, rect.left + Scale(kMargin), rect.top + (rect.Height() - label_.Height()) / 2, ink);
-    value_.Draw(dc, rect.right - Scale(kRightMargin) - value_.Width(), rect.top + (rect.Height() - value_.Height()) / 2,
-                ink);
+    value_.Draw(dc, rect.right - Scale(kRightMargin) - value_.Width(),
+                rect.top + (rect.Height() - value_.Height()) / 2, ink);
 }
 
 void EditorRow::Click(HWND list, int, int) {

@@ -12,7 +12,8 @@ class Font;
 
 class FormPainter {
 public:
-    static void PaintPage(Dc& dc, const RECT& client, int titleHeight, const Font* font, const std::u16string& title);
+    static void PaintPage(Dc& dc, const RECT& client, int titleHeight, const Font* font,
+                          const std::u16string& title);
 };
 
 } // namespace mirodate

@@ -21,9 +21,13 @@ HWND& MainWindow() {
 }
 } // namespace
 
-void ItemSaver::SetMainWindow(HWND main) { MainWindow() = main; }
+void ItemSaver::SetMainWindow(HWND main) {
+    MainWindow() = main;
+}
 
-void ItemSaver::Tell(HWND owner, const char* key) { MessagePage::Tell(owner, Lang(key)); }
+void ItemSaver::Tell(HWND owner, const char* key) {
+    MessagePage::Tell(owner, Lang(key));
+}
 
 void ItemSaver::Announce(std::int32_t oid, bool deleted, int folder) {
     const UINT message = deleted ? kMsgItemDeletedLocal : kMsgItemChangedLocal;
@@ -41,24 +45,31 @@ void ItemSaver::Announce(std::int32_t oid, bool deleted, int folder) {
 
 void ItemSaver::RemoveCopy(std::int32_t oid, int folder) {
     PimSource* source = PimStore::Instance().Source();
-    if (!source || oid <= 0) return;
-    if (source->Delete(oid)) Announce(oid, true, folder);
+    if (!source || oid <= 0)
+        return;
+    if (source->Delete(oid))
+        Announce(oid, true, folder);
 }
 
-ItemSaver::Outcome ItemSaver::ChangedOnDisk(HWND owner, std::int32_t oid, int folder, const char* questionKey) {
+ItemSaver::Outcome ItemSaver::ChangedOnDisk(HWND owner, std::int32_t oid, int folder,
+                                            const char* questionKey) {
     Log::Info("editor: item %d changed on disk; not written", static_cast<int>(oid));
     Announce(oid, false, folder);
     return MessagePage::YesNo(owner, Lang(questionKey)) ? Outcome::Reload : Outcome::Stay;
 }
 
-ItemSaver::DeletedChoice ItemSaver::Deleted(HWND owner, std::int32_t oid, int folder, const char* questionKey) {
+ItemSaver::DeletedChoice ItemSaver::Deleted(HWND owner, std::int32_t oid, int folder,
+                                            const char* questionKey) {
     Log::Info("editor: item %d deleted meanwhile", static_cast<int>(oid));
     Announce(oid, true, folder);
     switch (MessagePage::Ask(owner, Lang(questionKey),
                              {Lang("editor.SaveAsNew"), Lang("editor.DiscardChanges"), Lang("Cancel")})) {
-    case kSaveAsNew: return DeletedChoice::SaveAsNew;
-    case kDiscard: return DeletedChoice::Discard;
-    default: return DeletedChoice::Stay;
+    case kSaveAsNew:
+        return DeletedChoice::SaveAsNew;
+    case kDiscard:
+        return DeletedChoice::Discard;
+    default:
+        return DeletedChoice::Stay;
     }
 }
 

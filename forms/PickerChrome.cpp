@@ -24,7 +24,8 @@ std::unique_ptr<Font> PickerChrome::MakeFont(int percent, bool bold) {
     LOGFONT logFont;
     DefaultFont(logFont);
     logFont.lfHeight = -std::clamp((Scale(kTextHeight) + FontSizeDelta()) * percent / 100, 6, 200);
-    if (bold) logFont.lfWeight = FW_BOLD;
+    if (bold)
+        logFont.lfWeight = FW_BOLD;
     return std::make_unique<Font>(logFont);
 }
 
@@ -59,7 +60,8 @@ void PickerChrome::Paint(Dc& dc) const {
 }
 
 void PickerChrome::SetTitle(const std::u16string& title) {
-    if (title == title_) return;
+    if (title == title_)
+        return;
     title_ = title;
     SetWindowText(page_, title);
     RECT band{0, 0, GetScreenWidth(), Scale(kTitleHeight)};

@@ -35,7 +35,8 @@ std::u16string RecordEdits::RecurrenceText(const PimRecord& record) {
     if (record.isRecurring && record.recurrence.RecurrenceType == RecurrencePattern::kNotRecurring)
         return Lang("editor.RuleKept");
     std::u16string text = RecurrenceDescriber::Describe(record.recurrence);
-    if (RuleNotEditable(record)) text += u" (" + Lang("editor.RuleKept") + u")";
+    if (RuleNotEditable(record))
+        text += u" (" + Lang("editor.RuleKept") + u")";
     return text;
 }
 

@@ -39,7 +39,9 @@ std::function<void(RecurrenceEditorPage&)>& OpenObserver() {
     return observer;
 }
 
-bool Inside(const RECT& r, int x, int y) { return x >= r.left && x < r.right && y >= r.top && y < r.bottom; }
+bool Inside(const RECT& r, int x, int y) {
+    return x >= r.left && x < r.right && y >= r.top && y < r.bottom;
+}
 
 } // namespace
 
@@ -57,10 +59,12 @@ std::optional<RecurrencePattern> RecurrenceEditorPage::Edit(HWND owner, const Re
 }
 
 std::optional<RecurrencePattern> RecurrenceEditorPage::Edit(HWND owner, const RecurrencePattern& pattern,
-                                                            const DateTime& start, std::vector<double> exceptions) {
+                                                            const DateTime& start,
+                                                            std::vector<double> exceptions) {
     RecurrenceEditorPage page(pattern, start);
     page.SetExceptions(std::move(exceptions));
-    if (page.DoModal(owner) != IDOK) return std::nullopt;
+    if (page.DoModal(owner) != IDOK)
+        return std::nullopt;
     return page.Value();
 }
 
@@ -86,7 +90,8 @@ void RecurrenceEditorPage::Edited() {
     const std::vector<Row> rows = RecurrenceEditorRows::RowsFor(value_);
     if (rows != rows_ || warningRect_.bottom > warningRect_.top) {
         rows_ = rows;
-        if (window) Layout();
+        if (window)
+            Layout();
     } else if (window) {
         InvalidateRect(window, nullptr, false);
     }
@@ -103,7 +108,8 @@ void RecurrenceEditorPage::SetEnd(int end) {
 }
 
 void RecurrenceEditorPage::SetEndDate(const DateTime& day) {
-    if (!day.IsValid()) return;
+    if (!day.IsValid())
+        return;
     RecurrencePattern next = value_;
     next.Occurrences = 0;
     next.NoEndDate = false;
@@ -117,15 +123,18 @@ void RecurrenceEditorPage::SetEndDate(const DateTime& day) {
 }
 
 void RecurrenceEditorPage::Step(Row row, int delta) {
-    if (RecurrenceEditorRows::Step(row, value_, delta)) Edited();
+    if (RecurrenceEditorRows::Step(row, value_, delta))
+        Edited();
 }
 
 void RecurrenceEditorPage::ToggleDay(int dayOfWeek) {
-    if (RecurrenceEditorRows::ToggleDay(value_, dayOfWeek)) Edited();
+    if (RecurrenceEditorRows::ToggleDay(value_, dayOfWeek))
+        Edited();
 }
 
 void RecurrenceEditorPage::Accept() {
-    if (!window) return;
+    if (!window)
+        return;
     if (!changed_) {
         EndDialog(window, IDOK);
         return;
@@ -143,13 +152,15 @@ void RecurrenceEditorPage::Accept() {
         const std::u16string placeholder = u"$Count";
         if (size_t at = question.find(placeholder); at != std::u16string::npos)
             question.replace(at, placeholder.size(), std::u16string(count.begin(), count.end()));
-        if (!MessagePage::YesNo(window, question)) return;
+        if (!MessagePage::YesNo(window, question))
+            return;
     }
     EndDialog(window, IDOK);
 }
 
 void RecurrenceEditorPage::Cancel() {
-    if (window) EndDialog(window, IDCANCEL);
+    if (window)
+        EndDialog(window, IDCANCEL);
 }
 
 BOOL RecurrenceEditorPage::OnInitDialog() {
@@ -162,7 +173,8 @@ BOOL RecurrenceEditorPage::OnInitDialog() {
     boldFont_ = std::make_unique<Font>(logFont);
     const InputFormsStyle& form = SkinStyles::Current().inputForms;
     for (ButtonWnd* button : {&ok_, &cancel_}) {
-        button->Create(window, Lang(button == &ok_ ? "OK" : "Cancel"), 0, 0, 1, 1, button == &ok_ ? IDOK : IDCANCEL);
+        button->Create(window, Lang(button == &ok_ ? "OK" : "Cancel"), 0, 0, 1, 1,
+                       button == &ok_ ? IDOK : IDCANCEL);
         button->SetColors(form.buttons.colorButtonBg, form.buttons.colorButtonText,
                           form.buttons.colorButtonBgPressed, form.buttons.colorButtonTextPressed);
         button->SetGradient(form.buttons.colorButtonGradient, form.buttons.colorButtonGradientPressed);
@@ -173,10 +185,13 @@ BOOL RecurrenceEditorPage::OnInitDialog() {
 }
 
 void RecurrenceEditorPage::OnDialogReady() {
-    if (OpenObserver()) OpenObserver()(*this);
+    if (OpenObserver())
+        OpenObserver()(*this);
 }
 
-void RecurrenceEditorPage::OnScreenReset() { Layout(); }
+void RecurrenceEditorPage::OnScreenReset() {
+    Layout();
+}
 
 void RecurrenceEditorPage::Layout() {
     const int width = GetScreenWidth(), height = GetScreenHeight();
@@ -207,12 +222,14 @@ void RecurrenceEditorPage::Layout() {
     const int buttonTop = height - margin - Scale(kButtonHeight);
     const int buttonWidth = (width - 3 * margin) / 2;
     MoveWindow(ok_.GetHwnd(), margin, buttonTop, buttonWidth, Scale(kButtonHeight), true);
-    MoveWindow(cancel_.GetHwnd(), 2 * margin + buttonWidth, buttonTop, buttonWidth, Scale(kButtonHeight), true);
+    MoveWindow(cancel_.GetHwnd(), 2 * margin + buttonWidth, buttonTop, buttonWidth, Scale(kButtonHeight),
+               true);
 
     // Rows share what is left, none taller than a finger needs.
     const int rowCount = static_cast<int>(rows_.size());
     const int room = buttonTop - margin - y;
-    const int rowHeight = std::clamp(room / std::max(rowCount, 1), Scale(kRowHeight) * 3 / 4, Scale(kRowHeight) * 5 / 4);
+    const int rowHeight =
+        std::clamp(room / std::max(rowCount, 1), Scale(kRowHeight) * 3 / 4, Scale(kRowHeight) * 5 / 4);
     rowRects_.clear();
     targets_.clear();
     for (Row row : rows_) {
@@ -221,7 +238,8 @@ void RecurrenceEditorPage::Layout() {
         const auto control = RecurrenceEditorRows::ControlOf(row);
         if (control == RecurrenceEditorRows::Control::Stepper) {
             const int side = rowHeight - 2 * margin;
-            targets_.push_back({RECT{width - margin - side, y + margin, width - margin, y + margin + side}, row, 1});
+            targets_.push_back(
+                {RECT{width - margin - side, y + margin, width - margin, y + margin + side}, row, 1});
             const int valueWidth = side * 3 / 2;
             const int minusRight = width - margin - side - valueWidth;
             targets_.push_back({RECT{minusRight - side, y + margin, minusRight, y + margin + side}, row, -1});
@@ -230,8 +248,9 @@ void RecurrenceEditorPage::Layout() {
             const int cell = (width - 2 * margin) / kDaysPerWeek;
             for (int i = 0; i < kDaysPerWeek; ++i) {
                 const int left = margin + i * cell;
-                targets_.push_back({RECT{left + margin / 2, y + margin, left + cell - margin / 2, y + rowHeight - margin},
-                                    row, kDayAction + order[static_cast<size_t>(i)]});
+                targets_.push_back(
+                    {RECT{left + margin / 2, y + margin, left + cell - margin / 2, y + rowHeight - margin},
+                     row, kDayAction + order[static_cast<size_t>(i)]});
             }
         } else {
             targets_.push_back({rect, row, 0});
@@ -243,25 +262,29 @@ void RecurrenceEditorPage::Layout() {
 
 RECT RecurrenceEditorPage::ToScreen(RECT rect) const {
     POINT origin{0, 0};
-    if (window) ClientToScreen(window, &origin);
+    if (window)
+        ClientToScreen(window, &origin);
     return RECT{rect.left + origin.x, rect.top + origin.y, rect.right + origin.x, rect.bottom + origin.y};
 }
 
 RECT RecurrenceEditorPage::RowScreenRect(Row row) const {
     for (size_t i = 0; i < rows_.size() && i < rowRects_.size(); ++i)
-        if (rows_[i] == row) return ToScreen(rowRects_[i]);
+        if (rows_[i] == row)
+            return ToScreen(rowRects_[i]);
     return RECT{};
 }
 
 RECT RecurrenceEditorPage::StepperScreenRect(Row row, int delta) const {
     for (const Target& t : targets_)
-        if (t.row == row && t.action == (delta < 0 ? -1 : 1)) return ToScreen(t.rect);
+        if (t.row == row && t.action == (delta < 0 ? -1 : 1))
+            return ToScreen(t.rect);
     return RECT{};
 }
 
 RECT RecurrenceEditorPage::DayScreenRect(int dayOfWeek) const {
     for (const Target& t : targets_)
-        if (t.action == kDayAction + dayOfWeek) return ToScreen(t.rect);
+        if (t.action == kDayAction + dayOfWeek)
+            return ToScreen(t.rect);
     return RECT{};
 }
 
@@ -280,26 +303,32 @@ void RecurrenceEditorPage::PaintRow(Dc& dc, Row row, const RECT& rect) {
     if (control == RecurrenceEditorRows::Control::DayToggles) {
         dc.SelectFont(font_.get());
         for (const Target& t : targets_) {
-            if (t.row != row || t.action < kDayAction) continue;
+            if (t.row != row || t.action < kDayAction)
+                continue;
             const int day = t.action - kDayAction;
             const bool on = (value_.DayOfWeekMask >> day) & 1;
-            if (on) dc.FillRect(t.rect, style.colorSelectionMark);
-            else dc.FrameRect(t.rect, style.colorLineSeparator, std::max(1, Scale(1)));
+            if (on)
+                dc.FillRect(t.rect, style.colorSelectionMark);
+            else
+                dc.FrameRect(t.rect, style.colorLineSeparator, std::max(1, Scale(1)));
             dc.SetTextColor(on ? style.colorTextSel : style.colorText);
             RECT label = t.rect;
-            dc.DrawText(Locale::DayName(day, true), label, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
+            dc.DrawText(Locale::DayName(day, true), label,
+                        DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
         }
         return;
     }
     // A rule the record only approximates is not named as one of the types.
-    const std::u16string valueText = row == Row::Type && ShowsWarning()
-                                         ? RecurrenceEditorRows::TypeName(RecurrencePattern::kNotRecurring - 1)
-                                         : RecurrenceEditorRows::ValueText(row, value_);
+    const std::u16string valueText =
+        row == Row::Type && ShowsWarning()
+            ? RecurrenceEditorRows::TypeName(RecurrencePattern::kNotRecurring - 1)
+            : RecurrenceEditorRows::ValueText(row, value_);
     dc.SelectFont(font_.get());
     if (control == RecurrenceEditorRows::Control::Stepper) {
         RECT minus{}, plus{};
         for (const Target& t : targets_) {
-            if (t.row != row) continue;
+            if (t.row != row)
+                continue;
             (t.action < 0 ? minus : plus) = t.rect;
         }
         RECT label{rect.left + margin, rect.top, minus.left - margin, rect.bottom};
@@ -309,7 +338,8 @@ void RecurrenceEditorPage::PaintRow(Dc& dc, Row row, const RECT& rect) {
         for (const RECT* box : {&minus, &plus}) {
             dc.FillRect(*box, style.colorBg2);
             RECT sign = *box;
-            dc.DrawText(box == &minus ? u"\u2212" : u"+", sign, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
+            dc.DrawText(box == &minus ? u"\u2212" : u"+", sign,
+                        DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
         }
         RECT value{minus.right, rect.top, plus.left, rect.bottom};
         dc.DrawText(valueText, value, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
@@ -319,7 +349,8 @@ void RecurrenceEditorPage::PaintRow(Dc& dc, Row row, const RECT& rect) {
     const std::u16string shown = valueText + u" \u25BE";
     dc.SelectFont(boldFont_.get());
     const int valueWidth = dc.GetTextExtent(shown).cx;
-    const int labelRight = std::max(rect.left + rect.Width() * kLabelShare / 100, rect.right - 2 * margin - valueWidth);
+    const int labelRight =
+        std::max(rect.left + rect.Width() * kLabelShare / 100, rect.right - 2 * margin - valueWidth);
     RECT value{labelRight + margin, rect.top, rect.right - margin, rect.bottom};
     dc.DrawText(shown, value, DT_RIGHT | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
     dc.SelectFont(font_.get());
@@ -329,7 +360,8 @@ void RecurrenceEditorPage::PaintRow(Dc& dc, Row row, const RECT& rect) {
 }
 
 void RecurrenceEditorPage::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     RECT client;
     GetClientRect(window, &client);
     FormPainter::PaintPage(*dc, client, Scale(kTitleHeight), boldFont_.get(), Lang("recurrence.Title"));
@@ -345,23 +377,30 @@ void RecurrenceEditorPage::OnPaint(HDC dc) {
     if (ShowsWarning()) {
         dc->SelectFont(font_.get());
         RECT warning = warningRect_;
-        dc->DrawText(Lang("recurrence.RuleReplaced"), warning, DT_LEFT | DT_WORDBREAK | DT_NOPREFIX | DT_END_ELLIPSIS);
+        dc->DrawText(Lang("recurrence.RuleReplaced"), warning,
+                     DT_LEFT | DT_WORDBREAK | DT_NOPREFIX | DT_END_ELLIPSIS);
     }
     if (!rowRects_.empty()) {
         RECT rows{0, rowRects_.front().top, client.right, rowRects_.back().bottom};
         dc->FillRect(rows, style.colorBg);
     }
-    for (size_t i = 0; i < rows_.size() && i < rowRects_.size(); ++i) PaintRow(*dc, rows_[i], rowRects_[i]);
+    for (size_t i = 0; i < rows_.size() && i < rowRects_.size(); ++i)
+        PaintRow(*dc, rows_[i], rowRects_[i]);
     dc->SelectFont(nullptr);
 }
 
 LRESULT RecurrenceEditorPage::OnPointerUp(int, int x, int y, WPARAM) {
     for (const Target& t : targets_) {
-        if (!Inside(t.rect, x, y)) continue;
-        if (t.action >= kDayAction) ToggleDay(t.action - kDayAction);
-        else if (t.action != 0) Step(t.row, t.action);
-        else if (t.row == Row::EndDate) PickEndDate();
-        else OpenMenu(t.row);
+        if (!Inside(t.rect, x, y))
+            continue;
+        if (t.action >= kDayAction)
+            ToggleDay(t.action - kDayAction);
+        else if (t.action != 0)
+            Step(t.row, t.action);
+        else if (t.row == Row::EndDate)
+            PickEndDate();
+        else
+            OpenMenu(t.row);
         return 0;
     }
     return 0;
@@ -371,7 +410,8 @@ void RecurrenceEditorPage::OpenMenu(Row row) {
     std::vector<ContextMenuItem> items;
     int current = -1;
     auto add = [&](std::u16string text, UINT command, bool checked) {
-        if (checked) current = static_cast<int>(items.size());
+        if (checked)
+            current = static_cast<int>(items.size());
         items.push_back({std::move(text), command, checked});
     };
     switch (row) {
@@ -391,23 +431,28 @@ void RecurrenceEditorPage::OpenMenu(Row row) {
     }
     case Row::Instance:
         for (int i = 1; i <= RecurrenceLimits::kLastInstance; ++i)
-            add(RecurrenceDescriber::InstanceText(i), kCmdInstanceBase + static_cast<UINT>(i), i == value_.Instance);
+            add(RecurrenceDescriber::InstanceText(i), kCmdInstanceBase + static_cast<UINT>(i),
+                i == value_.Instance);
         break;
     case Row::Month:
         for (int m = 1; m <= kMonths; ++m)
-            add(RecurrenceDescriber::MonthName(m), kCmdMonthBase + static_cast<UINT>(m), m == value_.MonthOfYear);
+            add(RecurrenceDescriber::MonthName(m), kCmdMonthBase + static_cast<UINT>(m),
+                m == value_.MonthOfYear);
         break;
-    default: return;
+    default:
+        return;
     }
     auto* menu = new ContextMenu(this, std::move(items), 0); // owned by our deferred command, or by itself
-    if (current >= 0) menu->SetPreselected(current);
+    if (current >= 0)
+        menu->SetPreselected(current);
     menu->SetHeaderText(RecurrenceEditorRows::Label(row));
     menu->Open();
 }
 
 void RecurrenceEditorPage::PickEndDate() {
     const DateTime initial = value_.PatternEndDate != 0.0 ? DateTime(value_.PatternEndDate) : start_;
-    if (const std::optional<DateTime> day = DatePickerPage::Pick(window, initial)) SetEndDate(*day);
+    if (const std::optional<DateTime> day = DatePickerPage::Pick(window, initial))
+        SetEndDate(*day);
 }
 
 void RecurrenceEditorPage::OnDeferredCommand(UINT id) {
@@ -416,7 +461,8 @@ void RecurrenceEditorPage::OnDeferredCommand(UINT id) {
         SetType(types[id - kCmdTypeBase]);
     } else if (id >= kCmdEndBase && id < kCmdEndBase + 3) {
         SetEnd(static_cast<int>(id - kCmdEndBase));
-        if (id - kCmdEndBase == RecurrenceEditorRows::kEndOnDate) PickEndDate();
+        if (id - kCmdEndBase == RecurrenceEditorRows::kEndOnDate)
+            PickEndDate();
     } else if (id > kCmdInstanceBase && id <= kCmdInstanceBase + RecurrenceLimits::kLastInstance) {
         value_.Instance = static_cast<int>(id - kCmdInstanceBase);
         Edited();
@@ -427,13 +473,17 @@ void RecurrenceEditorPage::OnDeferredCommand(UINT id) {
 }
 
 void RecurrenceEditorPage::OnCommand(UINT id, UINT, HWND control) {
-    if (control == ok_.GetHwnd() || (!control && id == IDOK)) Accept();
-    else if (control == cancel_.GetHwnd() || (!control && id == IDCANCEL)) Cancel();
+    if (control == ok_.GetHwnd() || (!control && id == IDOK))
+        Accept();
+    else if (control == cancel_.GetHwnd() || (!control && id == IDCANCEL))
+        Cancel();
 }
 
 void RecurrenceEditorPage::OnKeyDown(UINT key, UINT) {
-    if (key == VK_RETURN) Accept();
-    else if (key == VK_ESCAPE) Cancel();
+    if (key == VK_RETURN)
+        Accept();
+    else if (key == VK_ESCAPE)
+        Cancel();
 }
 
 } // namespace mirodate

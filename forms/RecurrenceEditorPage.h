@@ -36,11 +36,12 @@ public:
 
     // The edited pattern (RecurrenceType kNotRecurring for "once"), or
     // nothing on Cancel. `start` is the item's first start.
-    static std::optional<RecurrencePattern> Edit(HWND owner, const RecurrencePattern& pattern, const DateTime& start);
+    static std::optional<RecurrencePattern> Edit(HWND owner, const RecurrencePattern& pattern,
+                                                 const DateTime& start);
     // The same for a series whose file cancels or moves the occurrences
     // starting at `exceptions` (local DATEs, see SeriesExceptions::ReadFile).
-    static std::optional<RecurrencePattern> Edit(HWND owner, const RecurrencePattern& pattern, const DateTime& start,
-                                                 std::vector<double> exceptions);
+    static std::optional<RecurrencePattern> Edit(HWND owner, const RecurrencePattern& pattern,
+                                                 const DateTime& start, std::vector<double> exceptions);
 
     // Called with each page once it is shown (tests answer through it).
     static void SetOpenObserver(std::function<void(RecurrenceEditorPage& page)> observer);

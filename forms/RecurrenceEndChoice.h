@@ -16,8 +16,8 @@ public:
     static constexpr int kMaxOccurrences = 999;
 
     struct End {
-        int count = 0;      // after this many times; 0: not by a count
-        double date = 0.0;  // on this day (DATE); 0.0: no end date
+        int count = 0;     // after this many times; 0: not by a count
+        double date = 0.0; // on this day (DATE); 0.0: no end date
     };
     // What the entry `key` sets, or nothing when the user cancelled or gave
     // a count or date that is refused (with a message). `seriesStart` is the

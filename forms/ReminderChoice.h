@@ -25,16 +25,19 @@ public:
     // Does what entry `key` says to `draft`. A moment the draft refuses is
     // told over the rows as they are: `showRows` repaints them first.
     template <class Draft>
-    static void Choose(HWND owner, std::string_view key, Draft& draft, const std::function<void()>& showRows) {
+    static void Choose(HWND owner, std::string_view key, Draft& draft,
+                       const std::function<void()>& showRows) {
         if (key == "set_datetime" || key == "change_datetime") {
             const auto moment = DateTimePickerPage::Pick(owner, draft.ReminderMoment());
-            if (!moment || draft.SetReminderMoment(*moment)) return;
+            if (!moment || draft.SetReminderMoment(*moment))
+                return;
             showRows();
             MessagePage::Tell(owner, Lang("ReminderInvalid"));
         } else if (key == "set_span" || key == "change_span") {
-            const auto minutes =
-                TimeSpanPickerPage::Pick(owner, draft.Record().reminderSet ? draft.Record().reminderMinutes : 0);
-            if (minutes && *minutes >= 0) draft.SetReminder(true, *minutes);
+            const auto minutes = TimeSpanPickerPage::Pick(
+                owner, draft.Record().reminderSet ? draft.Record().reminderMinutes : 0);
+            if (minutes && *minutes >= 0)
+                draft.SetReminder(true, *minutes);
         } else if (key == "unset") {
             draft.SetReminder(false, 0);
         }

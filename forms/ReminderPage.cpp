@@ -38,8 +38,9 @@ public:
     void Draw(Dc& dc, const RECT& rect) override {
         const ListViewStyle& style = SkinStyles::Current().listViews;
         dc.FillRect(rect, selected_ || highlighted_ ? style.colorBg2 : style.colorBg);
-        if (selected_) dc.FillRect(RECT{rect.left, rect.top, rect.left + Scale(kMarkWidth), rect.bottom},
-                                   style.colorSelectionMark);
+        if (selected_)
+            dc.FillRect(RECT{rect.left, rect.top, rect.left + Scale(kMarkWidth), rect.bottom},
+                        style.colorSelectionMark);
         const int x = rect.left + Scale(kMargin);
         int y = rect.top + Scale(kMargin) / 2;
         subject_.Draw(dc, x, y, style.colorText);
@@ -49,7 +50,8 @@ public:
     }
     int Height() const override { return subject_.Height() + when_.Height() + Scale(kMargin); }
     void Click(HWND, int, int) override {
-        if (tap_) tap_();
+        if (tap_)
+            tap_();
     }
 
 private:
@@ -62,7 +64,8 @@ private:
 std::u16string DayAndTime(double date, bool withTime) {
     const SYSTEMTIME fields = DateTime(date).ToSystemTime();
     std::u16string text = Locale::DayName(fields.wDayOfWeek, true) + u" " + Locale::FormatShortDate(fields);
-    if (withTime) text += u" " + Locale::FormatShortTime(fields);
+    if (withTime)
+        text += u" " + Locale::FormatShortTime(fields);
     return text;
 }
 } // namespace
@@ -71,22 +74,27 @@ ReminderPage::ReminderPage(Actions actions, std::function<void()> gone)
     : actions_(std::move(actions)), gone_(std::move(gone)) {}
 
 ReminderPage::~ReminderPage() {
-    if (gone_) gone_();
+    if (gone_)
+        gone_();
 }
 
 std::u16string ReminderPage::WhenText(const Reminder& reminder) {
     std::u16string text;
     if (reminder.start != kNoDate) {
-        if (reminder.itemKind == kItemTask) text = Lang("reminder.Due") + u" ";
+        if (reminder.itemKind == kItemTask)
+            text = Lang("reminder.Due") + u" ";
         text += DayAndTime(reminder.start, !reminder.allDay);
         if (reminder.itemKind != kItemTask && !reminder.allDay && reminder.end > reminder.start)
             text += u" - " + Locale::FormatShortTime(DateTime(reminder.end).ToSystemTime());
     }
-    if (!reminder.location.empty()) text += (text.empty() ? u"" : u"\n") + reminder.location;
+    if (!reminder.location.empty())
+        text += (text.empty() ? u"" : u"\n") + reminder.location;
     return text;
 }
 
-HWND ReminderPage::Open(HWND owner) { return CreateModeless(owner); }
+HWND ReminderPage::Open(HWND owner) {
+    return CreateModeless(owner);
+}
 
 BOOL ReminderPage::OnInitDialog() {
     SetWindowText(window, Lang("reminder.Title"));
@@ -102,7 +110,8 @@ BOOL ReminderPage::OnInitDialog() {
     colors.background = SkinStyles::Current().listViews.colorBg;
     list_.SetColors(colors);
     const ButtonColors& form = SkinStyles::Current().inputForms.buttons;
-    for (auto [button, key, id] : {std::tuple{&snooze_, "reminder.Snooze", 101}, {&dismiss_, "reminder.Dismiss", 102},
+    for (auto [button, key, id] : {std::tuple{&snooze_, "reminder.Snooze", 101},
+                                   {&dismiss_, "reminder.Dismiss", 102},
                                    {&open_, "reminder.Open", 103}}) {
         button->Create(window, Lang(key), 0, 0, 1, 1, id);
         button->SetColors(form.colorButtonBg, form.colorButtonText, form.colorButtonBgPressed,
@@ -133,14 +142,15 @@ void ReminderPage::Layout() {
 }
 
 void ReminderPage::Fill() {
-    if (!window) return;
+    if (!window)
+        return;
     list_.ClearItems();
     RECT client;
     GetClientRect(list_.GetHwnd(), &client);
     for (size_t i = 0; i < reminders_.size(); ++i) {
         const int index = static_cast<int>(i);
-        list_.AddItem(std::make_unique<ReminderRow>(reminders_[i], *bold_, *font_, client.Width(), index == selected_,
-                                                    [this, index] {
+        list_.AddItem(std::make_unique<ReminderRow>(reminders_[i], *bold_, *font_, client.Width(),
+                                                    index == selected_, [this, index] {
                                                         // After the list has finished with the tap.
                                                         PostDeferredCommand(kCmdSelectBase + index, nullptr);
                                                     }));
@@ -160,30 +170,35 @@ void ReminderPage::SetReminders(std::vector<Reminder> reminders) {
     selected_ = 0;
     if (hadSelection)
         for (size_t i = 0; i < reminders_.size(); ++i)
-            if (reminders_[i].SameAlarm(previous)) selected_ = static_cast<int>(i);
+            if (reminders_[i].SameAlarm(previous))
+                selected_ = static_cast<int>(i);
     Fill();
 }
 
 void ReminderPage::Select(int index) {
-    if (index < 0 || index >= static_cast<int>(reminders_.size())) return;
+    if (index < 0 || index >= static_cast<int>(reminders_.size()))
+        return;
     selected_ = index;
     Fill();
 }
 
 void ReminderPage::SnoozeSelected(int minutes) {
-    if (selected_ < 0 || selected_ >= static_cast<int>(reminders_.size()) || !actions_.snooze) return;
+    if (selected_ < 0 || selected_ >= static_cast<int>(reminders_.size()) || !actions_.snooze)
+        return;
     const Reminder reminder = reminders_[static_cast<size_t>(selected_)];
     actions_.snooze(reminder, minutes); // may replace the list or delete the page
 }
 
 void ReminderPage::DismissSelected() {
-    if (selected_ < 0 || selected_ >= static_cast<int>(reminders_.size()) || !actions_.dismiss) return;
+    if (selected_ < 0 || selected_ >= static_cast<int>(reminders_.size()) || !actions_.dismiss)
+        return;
     const Reminder reminder = reminders_[static_cast<size_t>(selected_)];
     actions_.dismiss(reminder);
 }
 
 void ReminderPage::OpenSelected() {
-    if (selected_ < 0 || selected_ >= static_cast<int>(reminders_.size()) || !actions_.open) return;
+    if (selected_ < 0 || selected_ >= static_cast<int>(reminders_.size()) || !actions_.open)
+        return;
     const Reminder reminder = reminders_[static_cast<size_t>(selected_)];
     actions_.open(reminder);
 }
@@ -192,11 +207,11 @@ void ReminderPage::OpenSnoozeMenu() {
     std::vector<ContextMenuItem> items;
     for (size_t i = 0; i < std::size(kSnoozeMinutes); ++i) {
         const int minutes = kSnoozeMinutes[i];
-        const std::u16string label = minutes == 60 ? Lang("reminder.OneHour")
-                                                   : Lang("reminder.Minutes");
+        const std::u16string label = minutes == 60 ? Lang("reminder.OneHour") : Lang("reminder.Minutes");
         std::u16string text = label;
         const size_t at = text.find(u"$Minutes");
-        if (at != std::u16string::npos) text.replace(at, 8, Utf8ToUtf16(std::to_string(minutes)));
+        if (at != std::u16string::npos)
+            text.replace(at, 8, Utf8ToUtf16(std::to_string(minutes)));
         items.push_back({text, kCmdSnoozeBase + static_cast<UINT>(i)});
     }
     auto* menu = new ContextMenu(this, std::move(items)); // owned by our deferred command, or by itself
@@ -214,22 +229,32 @@ void ReminderPage::OnDeferredCommand(UINT id) {
 }
 
 void ReminderPage::OnCommand(UINT, UINT, HWND control) {
-    if (control == snooze_.GetHwnd()) OpenSnoozeMenu();
-    else if (control == dismiss_.GetHwnd()) DismissSelected();
-    else if (control == open_.GetHwnd()) OpenSelected();
+    if (control == snooze_.GetHwnd())
+        OpenSnoozeMenu();
+    else if (control == dismiss_.GetHwnd())
+        DismissSelected();
+    else if (control == open_.GetHwnd())
+        OpenSelected();
 }
 
 void ReminderPage::OnKeyDown(UINT key, UINT) {
-    if (key == VK_UP) Select(selected_ - 1);
-    else if (key == VK_DOWN) Select(selected_ + 1);
-    else if (key == VK_RETURN) OpenSelected();
-    else if (key == VK_ESCAPE) DismissSelected();
+    if (key == VK_UP)
+        Select(selected_ - 1);
+    else if (key == VK_DOWN)
+        Select(selected_ + 1);
+    else if (key == VK_RETURN)
+        OpenSelected();
+    else if (key == VK_ESCAPE)
+        DismissSelected();
 }
 
-void ReminderPage::OnScreenReset() { Layout(); }
+void ReminderPage::OnScreenReset() {
+    Layout();
+}
 
 void ReminderPage::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     RECT client;
     GetClientRect(window, &client);
     FormPainter::PaintPage(*dc, client, Scale(kTitleHeight), bold_.get(), Lang("reminder.Title"));
@@ -240,8 +265,14 @@ RECT ReminderPage::ScreenRect(const ButtonWnd& button) const {
     GetWindowRect(button.GetHwnd(), &rect);
     return rect;
 }
-RECT ReminderPage::SnoozeButtonRect() const { return ScreenRect(snooze_); }
-RECT ReminderPage::DismissButtonRect() const { return ScreenRect(dismiss_); }
-RECT ReminderPage::OpenButtonRect() const { return ScreenRect(open_); }
+RECT ReminderPage::SnoozeButtonRect() const {
+    return ScreenRect(snooze_);
+}
+RECT ReminderPage::DismissButtonRect() const {
+    return ScreenRect(dismiss_);
+}
+RECT ReminderPage::OpenButtonRect() const {
+    return ScreenRect(open_);
+}
 
 } // namespace mirodate

@@ -17,8 +17,8 @@ SmallFormPage::~SmallFormPage() = default;
 
 void SmallFormPage::Style(ButtonWnd& button) {
     const InputFormsStyle& form = SkinStyles::Current().inputForms;
-    button.SetColors(form.buttons.colorButtonBg, form.buttons.colorButtonText, form.buttons.colorButtonBgPressed,
-                     form.buttons.colorButtonTextPressed);
+    button.SetColors(form.buttons.colorButtonBg, form.buttons.colorButtonText,
+                     form.buttons.colorButtonBgPressed, form.buttons.colorButtonTextPressed);
     button.SetGradient(form.buttons.colorButtonGradient, form.buttons.colorButtonGradientPressed);
 }
 
@@ -47,34 +47,46 @@ void SmallFormPage::Layout() {
     const int buttonTop = height - margin - Scale(kButtonHeight);
     MoveWindow(ok_.GetHwnd(), margin, buttonTop, half, Scale(kButtonHeight), true);
     MoveWindow(cancel_.GetHwnd(), 2 * margin + half, buttonTop, half, Scale(kButtonHeight), true);
-    LayoutControls(RECT{0, Scale(kTitleHeight), width, std::max(Scale(kTitleHeight) + 1, buttonTop - margin)});
+    LayoutControls(
+        RECT{0, Scale(kTitleHeight), width, std::max(Scale(kTitleHeight) + 1, buttonTop - margin)});
     InvalidateRect(window, nullptr, false);
 }
 
-void SmallFormPage::OnScreenReset() { Layout(); }
+void SmallFormPage::OnScreenReset() {
+    Layout();
+}
 
 void SmallFormPage::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     RECT client;
     GetClientRect(window, &client);
     FormPainter::PaintPage(*dc, client, Scale(kTitleHeight), bold_.get(), title_);
 }
 
 void SmallFormPage::Accept() {
-    if (OnAccept()) EndDialog(window, IDOK);
+    if (OnAccept())
+        EndDialog(window, IDOK);
 }
 
-void SmallFormPage::Cancel() { EndDialog(window, IDCANCEL); }
+void SmallFormPage::Cancel() {
+    EndDialog(window, IDCANCEL);
+}
 
 void SmallFormPage::OnCommand(UINT id, UINT code, HWND control) {
-    if (control && control == ok_.GetHwnd()) Accept();
-    else if (control && control == cancel_.GetHwnd()) Cancel();
-    else if (control) OnControl(control, code);
-    else if (id == IDCANCEL) Cancel();
+    if (control && control == ok_.GetHwnd())
+        Accept();
+    else if (control && control == cancel_.GetHwnd())
+        Cancel();
+    else if (control)
+        OnControl(control, code);
+    else if (id == IDCANCEL)
+        Cancel();
 }
 
 void SmallFormPage::OnKeyDown(UINT key, UINT) {
-    if (key == VK_ESCAPE) Cancel();
+    if (key == VK_ESCAPE)
+        Cancel();
 }
 
 } // namespace mirodate

@@ -34,8 +34,8 @@ public:
         Sensitivity,
         Notes,
     };
-    static constexpr Row kRows[] = {Row::Subject,    Row::StartDate, Row::DueDate,    Row::Complete,
-                                    Row::Priority,   Row::Recurrence, Row::Reminder, Row::Categories,
+    static constexpr Row kRows[] = {Row::Subject,     Row::StartDate,  Row::DueDate,  Row::Complete,
+                                    Row::Priority,    Row::Recurrence, Row::Reminder, Row::Categories,
                                     Row::Sensitivity, Row::Notes};
 
     // A new task due on `day`, without a start date, normal priority, no reminder.

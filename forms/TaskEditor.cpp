@@ -39,7 +39,8 @@ std::function<void(TaskEditor&)>& OpenObserver() {
 std::vector<Row> ListRows() {
     std::vector<Row> rows;
     for (Row row : TaskDraft::kRows)
-        if (row != Row::Subject) rows.push_back(row);
+        if (row != Row::Subject)
+            rows.push_back(row);
     return rows;
 }
 } // namespace
@@ -47,13 +48,16 @@ std::vector<Row> ListRows() {
 TaskEditor::TaskEditor(TaskDraft draft) : draft_(std::move(draft)) {}
 TaskEditor::~TaskEditor() = default;
 
-void TaskEditor::SetOpenObserver(std::function<void(TaskEditor&)> observer) { OpenObserver() = std::move(observer); }
+void TaskEditor::SetOpenObserver(std::function<void(TaskEditor&)> observer) {
+    OpenObserver() = std::move(observer);
+}
 
 HWND TaskEditor::Open(HWND owner) {
     const HWND hwnd = EditorPage::Open(owner);
     if (hwnd) {
         SetFocus(subject_.GetHwnd());
-        if (OpenObserver()) OpenObserver()(*this);
+        if (OpenObserver())
+            OpenObserver()(*this);
     }
     return hwnd;
 }
@@ -82,7 +86,8 @@ int TaskEditor::LayoutFields(int top, int width) {
 
 std::vector<EditorPage::RowText> TaskEditor::RowTexts() const {
     std::vector<RowText> texts;
-    for (Row row : ListRows()) texts.push_back({TaskDraft::Label(row), draft_.Value(row), TaskDraft::IsTwoLine(row)});
+    for (Row row : ListRows())
+        texts.push_back({TaskDraft::Label(row), draft_.Value(row), TaskDraft::IsTwoLine(row)});
     return texts;
 }
 
@@ -94,35 +99,49 @@ int TaskEditor::RowIndex(Row row) const {
 
 void TaskEditor::OnRowTap(std::size_t index) {
     const std::vector<Row> rows = ListRows();
-    if (index < rows.size()) ActivateRow(rows[index]);
+    if (index < rows.size())
+        ActivateRow(rows[index]);
 }
 
 void TaskEditor::OnFieldCommand(HWND control, UINT code) {
     if (control == subject_.GetHwnd()) {
-        if (code == EN_CHANGE) draft_.SetSubject(subject_.GetText());
+        if (code == EN_CHANGE)
+            draft_.SetSubject(subject_.GetText());
         return;
     }
     if (control == templates_.GetHwnd()) {
         subjects_.clear();
         TemplateLists::LoadSubjects(subjects_);
-        if (subjects_.empty()) MessagePage::Tell(window, Lang("editor.NoTemplates"));
-        else OpenMenu(kSubjects, subjects_, Lang("addmodify.Subject"));
+        if (subjects_.empty())
+            MessagePage::Tell(window, Lang("editor.NoTemplates"));
+        else
+            OpenMenu(kSubjects, subjects_, Lang("addmodify.Subject"));
     }
 }
 
 void TaskEditor::ActivateRow(Row row) {
     switch (row) {
-    case Row::Subject: SetFocus(subject_.GetHwnd()); return;
+    case Row::Subject:
+        SetFocus(subject_.GetHwnd());
+        return;
     case Row::StartDate:
-    case Row::DueDate: ChooseDate(row); return;
-    case Row::Complete: draft_.SetComplete(!draft_.Record().complete); break;
+    case Row::DueDate:
+        ChooseDate(row);
+        return;
+    case Row::Complete:
+        draft_.SetComplete(!draft_.Record().complete);
+        break;
     case Row::Priority: {
         std::vector<std::u16string> entries;
-        for (int i = 0; i < kPriorities; ++i) entries.push_back(EditorTexts::PriorityLabel(i));
-        OpenMenu(kPriority, entries, TaskDraft::Label(row), std::clamp(draft_.Record().importance, 0, kPriorities - 1));
+        for (int i = 0; i < kPriorities; ++i)
+            entries.push_back(EditorTexts::PriorityLabel(i));
+        OpenMenu(kPriority, entries, TaskDraft::Label(row),
+                 std::clamp(draft_.Record().importance, 0, kPriorities - 1));
         return;
     }
-    case Row::Recurrence: OpenRecurrence(); return;
+    case Row::Recurrence:
+        OpenRecurrence();
+        return;
     case Row::Reminder: {
         // Counted back from the due date: without one there is nothing to count from.
         if (!draft_.HasDueDate()) {
@@ -135,20 +154,23 @@ void TaskEditor::ActivateRow(Row row) {
     }
     case Row::Categories: {
         const auto categories = CategoryPickerPage::Pick(window, draft_.Record().categories);
-        if (!categories) return;
+        if (!categories)
+            return;
         draft_.SetCategories(*categories);
         break;
     }
     case Row::Sensitivity: {
         std::vector<std::u16string> entries;
-        for (int i = 0; i < kSensitivities; ++i) entries.push_back(EditorTexts::SensitivityLabel(i));
+        for (int i = 0; i < kSensitivities; ++i)
+            entries.push_back(EditorTexts::SensitivityLabel(i));
         OpenMenu(kSensitivity, entries, TaskDraft::Label(row), draft_.Record().sensitivity);
         return;
     }
     case Row::Notes: {
         const auto text = TextEntryPage::Edit(window, Lang("addmodify.Notes"), draft_.Record().body, true,
                                               AppointmentDraft::kMaxNotes);
-        if (!text) return;
+        if (!text)
+            return;
         draft_.SetNotes(*text);
         break;
     }
@@ -163,8 +185,8 @@ void TaskEditor::ChooseDate(Row row) {
         PickDate(row);
         return;
     }
-    OpenMenu(row == Row::StartDate ? kStartDate : kDueDate, {Lang("editor.ChangeDate"), Lang("editor.RemoveDate")},
-             TaskDraft::Label(row));
+    OpenMenu(row == Row::StartDate ? kStartDate : kDueDate,
+             {Lang("editor.ChangeDate"), Lang("editor.RemoveDate")}, TaskDraft::Label(row));
 }
 
 void TaskEditor::PickDate(Row row) {
@@ -173,7 +195,8 @@ void TaskEditor::PickDate(Row row) {
     const double other = row == Row::StartDate ? r.dueDate : r.startDate;
     const DateTime initial(mine != kNoDate ? mine : other != kNoDate ? other : DateTime::Today().ToDate());
     const auto chosen = DatePickerPage::Pick(window, initial);
-    if (!chosen) return;
+    if (!chosen)
+        return;
     if (!(row == Row::StartDate ? draft_.SetStartDate(*chosen) : draft_.SetDueDate(*chosen))) {
         MessagePage::Tell(window, Lang("editor.DateOutOfRange"));
         return;
@@ -182,7 +205,8 @@ void TaskEditor::PickDate(Row row) {
 }
 
 void TaskEditor::OnMenuChoice(int menu, int index) {
-    if (index < 0) return;
+    if (index < 0)
+        return;
     switch (menu) {
     case kSubjects:
         if (index < static_cast<int>(subjects_.size())) {
@@ -197,23 +221,34 @@ void TaskEditor::OnMenuChoice(int menu, int index) {
             PickDate(row);
             return;
         }
-        if (index != kEntryNoDate) return;
-        if (row == Row::StartDate) draft_.SetStartDate(std::nullopt);
-        else draft_.SetDueDate(std::nullopt);
+        if (index != kEntryNoDate)
+            return;
+        if (row == Row::StartDate)
+            draft_.SetStartDate(std::nullopt);
+        else
+            draft_.SetDueDate(std::nullopt);
         break;
     }
-    case kPriority: draft_.SetImportance(index); break;
-    case kSensitivity: draft_.SetSensitivity(index); break;
+    case kPriority:
+        draft_.SetImportance(index);
+        break;
+    case kSensitivity:
+        draft_.SetSensitivity(index);
+        break;
     case kReminder: {
-        if (index >= static_cast<int>(reminderKeys_.size())) return;
+        if (index >= static_cast<int>(reminderKeys_.size()))
+            return;
         ReminderChoice::Choose(window, reminderKeys_[static_cast<size_t>(index)], draft_, [this] {
             Fill();
             UpdateWindow(window);
         });
         break;
     }
-    case kRecurrence: OnRecurrenceChoice(index); break;
-    default: return;
+    case kRecurrence:
+        OnRecurrenceChoice(index);
+        break;
+    default:
+        return;
     }
     Fill();
 }
@@ -222,15 +257,19 @@ void TaskEditor::OnRecurrenceChoice(int index) {
     // Entry 0 is the pattern editor; the end-of-recurrence entries follow.
     const double seriesStart = draft_.SeriesStart(DateTime::Today()).ToDate();
     if (index == 0) {
-        const auto pattern = RecurrenceEditorPage::Edit(window, draft_.Record().recurrence, DateTime(seriesStart));
-        if (pattern) draft_.SetRecurrence(*pattern);
+        const auto pattern =
+            RecurrenceEditorPage::Edit(window, draft_.Record().recurrence, DateTime(seriesStart));
+        if (pattern)
+            draft_.SetRecurrence(*pattern);
         return;
     }
     const auto keys = EditorTexts::RecurrenceEndKeys();
-    if (static_cast<size_t>(index - 1) >= keys.size()) return;
-    const auto end =
-        RecurrenceEndChoice::Ask(window, keys[static_cast<size_t>(index - 1)], draft_.Record().recurrence, seriesStart);
-    if (end) draft_.SetRecurrenceEnd(end->count, end->date);
+    if (static_cast<size_t>(index - 1) >= keys.size())
+        return;
+    const auto end = RecurrenceEndChoice::Ask(window, keys[static_cast<size_t>(index - 1)],
+                                              draft_.Record().recurrence, seriesStart);
+    if (end)
+        draft_.SetRecurrenceEnd(end->count, end->date);
 }
 
 void TaskEditor::OpenRecurrence() {
@@ -245,14 +284,16 @@ void TaskEditor::OpenRecurrence() {
         return;
     }
     std::vector<std::u16string> entries{Lang("addmodify.EditPattern")};
-    for (const char* key : EditorTexts::RecurrenceEndKeys()) entries.push_back(Lang(key));
+    for (const char* key : EditorTexts::RecurrenceEndKeys())
+        entries.push_back(Lang(key));
     OpenMenu(kRecurrence, entries, Lang("addmodify.EditPattern"));
 }
 
 void TaskEditor::Reload() {
     PimSource* source = PimStore::Instance().Source();
     PimRecord fresh;
-    if (!source || !source->GetItemFromOid(draft_.Original().oid, fresh)) return;
+    if (!source || !source->GetItemFromOid(draft_.Original().oid, fresh))
+        return;
     draft_ = TaskDraft::ForRecord(fresh, draft_.GetMode());
     subject_.SetText(draft_.Record().subject);
     Fill();
@@ -266,11 +307,13 @@ ItemSaver::Outcome TaskEditor::Save() {
 
 void TaskEditor::OnCancel() {
     // A duplicate exists only for this editor: Cancel takes it back.
-    if (draft_.GetMode() == TaskDraft::Mode::Duplicate) TaskSaver::RemoveCopy(draft_.Original().oid);
+    if (draft_.GetMode() == TaskDraft::Mode::Duplicate)
+        TaskSaver::RemoveCopy(draft_.Original().oid);
 }
 
 void TaskEditor::OnClosed() {
-    if (closeHandler_) closeHandler_(*this);
+    if (closeHandler_)
+        closeHandler_(*this);
 }
 
 } // namespace mirodate

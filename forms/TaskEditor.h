@@ -62,8 +62,8 @@ private:
     TaskDraft draft_;
     TextFieldWnd subject_;
     ButtonWnd templates_;
-    std::vector<std::u16string> subjects_;   // the templates offered
-    std::vector<const char*> reminderKeys_;  // the reminder menu's entries
+    std::vector<std::u16string> subjects_;  // the templates offered
+    std::vector<const char*> reminderKeys_; // the reminder menu's entries
     std::function<void(TaskEditor&)> closeHandler_;
 };
 

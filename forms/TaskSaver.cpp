@@ -5,7 +5,9 @@
 namespace mirodate {
 
 namespace {
-PimSource* Source() { return PimStore::Instance().Source(); }
+PimSource* Source() {
+    return PimStore::Instance().Source();
+}
 } // namespace
 
 TaskSaver::Outcome TaskSaver::Save(HWND owner, TaskDraft& draft) {
@@ -18,13 +20,17 @@ TaskSaver::Outcome TaskSaver::Save(HWND owner, TaskDraft& draft) {
         ItemSaver::Tell(owner, "ItemNotSaved");
         return Outcome::Stay;
     }
-    if (draft.GetMode() == TaskDraft::Mode::New) return WriteNew(owner, draft);
+    if (draft.GetMode() == TaskDraft::Mode::New)
+        return WriteNew(owner, draft);
 
     const std::int32_t oid = draft.Original().oid;
     PimRecord current;
-    if (!source->GetItemFromOid(oid, current) || source->GetItemKind(oid) != kItemTask) return OnDeleted(owner, draft);
-    if (!(current == draft.Original())) return OnChangedOnDisk(owner, draft);
-    if (!draft.IsChanged()) return Outcome::Saved;
+    if (!source->GetItemFromOid(oid, current) || source->GetItemKind(oid) != kItemTask)
+        return OnDeleted(owner, draft);
+    if (!(current == draft.Original()))
+        return OnChangedOnDisk(owner, draft);
+    if (!draft.IsChanged())
+        return Outcome::Saved;
 
     PimRecord record = draft.Record();
     if (record.isRecurring && (draft.RuleNotEditable() || record.recurrence == draft.Original().recurrence)) {
@@ -33,12 +39,17 @@ TaskSaver::Outcome TaskSaver::Save(HWND owner, TaskDraft& draft) {
         record.recurrence.RecurrenceType = RecurrencePattern::kNotRecurring;
     }
     switch (source->Save(record, kFolderTasks)) {
-    case SaveResult::Saved: ItemSaver::Announce(oid, false, kFolderTasks); return Outcome::Saved;
+    case SaveResult::Saved:
+        ItemSaver::Announce(oid, false, kFolderTasks);
+        return Outcome::Saved;
     case SaveResult::ChangedOnDisk:
-        if (source->GetItemKind(oid) == 0) return OnDeleted(owner, draft);
+        if (source->GetItemKind(oid) == 0)
+            return OnDeleted(owner, draft);
         return OnChangedOnDisk(owner, draft);
-    case SaveResult::NotFound: return OnDeleted(owner, draft);
-    case SaveResult::Failed: break;
+    case SaveResult::NotFound:
+        return OnDeleted(owner, draft);
+    case SaveResult::Failed:
+        break;
     }
     ItemSaver::Tell(owner, "ItemNotSaved");
     return Outcome::Stay;
@@ -63,9 +74,12 @@ TaskSaver::Outcome TaskSaver::OnChangedOnDisk(HWND owner, const TaskDraft& draft
 
 TaskSaver::Outcome TaskSaver::OnDeleted(HWND owner, TaskDraft& draft) {
     switch (ItemSaver::Deleted(owner, draft.Original().oid, kFolderTasks, "editor.TaskDeleted")) {
-    case ItemSaver::DeletedChoice::SaveAsNew: return WriteNew(owner, draft);
-    case ItemSaver::DeletedChoice::Discard: return Outcome::Discard;
-    case ItemSaver::DeletedChoice::Stay: break;
+    case ItemSaver::DeletedChoice::SaveAsNew:
+        return WriteNew(owner, draft);
+    case ItemSaver::DeletedChoice::Discard:
+        return Outcome::Discard;
+    case ItemSaver::DeletedChoice::Stay:
+        break;
     }
     return Outcome::Stay;
 }

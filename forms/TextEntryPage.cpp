@@ -25,9 +25,11 @@ void TextEntryPage::SetOpenObserver(std::function<void(TextEntryPage&)> observer
 }
 
 std::optional<std::u16string> TextEntryPage::Edit(HWND owner, const std::u16string& title,
-                                                  const std::u16string& text, bool multiLine, std::size_t limit) {
+                                                  const std::u16string& text, bool multiLine,
+                                                  std::size_t limit) {
     TextEntryPage page(title, text, multiLine, limit);
-    if (page.DoModal(owner) != IDOK) return std::nullopt;
+    if (page.DoModal(owner) != IDOK)
+        return std::nullopt;
     return page.Text();
 }
 
@@ -42,18 +44,23 @@ void TextEntryPage::CreateControls() {
 void TextEntryPage::LayoutControls(const RECT& area) {
     const int margin = Scale(kMargin);
     const int height = multiLine_ ? std::max(1, area.Height() - 2 * margin) : Scale(kFieldHeight);
-    MoveWindow(field_.GetHwnd(), margin, area.top + margin, std::max(1, area.Width() - 2 * margin), height, true);
+    MoveWindow(field_.GetHwnd(), margin, area.top + margin, std::max(1, area.Width() - 2 * margin), height,
+               true);
 }
 
 void TextEntryPage::OnControl(HWND control, UINT code) {
-    if (control != field_.GetHwnd()) return;
-    if (code == EN_CHANGE) text_ = field_.GetText();
-    if (code == EN_ENTER && !multiLine_) Accept();
+    if (control != field_.GetHwnd())
+        return;
+    if (code == EN_CHANGE)
+        text_ = field_.GetText();
+    if (code == EN_ENTER && !multiLine_)
+        Accept();
 }
 
 void TextEntryPage::OnDialogReady() {
     SmallFormPage::OnDialogReady();
-    if (OpenObserver()) OpenObserver()(*this);
+    if (OpenObserver())
+        OpenObserver()(*this);
 }
 
 } // namespace mirodate

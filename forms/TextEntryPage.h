@@ -14,8 +14,8 @@ public:
     TextEntryPage(std::u16string title, std::u16string text, bool multiLine, std::size_t limit);
     ~TextEntryPage() override;
 
-    static std::optional<std::u16string> Edit(HWND owner, const std::u16string& title, const std::u16string& text,
-                                              bool multiLine, std::size_t limit);
+    static std::optional<std::u16string> Edit(HWND owner, const std::u16string& title,
+                                              const std::u16string& text, bool multiLine, std::size_t limit);
     // Called with each page once it is shown (tests answer through it).
     static void SetOpenObserver(std::function<void(TextEntryPage& page)> observer);
 

@@ -31,30 +31,35 @@ HWND TimeGridWnd::Create(HWND parent, int id, const RECT& rect) {
     labelFont_ = PickerChrome::MakeFont(90, true);
     cellFont_ = PickerChrome::MakeFont(100, false);
     smallCellFont_ = PickerChrome::MakeFont(80, false);
-    return BaseWnd::Create(parent, kTimeGridClass, WS_CHILD | WS_VISIBLE, u"", rect.left, rect.top, rect.Width(),
-                           rect.Height());
+    return BaseWnd::Create(parent, kTimeGridClass, WS_CHILD | WS_VISIBLE, u"", rect.left, rect.top,
+                           rect.Width(), rect.Height());
 }
 
 void TimeGridWnd::SetTime(int hour, int minute) {
     hour = std::clamp(hour, 0, kHours - 1);
     minute = std::clamp(minute, 0, 59);
-    if (hour == hour_ && minute == minute_) return;
+    if (hour == hour_ && minute == minute_)
+        return;
     hour_ = hour, minute_ = minute;
-    if (!window) return;
+    if (!window)
+        return;
     InvalidateRect(window, nullptr, false);
     if (HWND parent = GetParent(window))
         SendMessage(parent, WM_COMMAND, MAKEWPARAM(id_, kChanged), reinterpret_cast<LPARAM>(window));
 }
 
 void TimeGridWnd::SetActivePart(int part) {
-    if (part == activePart_) return;
+    if (part == activePart_)
+        return;
     activePart_ = part;
-    if (window) InvalidateRect(window, nullptr, false);
+    if (window)
+        InvalidateRect(window, nullptr, false);
 }
 
 TimeGridWnd::Metrics TimeGridWnd::Measure() const {
     RECT client{};
-    if (window) GetClientRect(window, &client);
+    if (window)
+        GetClientRect(window, &client);
     Metrics m{};
     m.width = client.Width();
     // Six hours a row and six minutes: four rows and two. In a low band the
@@ -63,7 +68,8 @@ TimeGridWnd::Metrics TimeGridWnd::Measure() const {
     m.minuteColumns = 6;
     const int rows = kHours / m.hourColumns + kMinuteCells / m.minuteColumns;
     m.labelHeight = Scale(kLabelHeight);
-    if ((client.Height() - 2 * m.labelHeight) / rows < Scale(kMinCellHeight)) m.labelHeight = 0;
+    if ((client.Height() - 2 * m.labelHeight) / rows < Scale(kMinCellHeight))
+        m.labelHeight = 0;
     const int gap = m.labelHeight ? m.labelHeight : Scale(kCompactGap);
     m.cellHeight = std::clamp((client.Height() - m.labelHeight - gap) / rows, 1, Scale(kMaxCellHeight));
     m.hoursTop = m.labelHeight;
@@ -74,7 +80,8 @@ TimeGridWnd::Metrics TimeGridWnd::Measure() const {
 RECT TimeGridWnd::HourRect(int hour) const {
     const Metrics m = Measure();
     const int cellWidth = m.width / m.hourColumns;
-    const int left = (hour % m.hourColumns) * cellWidth, top = m.hoursTop + (hour / m.hourColumns) * m.cellHeight;
+    const int left = (hour % m.hourColumns) * cellWidth,
+              top = m.hoursTop + (hour / m.hourColumns) * m.cellHeight;
     return RECT{left, top, left + cellWidth, top + m.cellHeight};
 }
 
@@ -88,14 +95,17 @@ RECT TimeGridWnd::MinuteRect(int index) const {
 
 int TimeGridWnd::CellAt(int x, int y) const {
     for (int hour = 0; hour < kHours; ++hour)
-        if (HourRect(hour).Contains(x, y)) return hour;
+        if (HourRect(hour).Contains(x, y))
+            return hour;
     for (int index = 0; index < kMinuteCells; ++index)
-        if (MinuteRect(index).Contains(x, y)) return kMinuteCellBase + index;
+        if (MinuteRect(index).Contains(x, y))
+            return kMinuteCellBase + index;
     return -1;
 }
 
 void TimeGridWnd::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     const SkinStyles& styles = SkinStyles::Current();
     const InputFormsStyle& form = styles.inputForms;
     const COLORREF mark = styles.addModifyForm.colorSelectionMark;
@@ -127,7 +137,8 @@ void TimeGridWnd::OnPaint(HDC dc) {
     // Hours written "10 PM" may not fit narrow cells in the normal size.
     dc->SelectFont(cellFont_.get());
     const int room = HourRect(0).Width() - 2 * inset;
-    if (dc->GetTextExtent(TimeTexts::HourLabel(22)).cx > room) dc->SelectFont(smallCellFont_.get());
+    if (dc->GetTextExtent(TimeTexts::HourLabel(22)).cx > room)
+        dc->SelectFont(smallCellFont_.get());
     for (int hour = 0; hour < kHours; ++hour)
         cell(HourRect(hour), TimeTexts::HourLabel(hour), hour == hour_, pressedCell_ == hour);
     for (int index = 0; index < kMinuteCells; ++index)
@@ -143,7 +154,8 @@ void TimeGridWnd::OnPaint(HDC dc) {
 }
 
 LRESULT TimeGridWnd::OnPointerDown(int button, int x, int y, WPARAM) {
-    if (button != 0) return 0;
+    if (button != 0)
+        return 0;
     pressedCell_ = CellAt(x, y);
     SetCapture(window);
     InvalidateRect(window, nullptr, false);
@@ -151,13 +163,16 @@ LRESULT TimeGridWnd::OnPointerDown(int button, int x, int y, WPARAM) {
 }
 
 LRESULT TimeGridWnd::OnPointerUp(int button, int x, int y, WPARAM) {
-    if (button != 0) return 0;
-    if (GetCapture() == window) ReleaseCapture();
+    if (button != 0)
+        return 0;
+    if (GetCapture() == window)
+        ReleaseCapture();
     const int cell = CellAt(x, y);
     const bool same = cell >= 0 && cell == pressedCell_;
     pressedCell_ = -1;
     InvalidateRect(window, nullptr, false);
-    if (!same) return 0;
+    if (!same)
+        return 0;
     if (cell < kMinuteCellBase) {
         SetActivePart(0);
         SetTime(cell, minute_);

@@ -37,8 +37,10 @@ HWND TimePanelWnd::Create(HWND parent, int id, const RECT& rect, bool wheels) {
                                    rect.Width(), rect.Height());
     if (wheels_) {
         std::vector<std::u16string> hours, minutes;
-        for (int hour = 0; hour < kHours; ++hour) hours.push_back(TimeTexts::HourLabel(hour));
-        for (int minute = 0; minute < kMinutes; ++minute) minutes.push_back(TimeTexts::MinuteLabel(minute));
+        for (int hour = 0; hour < kHours; ++hour)
+            hours.push_back(TimeTexts::HourLabel(hour));
+        for (int minute = 0; minute < kMinutes; ++minute)
+            minutes.push_back(TimeTexts::MinuteLabel(minute));
         hourWheel_.Create(window, kHourId, RECT{0, 0, 1, 1}, hours, *wheelFont_);
         minuteWheel_.Create(window, kMinuteId, RECT{0, 0, 1, 1}, minutes, *wheelFont_);
     } else {
@@ -50,14 +52,17 @@ HWND TimePanelWnd::Create(HWND parent, int id, const RECT& rect, bool wheels) {
 }
 
 void TimePanelWnd::Layout() {
-    if (!window) return;
+    if (!window)
+        return;
     RECT client;
     GetClientRect(window, &client);
     if (!wheels_) {
-        if (grid_.GetHwnd()) MoveWindow(grid_.GetHwnd(), 0, 0, client.Width(), client.Height(), true);
+        if (grid_.GetHwnd())
+            MoveWindow(grid_.GetHwnd(), 0, 0, client.Width(), client.Height(), true);
         return;
     }
-    if (!hourWheel_.GetHwnd()) return;
+    if (!hourWheel_.GetHwnd())
+        return;
     const int colon = Scale(kColonWidth);
     const int wheel = std::min(Scale(kMaxWheelWidth), (client.Width() - colon) / 2);
     const int left = (client.Width() - 2 * wheel - colon) / 2;
@@ -67,8 +72,12 @@ void TimePanelWnd::Layout() {
     InvalidateRect(window, nullptr, false);
 }
 
-int TimePanelWnd::Hour() const { return wheels_ ? hourWheel_.Value() : grid_.Hour(); }
-int TimePanelWnd::Minute() const { return wheels_ ? minuteWheel_.Value() : grid_.Minute(); }
+int TimePanelWnd::Hour() const {
+    return wheels_ ? hourWheel_.Value() : grid_.Hour();
+}
+int TimePanelWnd::Minute() const {
+    return wheels_ ? minuteWheel_.Value() : grid_.Minute();
+}
 
 void TimePanelWnd::SetTime(int hour, int minute) {
     hour = std::clamp(hour, 0, kHours - 1);
@@ -101,7 +110,8 @@ bool TimePanelWnd::HandleKey(UINT key) {
         SetActivePart(key == VK_LEFT ? 0 : 1);
         return true;
     }
-    if (key != VK_UP && key != VK_DOWN) return false;
+    if (key != VK_UP && key != VK_DOWN)
+        return false;
     // Up counts forward, as a spin box does.
     const int direction = key == VK_UP ? 1 : -1;
     if (wheels_) {
@@ -119,7 +129,8 @@ bool TimePanelWnd::HandleKey(UINT key) {
 }
 
 void TimePanelWnd::Settle() {
-    if (!wheels_) return;
+    if (!wheels_)
+        return;
     hourWheel_.Settle();
     minuteWheel_.Settle();
 }
@@ -137,20 +148,26 @@ void TimePanelWnd::OnCommand(UINT id, UINT code, HWND) {
             SendMessage(parent, WM_COMMAND, MAKEWPARAM(id_, kTouched), reinterpret_cast<LPARAM>(window));
         return;
     }
-    if (code != kChanged) return;
-    if (id == kGridId && grid_.ActivePart() >= 0) activePart_ = grid_.ActivePart();
+    if (code != kChanged)
+        return;
+    if (id == kGridId && grid_.ActivePart() >= 0)
+        activePart_ = grid_.ActivePart();
     Changed();
 }
 
-void TimePanelWnd::OnSize(UINT, UINT) { Layout(); }
+void TimePanelWnd::OnSize(UINT, UINT) {
+    Layout();
+}
 
 void TimePanelWnd::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     const InputFormsStyle& form = SkinStyles::Current().inputForms;
     RECT client;
     GetClientRect(window, &client);
     dc->FillRect(client, form.colorBg);
-    if (!wheels_) return;
+    if (!wheels_)
+        return;
     dc->SetBkMode(TRANSPARENT);
     dc->SelectFont(colonFont_.get());
     dc->SetTextColor(form.colorItemText);

@@ -32,7 +32,8 @@ TimePickerPage::~TimePickerPage() = default;
 
 std::optional<DateTime> TimePickerPage::Pick(HWND owner, const DateTime& initial) {
     TimePickerPage page(initial);
-    if (page.DoModal(owner) != IDOK) return std::nullopt;
+    if (page.DoModal(owner) != IDOK)
+        return std::nullopt;
     return page.Value();
 }
 
@@ -42,16 +43,19 @@ void TimePickerPage::SetOpenObserver(std::function<void(TimePickerPage&)> observ
 
 void TimePickerPage::SetValue(const DateTime& value) {
     value_ = ClampPickerDate(value);
-    if (panel_.GetHwnd()) panel_.SetTime(value_.GetHour(), value_.GetMinute());
+    if (panel_.GetHwnd())
+        panel_.SetTime(value_.GetHour(), value_.GetMinute());
 }
 
 void TimePickerPage::FromPanel() {
-    value_ = DateTime(value_.GetYear(), value_.GetMonth(), value_.GetDay(), panel_.Hour(), panel_.Minute(), 0);
+    value_ =
+        DateTime(value_.GetYear(), value_.GetMonth(), value_.GetDay(), panel_.Hour(), panel_.Minute(), 0);
     InvalidateRect(window, &valueRect_, false);
 }
 
 void TimePickerPage::Accept() {
-    if (!window) return;
+    if (!window)
+        return;
     // A wheel still turning ends where it was coming to rest.
     panel_.Settle();
     FromPanel();
@@ -59,7 +63,8 @@ void TimePickerPage::Accept() {
 }
 
 void TimePickerPage::Cancel() {
-    if (window) EndDialog(window, IDCANCEL);
+    if (window)
+        EndDialog(window, IDCANCEL);
 }
 
 BOOL TimePickerPage::OnInitDialog() {
@@ -78,7 +83,8 @@ BOOL TimePickerPage::OnInitDialog() {
 void TimePickerPage::Layout() {
     const RECT content = chrome_.Layout();
     const int margin = Scale(PickerChrome::kMargin);
-    valueRect_ = RECT{margin, content.top + margin, content.right - margin, content.top + margin + Scale(kValueHeight)};
+    valueRect_ = RECT{margin, content.top + margin, content.right - margin,
+                      content.top + margin + Scale(kValueHeight)};
     int top = valueRect_.bottom + margin;
     int height = std::max(1, content.bottom - top);
     if (panel_.UsesWheels() && height > Scale(kMaxWheelHeight)) {
@@ -88,14 +94,18 @@ void TimePickerPage::Layout() {
     MoveWindow(panel_.GetHwnd(), margin, top, content.Width() - 2 * margin, height, true);
 }
 
-void TimePickerPage::OnScreenReset() { Layout(); }
+void TimePickerPage::OnScreenReset() {
+    Layout();
+}
 
 void TimePickerPage::OnDialogReady() {
-    if (OpenObserver()) OpenObserver()(*this);
+    if (OpenObserver())
+        OpenObserver()(*this);
 }
 
 void TimePickerPage::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     chrome_.Paint(*dc);
     dc->SelectFont(valueFont_.get());
     dc->SetBkMode(TRANSPARENT);
@@ -107,17 +117,25 @@ void TimePickerPage::OnPaint(HDC dc) {
 }
 
 void TimePickerPage::OnCommand(UINT id, UINT code, HWND control) {
-    if (chrome_.IsOk(control)) Accept();
-    else if (chrome_.IsCancel(control)) Cancel();
-    else if (id == kPanelId && code == TimePanelWnd::kChanged) FromPanel();
+    if (chrome_.IsOk(control))
+        Accept();
+    else if (chrome_.IsCancel(control))
+        Cancel();
+    else if (id == kPanelId && code == TimePanelWnd::kChanged)
+        FromPanel();
 }
 
 void TimePickerPage::OnKeyDown(UINT key, UINT) {
-    if (key == VK_RETURN) Accept();
-    else if (key == VK_ESCAPE) Cancel();
-    else panel_.HandleKey(key);
+    if (key == VK_RETURN)
+        Accept();
+    else if (key == VK_ESCAPE)
+        Cancel();
+    else
+        panel_.HandleKey(key);
 }
 
-void TimePickerPage::OnClose() { Cancel(); }
+void TimePickerPage::OnClose() {
+    Cancel();
+}
 
 } // namespace mirodate

@@ -20,7 +20,7 @@ constexpr std::int64_t kMinutesPerDay = 24 * kMinutesPerHour;
 constexpr std::int64_t kMinutesPerWeek = 7 * kMinutesPerDay;
 constexpr std::array<int, TimeSpanPickerPage::kUnits> kPartMax = {TimeSpanPickerPage::kMaxWeeks, 6, 23, 59};
 constexpr std::array<const char*, TimeSpanPickerPage::kUnits> kLabelKeys = {"picker.Weeks", "picker.Days",
-                                                                           "picker.Hours", "picker.Minutes"};
+                                                                            "picker.Hours", "picker.Minutes"};
 // Unscaled sizes for a 240-pixel-wide screen.
 constexpr int kTextHeight = 36;
 constexpr int kLabelHeight = 18;
@@ -34,12 +34,15 @@ std::function<void(TimeSpanPickerPage&)>& OpenObserver() {
 }
 } // namespace
 
-TimeSpanPickerPage::TimeSpanPickerPage(std::int64_t minutes) { value_ = std::clamp<std::int64_t>(minutes, 0, MaxMinutes()); }
+TimeSpanPickerPage::TimeSpanPickerPage(std::int64_t minutes) {
+    value_ = std::clamp<std::int64_t>(minutes, 0, MaxMinutes());
+}
 TimeSpanPickerPage::~TimeSpanPickerPage() = default;
 
 std::optional<std::int64_t> TimeSpanPickerPage::Pick(HWND owner, std::int64_t minutes) {
     TimeSpanPickerPage page(minutes);
-    if (page.DoModal(owner) != IDOK) return std::nullopt;
+    if (page.DoModal(owner) != IDOK)
+        return std::nullopt;
     return page.Value();
 }
 
@@ -53,21 +56,26 @@ std::int64_t TimeSpanPickerPage::MaxMinutes() {
 
 void TimeSpanPickerPage::SetValue(std::int64_t minutes) {
     value_ = std::clamp<std::int64_t>(minutes, 0, MaxMinutes());
-    if (window) InvalidateRect(window, nullptr, false);
+    if (window)
+        InvalidateRect(window, nullptr, false);
 }
 
 int TimeSpanPickerPage::Part(Unit unit) const {
     switch (unit) {
-    case kWeeks: return static_cast<int>(value_ / kMinutesPerWeek);
-    case kDays: return static_cast<int>(value_ % kMinutesPerWeek / kMinutesPerDay);
-    case kHours: return static_cast<int>(value_ % kMinutesPerDay / kMinutesPerHour);
-    default: return static_cast<int>(value_ % kMinutesPerHour);
+    case kWeeks:
+        return static_cast<int>(value_ / kMinutesPerWeek);
+    case kDays:
+        return static_cast<int>(value_ % kMinutesPerWeek / kMinutesPerDay);
+    case kHours:
+        return static_cast<int>(value_ % kMinutesPerDay / kMinutesPerHour);
+    default:
+        return static_cast<int>(value_ % kMinutesPerHour);
     }
 }
 
 void TimeSpanPickerPage::SetParts(const std::array<int, kUnits>& parts) {
-    SetValue(parts[kWeeks] * kMinutesPerWeek + parts[kDays] * kMinutesPerDay + parts[kHours] * kMinutesPerHour +
-             parts[kMinutes]);
+    SetValue(parts[kWeeks] * kMinutesPerWeek + parts[kDays] * kMinutesPerDay +
+             parts[kHours] * kMinutesPerHour + parts[kMinutes]);
 }
 
 void TimeSpanPickerPage::StepPart(Unit unit, int direction) {
@@ -84,19 +92,26 @@ void TimeSpanPickerPage::StepPart(Unit unit, int direction) {
 }
 
 std::u16string TimeSpanPickerPage::ValueText() const {
-    if (value_ == 0) return u"0 " + Lang("Minutes");
+    if (value_ == 0)
+        return u"0 " + Lang("Minutes");
     return EditorTexts::FormatTimeSpan(value_);
 }
 
-RECT TimeSpanPickerPage::PlusRect(Unit unit) const { return columns_[static_cast<size_t>(unit)].plus; }
-RECT TimeSpanPickerPage::MinusRect(Unit unit) const { return columns_[static_cast<size_t>(unit)].minus; }
+RECT TimeSpanPickerPage::PlusRect(Unit unit) const {
+    return columns_[static_cast<size_t>(unit)].plus;
+}
+RECT TimeSpanPickerPage::MinusRect(Unit unit) const {
+    return columns_[static_cast<size_t>(unit)].minus;
+}
 
 void TimeSpanPickerPage::Accept() {
-    if (window) EndDialog(window, IDOK);
+    if (window)
+        EndDialog(window, IDOK);
 }
 
 void TimeSpanPickerPage::Cancel() {
-    if (window) EndDialog(window, IDCANCEL);
+    if (window)
+        EndDialog(window, IDCANCEL);
 }
 
 BOOL TimeSpanPickerPage::OnInitDialog() {
@@ -112,7 +127,8 @@ BOOL TimeSpanPickerPage::OnInitDialog() {
 void TimeSpanPickerPage::Layout() {
     const RECT content = chrome_.Layout();
     const int margin = Scale(PickerChrome::kMargin), gap = Scale(kGap);
-    textRect_ = RECT{margin, content.top + margin, content.right - margin, content.top + margin + Scale(kTextHeight)};
+    textRect_ =
+        RECT{margin, content.top + margin, content.right - margin, content.top + margin + Scale(kTextHeight)};
     const int columnsHeight = Scale(kLabelHeight) + 2 * Scale(kButtonHeight) + Scale(kNumberHeight) + 3 * gap;
     const int room = content.bottom - textRect_.bottom;
     const int top = textRect_.bottom + std::max(0, (room - columnsHeight) / 2);
@@ -131,13 +147,17 @@ void TimeSpanPickerPage::Layout() {
     }
 }
 
-void TimeSpanPickerPage::OnScreenReset() { Layout(); }
-
-void TimeSpanPickerPage::OnDialogReady() {
-    if (OpenObserver()) OpenObserver()(*this);
+void TimeSpanPickerPage::OnScreenReset() {
+    Layout();
 }
 
-void TimeSpanPickerPage::PaintButton(Dc& dc, const RECT& rect, const std::u16string& text, bool pressed) const {
+void TimeSpanPickerPage::OnDialogReady() {
+    if (OpenObserver())
+        OpenObserver()(*this);
+}
+
+void TimeSpanPickerPage::PaintButton(Dc& dc, const RECT& rect, const std::u16string& text,
+                                     bool pressed) const {
     const ButtonColors& colors = SkinStyles::Current().inputForms.buttons;
     const COLORREF back = pressed ? colors.colorButtonBgPressed : colors.colorButtonBg;
     const COLORREF top = pressed ? colors.colorButtonGradientPressed : colors.colorButtonGradient;
@@ -150,7 +170,8 @@ void TimeSpanPickerPage::PaintButton(Dc& dc, const RECT& rect, const std::u16str
 }
 
 void TimeSpanPickerPage::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     chrome_.Paint(*dc);
     const SkinStyles& styles = SkinStyles::Current();
     const InputFormsStyle& form = styles.inputForms;
@@ -172,7 +193,8 @@ void TimeSpanPickerPage::OnPaint(HDC dc) {
         PaintButton(*dc, column.plus, u"+", pressedButton_ == unit * 2);
         PaintButton(*dc, column.minus, u"\u2212", pressedButton_ == unit * 2 + 1);
         dc->FillRect(column.value, form.colorItemBg);
-        if (active) dc->FrameRect(column.value, mark, std::max(1, Scale(1)));
+        if (active)
+            dc->FrameRect(column.value, mark, std::max(1, Scale(1)));
         dc->SetTextColor(form.colorItemText);
         RECT number = column.value;
         const std::u16string digits = ToU16(Part(static_cast<Unit>(unit)));
@@ -182,31 +204,44 @@ void TimeSpanPickerPage::OnPaint(HDC dc) {
 }
 
 void TimeSpanPickerPage::OnCommand(UINT, UINT, HWND control) {
-    if (chrome_.IsOk(control)) Accept();
-    else if (chrome_.IsCancel(control)) Cancel();
+    if (chrome_.IsOk(control))
+        Accept();
+    else if (chrome_.IsCancel(control))
+        Cancel();
 }
 
 void TimeSpanPickerPage::OnKeyDown(UINT key, UINT) {
     switch (key) {
-    case VK_RETURN: Accept(); break;
-    case VK_ESCAPE: Cancel(); break;
-    case VK_UP: StepPart(static_cast<Unit>(active_), 1); break;
-    case VK_DOWN: StepPart(static_cast<Unit>(active_), -1); break;
+    case VK_RETURN:
+        Accept();
+        break;
+    case VK_ESCAPE:
+        Cancel();
+        break;
+    case VK_UP:
+        StepPart(static_cast<Unit>(active_), 1);
+        break;
+    case VK_DOWN:
+        StepPart(static_cast<Unit>(active_), -1);
+        break;
     case VK_LEFT:
     case VK_RIGHT:
         active_ = std::clamp(active_ + (key == VK_LEFT ? -1 : 1), 0, kUnits - 1);
         InvalidateRect(window, nullptr, false);
         break;
-    default: break;
+    default:
+        break;
     }
 }
 
 LRESULT TimeSpanPickerPage::OnPointerDown(int button, int x, int y, WPARAM) {
-    if (button != 0) return 0;
+    if (button != 0)
+        return 0;
     for (int unit = 0; unit < kUnits; ++unit) {
         const Column& column = columns_[static_cast<size_t>(unit)];
         const int which = column.plus.Contains(x, y) ? 0 : column.minus.Contains(x, y) ? 1 : -1;
-        if (which < 0) continue;
+        if (which < 0)
+            continue;
         active_ = unit;
         pressedButton_ = unit * 2 + which;
         StepPart(static_cast<Unit>(unit), which == 0 ? 1 : -1);
@@ -219,10 +254,12 @@ LRESULT TimeSpanPickerPage::OnPointerDown(int button, int x, int y, WPARAM) {
 }
 
 void TimeSpanPickerPage::OnPointerMove(int x, int y, WPARAM) {
-    if (pressedButton_ < 0) return;
+    if (pressedButton_ < 0)
+        return;
     const Column& column = columns_[static_cast<size_t>(pressedButton_ / 2)];
     // Sliding off the button ends the press, as with the toolkit's buttons.
-    if (!(pressedButton_ % 2 ? column.minus : column.plus).Contains(x, y)) EndPress();
+    if (!(pressedButton_ % 2 ? column.minus : column.plus).Contains(x, y))
+        EndPress();
 }
 
 LRESULT TimeSpanPickerPage::OnPointerUp(int, int, int, WPARAM) {
@@ -231,14 +268,17 @@ LRESULT TimeSpanPickerPage::OnPointerUp(int, int, int, WPARAM) {
 }
 
 void TimeSpanPickerPage::OnCaptureChanged(HWND newCapture) {
-    if (newCapture != window) EndPress();
+    if (newCapture != window)
+        EndPress();
 }
 
 void TimeSpanPickerPage::EndPress() {
-    if (pressedButton_ < 0) return;
+    if (pressedButton_ < 0)
+        return;
     pressedButton_ = -1;
     KillTimer(window, kRepeatTimer);
-    if (GetCapture() == window) ReleaseCapture();
+    if (GetCapture() == window)
+        ReleaseCapture();
     InvalidateRect(window, nullptr, false);
 }
 
@@ -247,11 +287,14 @@ void TimeSpanPickerPage::OnTimer(UINT_PTR id) {
         DialogWnd::OnTimer(id);
         return;
     }
-    if (pressedButton_ < 0) return;
+    if (pressedButton_ < 0)
+        return;
     SetTimer(window, kRepeatTimer, kRepeatInterval);
     StepPart(static_cast<Unit>(pressedButton_ / 2), pressedButton_ % 2 ? -1 : 1);
 }
 
-void TimeSpanPickerPage::OnClose() { Cancel(); }
+void TimeSpanPickerPage::OnClose() {
+    Cancel();
+}
 
 } // namespace mirodate

@@ -49,9 +49,10 @@ HWND TimeWheelWnd::Create(HWND parent, int id, const RECT& rect, const std::vect
     // Laid out once: a turning wheel only draws them.
     layouts_.clear();
     layouts_.reserve(labels_.size());
-    for (const std::u16string& label : labels_) layouts_.emplace_back(label, font, 0, false);
-    return BaseWnd::Create(parent, kTimeWheelClass, WS_CHILD | WS_VISIBLE, u"", rect.left, rect.top, rect.Width(),
-                           rect.Height());
+    for (const std::u16string& label : labels_)
+        layouts_.emplace_back(label, font, 0, false);
+    return BaseWnd::Create(parent, kTimeWheelClass, WS_CHILD | WS_VISIBLE, u"", rect.left, rect.top,
+                           rect.Width(), rect.Height());
 }
 
 int TimeWheelWnd::Wrap(long long index) const {
@@ -59,9 +60,13 @@ int TimeWheelWnd::Wrap(long long index) const {
     return static_cast<int>(((index % count) + count) % count);
 }
 
-int TimeWheelWnd::Value() const { return Wrap(std::llround(offset_ / rowHeight_)); }
+int TimeWheelWnd::Value() const {
+    return Wrap(std::llround(offset_ / rowHeight_));
+}
 
-double TimeWheelWnd::Snapped(double offset) const { return std::round(offset / rowHeight_) * rowHeight_; }
+double TimeWheelWnd::Snapped(double offset) const {
+    return std::round(offset / rowHeight_) * rowHeight_;
+}
 
 void TimeWheelWnd::SetValue(int index, bool glide) {
     if (!glide) {
@@ -73,8 +78,10 @@ void TimeWheelWnd::SetValue(int index, bool glide) {
     // The short way round.
     const int count = Count();
     int delta = Wrap(index) - Value();
-    if (delta > count / 2) delta -= count;
-    if (delta < -count / 2) delta += count;
+    if (delta > count / 2)
+        delta -= count;
+    if (delta < -count / 2)
+        delta += count;
     Step(delta);
 }
 
@@ -84,16 +91,19 @@ void TimeWheelWnd::Step(int delta) {
 }
 
 void TimeWheelWnd::Settle() {
-    if (motion_ == Motion::None) return;
+    if (motion_ == Motion::None)
+        return;
     offset_ = target_;
     Stop();
     OffsetChanged();
 }
 
 void TimeWheelWnd::SetActive(bool active) {
-    if (active == active_) return;
+    if (active == active_)
+        return;
     active_ = active;
-    if (window) InvalidateRect(window, nullptr, false);
+    if (window)
+        InvalidateRect(window, nullptr, false);
 }
 
 void TimeWheelWnd::GlideTo(double target, Motion motion) {
@@ -105,18 +115,21 @@ void TimeWheelWnd::GlideTo(double target, Motion motion) {
         OffsetChanged();
         return;
     }
-    if (motion_ == Motion::None && window) SetTimer(window, kMotionTimer, kTick);
+    if (motion_ == Motion::None && window)
+        SetTimer(window, kMotionTimer, kTick);
     motion_ = motion;
     lastTick_ = GetTickCount();
 }
 
 void TimeWheelWnd::Stop() {
-    if (motion_ != Motion::None && window) KillTimer(window, kMotionTimer);
+    if (motion_ != Motion::None && window)
+        KillTimer(window, kMotionTimer);
     motion_ = Motion::None;
     // Back into one turn, so that the position never runs away.
     const double turn = static_cast<double>(Count()) * rowHeight_;
     offset_ = std::fmod(offset_, turn);
-    if (offset_ < 0) offset_ += turn;
+    if (offset_ < 0)
+        offset_ += turn;
 }
 
 void TimeWheelWnd::MotionStep() {
@@ -136,26 +149,32 @@ void TimeWheelWnd::MotionStep() {
 }
 
 void TimeWheelWnd::OffsetChanged() {
-    if (!window) return;
+    if (!window)
+        return;
     InvalidateRect(window, nullptr, false);
     const int value = Value();
-    if (value == lastValue_) return;
+    if (value == lastValue_)
+        return;
     lastValue_ = value;
     if (HWND parent = GetParent(window))
         SendMessage(parent, WM_COMMAND, MAKEWPARAM(id_, kChanged), reinterpret_cast<LPARAM>(window));
 }
 
 double TimeWheelWnd::ReleaseVelocity() const {
-    if (sampleCount_ < 2) return 0;
+    if (sampleCount_ < 2)
+        return 0;
     const Sample& last = samples_[static_cast<size_t>((sampleCount_ - 1) % kSamples)];
     const Sample* first = &last;
     for (int i = sampleCount_ - 2; i >= std::max(0, sampleCount_ - kSamples); --i) {
         const Sample& sample = samples_[static_cast<size_t>(i % kSamples)];
-        if (last.time - sample.time > kVelocityWindow) break;
+        if (last.time - sample.time > kVelocityWindow)
+            break;
         first = &sample;
     }
-    if (last.time == first->time) return 0;
-    const double fingerSpeed = static_cast<double>(last.y - first->y) / static_cast<double>(last.time - first->time);
+    if (last.time == first->time)
+        return 0;
+    const double fingerSpeed =
+        static_cast<double>(last.y - first->y) / static_cast<double>(last.time - first->time);
     const GestureTuning& tuning = GestureTuning::Current();
     const double limit = tuning.maxVelocity / static_cast<double>(tuning.flingTick);
     // The finger moving down brings earlier entries: the offset shrinks.
@@ -163,7 +182,8 @@ double TimeWheelWnd::ReleaseVelocity() const {
 }
 
 LRESULT TimeWheelWnd::OnPointerDown(int button, int, int y, WPARAM) {
-    if (button != 0) return 0;
+    if (button != 0)
+        return 0;
     caught_ = motion_ != Motion::None;
     if (caught_) {
         KillTimer(window, kMotionTimer);
@@ -182,10 +202,12 @@ LRESULT TimeWheelWnd::OnPointerDown(int button, int, int y, WPARAM) {
 }
 
 void TimeWheelWnd::OnPointerMove(int, int y, WPARAM) {
-    if (!pressed_) return;
+    if (!pressed_)
+        return;
     samples_[static_cast<size_t>(sampleCount_ % kSamples)] = Sample{GetTickCount(), y};
     ++sampleCount_;
-    if (!dragging_ && std::abs(y - pressY_) <= GestureTuning::Current().dragThreshold) return;
+    if (!dragging_ && std::abs(y - pressY_) <= GestureTuning::Current().dragThreshold)
+        return;
     dragging_ = true;
     offset_ -= y - lastY_;
     lastY_ = y;
@@ -193,9 +215,11 @@ void TimeWheelWnd::OnPointerMove(int, int y, WPARAM) {
 }
 
 LRESULT TimeWheelWnd::OnPointerUp(int button, int, int y, WPARAM) {
-    if (button != 0 || !pressed_) return 0;
+    if (button != 0 || !pressed_)
+        return 0;
     pressed_ = false;
-    if (GetCapture() == window) ReleaseCapture();
+    if (GetCapture() == window)
+        ReleaseCapture();
     const DWORD now = GetTickCount();
     if (dragging_) {
         offset_ -= y - lastY_;
@@ -227,13 +251,15 @@ LRESULT TimeWheelWnd::OnPointerUp(int button, int, int y, WPARAM) {
 }
 
 void TimeWheelWnd::OnCaptureChanged(HWND newCapture) {
-    if (newCapture == window || !pressed_) return;
+    if (newCapture == window || !pressed_)
+        return;
     pressed_ = false;
     GlideTo(Snapped(offset_), Motion::Snap);
 }
 
 void TimeWheelWnd::OnTimer(UINT_PTR id) {
-    if (id == kMotionTimer) MotionStep();
+    if (id == kMotionTimer)
+        MotionStep();
 }
 
 void TimeWheelWnd::OnSize(UINT, UINT) {
@@ -249,7 +275,8 @@ void TimeWheelWnd::OnSize(UINT, UINT) {
 }
 
 void TimeWheelWnd::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     const SkinStyles& styles = SkinStyles::Current();
     const InputFormsStyle& form = styles.inputForms;
     const COLORREF mark = styles.addModifyForm.colorSelectionMark;

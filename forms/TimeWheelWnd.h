@@ -29,7 +29,8 @@ public:
     TimeWheelWnd();
     ~TimeWheelWnd() override;
 
-    HWND Create(HWND parent, int id, const RECT& rect, const std::vector<std::u16string>& labels, const Font& font);
+    HWND Create(HWND parent, int id, const RECT& rect, const std::vector<std::u16string>& labels,
+                const Font& font);
 
     int Count() const { return static_cast<int>(labels_.size()); }
     // The entry in the band now (while turning, the one passing it).

@@ -26,7 +26,8 @@ SYSTEMTIME FromTm(const std::tm& tm, int milliseconds) {
 
 Clock& Clock::Current() {
     std::call_once(g_defaultOnce, [] {
-        if (!g_clock) g_clock = std::make_unique<RealClock>();
+        if (!g_clock)
+            g_clock = std::make_unique<RealClock>();
     });
     return *g_clock;
 }
@@ -77,6 +78,8 @@ SYSTEMTIME VirtualClock::GetLocalTime() const {
     return FromTm(tm, static_cast<int>(ms % 1000));
 }
 
-void VirtualClock::Advance(std::uint32_t milliseconds) { elapsedMs_ += milliseconds; }
+void VirtualClock::Advance(std::uint32_t milliseconds) {
+    elapsedMs_ += milliseconds;
+}
 
 } // namespace mirodate

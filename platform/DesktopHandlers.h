@@ -15,7 +15,8 @@ public:
     static std::vector<std::string> HandlersFor(const std::string& mimeType);
     // The entry's command line with `file` for its %f/%u codes (left out
     // when empty); nothing when the entry cannot be found or has no Exec.
-    static std::optional<std::vector<std::string>> CommandOf(const std::string& desktopId, const std::string& file);
+    static std::optional<std::vector<std::string>> CommandOf(const std::string& desktopId,
+                                                             const std::string& file);
     // The first calendar program (text/calendar) that is not this one.
     static std::optional<std::vector<std::string>> OtherCalendarCommand(const std::string& file);
     // XDG_DOWNLOAD_DIR from user-dirs.dirs, else ~/Downloads.

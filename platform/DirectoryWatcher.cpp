@@ -16,7 +16,9 @@ constexpr std::uint32_t kWatchMask = IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FRO
 constexpr std::size_t kEventBufferSize = 64 * 1024;
 } // namespace
 
-DirectoryWatcher::~DirectoryWatcher() { Stop(); }
+DirectoryWatcher::~DirectoryWatcher() {
+    Stop();
+}
 
 bool DirectoryWatcher::Start(const std::vector<std::string>& directories, Callback callback) {
     Stop();
@@ -47,8 +49,10 @@ void DirectoryWatcher::Stop() {
         [[maybe_unused]] ssize_t written = write(wakeFd_, &one, sizeof one);
         thread_.join();
     }
-    if (inotifyFd_ >= 0) close(inotifyFd_);
-    if (wakeFd_ >= 0) close(wakeFd_);
+    if (inotifyFd_ >= 0)
+        close(inotifyFd_);
+    if (wakeFd_ >= 0)
+        close(wakeFd_);
     inotifyFd_ = wakeFd_ = -1;
     watches_.clear();
     callback_ = nullptr;
@@ -59,19 +63,25 @@ void DirectoryWatcher::Run() {
     for (;;) {
         pollfd fds[2] = {{inotifyFd_, POLLIN, 0}, {wakeFd_, POLLIN, 0}};
         if (poll(fds, 2, -1) < 0) {
-            if (errno == EINTR) continue;
+            if (errno == EINTR)
+                continue;
             return;
         }
-        if (fds[1].revents) return;
+        if (fds[1].revents)
+            return;
         const ssize_t length = read(inotifyFd_, buffer, sizeof buffer);
-        if (length <= 0) continue;
+        if (length <= 0)
+            continue;
         for (ssize_t offset = 0; offset < length;) {
             const auto* event = reinterpret_cast<const inotify_event*>(buffer + offset);
             offset += static_cast<ssize_t>(sizeof(inotify_event) + event->len);
-            if (event->len == 0 || (event->mask & IN_ISDIR)) continue;
+            if (event->len == 0 || (event->mask & IN_ISDIR))
+                continue;
             const auto it = std::find(watches_.begin(), watches_.end(), event->wd);
-            if (it == watches_.end()) continue;
-            const Change change = (event->mask & (IN_DELETE | IN_MOVED_FROM)) ? Change::Removed : Change::Written;
+            if (it == watches_.end())
+                continue;
+            const Change change =
+                (event->mask & (IN_DELETE | IN_MOVED_FROM)) ? Change::Removed : Change::Written;
             callback_(static_cast<int>(it - watches_.begin()), event->name, change);
         }
     }

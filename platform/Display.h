@@ -11,16 +11,27 @@
 namespace mirodate {
 
 struct DisplayEvent {
-    enum class Type { PointerDown, PointerMove, PointerUp, Wheel, KeyDown, KeyUp, Text, Composition, Resize, Quit };
+    enum class Type {
+        PointerDown,
+        PointerMove,
+        PointerUp,
+        Wheel,
+        KeyDown,
+        KeyUp,
+        Text,
+        Composition,
+        Resize,
+        Quit
+    };
     Type type = Type::PointerMove;
     int x = 0; // pointer position in screen pixels
     int y = 0;
-    int button = 0;          // 0 left (finger), 1 right, 2 middle
-    int wheelDelta = 0;      // multiples of 120 per notch, positive away from the user
-    std::uint32_t key = 0;   // virtual-key code (platform/VirtualKeys.h)
-    std::string text;        // UTF-8 for Text; for Composition the text being composed (empty: none)
+    int button = 0;            // 0 left (finger), 1 right, 2 middle
+    int wheelDelta = 0;        // multiples of 120 per notch, positive away from the user
+    std::uint32_t key = 0;     // virtual-key code (platform/VirtualKeys.h)
+    std::string text;          // UTF-8 for Text; for Composition the text being composed (empty: none)
     int compositionCursor = 0; // Composition: the input method's caret, in code points into `text`
-    int width = 0;           // new screen size for Resize
+    int width = 0;             // new screen size for Resize
     int height = 0;
 };
 

@@ -16,7 +16,8 @@ void HeadlessDisplay::Present(const std::uint8_t* pixels, int stride) {
 }
 
 std::uint32_t HeadlessDisplay::PixelAt(int x, int y) const {
-    if (x < 0 || y < 0 || x >= width_ || y >= height_ || frame_.empty()) return 0;
+    if (x < 0 || y < 0 || x >= width_ || y >= height_ || frame_.empty())
+        return 0;
     return frame_[static_cast<size_t>(y) * static_cast<size_t>(width_) + static_cast<size_t>(x)] & 0xFFFFFF;
 }
 
@@ -33,7 +34,8 @@ bool HeadlessDisplay::SetClipboardText(const std::string& utf8) {
 
 bool HeadlessDisplay::PollEvent(DisplayEvent& event) {
     std::lock_guard lock(mutex_);
-    if (events_.empty()) return false;
+    if (events_.empty())
+        return false;
     event = std::move(events_.front());
     events_.pop_front();
     if (event.type == DisplayEvent::Type::Resize && event.width > 0 && event.height > 0) {

@@ -8,11 +8,11 @@
 namespace mirodate::instance {
 
 enum FrameType : char {
-    kFindWindow = 'W',    // payload: class "\n" title (UTF-8); reply: "1" or "0"
-    kBroadcast = 'B',     // payload: registered message name; reply: empty
-    kCopyData = 'C',      // payload: dwData (4 bytes LE) + the bytes; reply: result (4 bytes LE)
-    kBringToFront = 'F',  // payload: class "\n" title; reply: empty
-    kClose = 'X',         // payload: class "\n" title; WM_CLOSE without waiting; reply: empty
+    kFindWindow = 'W',   // payload: class "\n" title (UTF-8); reply: "1" or "0"
+    kBroadcast = 'B',    // payload: registered message name; reply: empty
+    kCopyData = 'C',     // payload: dwData (4 bytes LE) + the bytes; reply: result (4 bytes LE)
+    kBringToFront = 'F', // payload: class "\n" title; reply: empty
+    kClose = 'X',        // payload: class "\n" title; WM_CLOSE without waiting; reply: empty
     kReply = 'R',
 };
 
@@ -25,13 +25,15 @@ constexpr int kClientTimeoutMs = 2000;
 
 inline std::string EncodeU32(std::uint32_t value) {
     std::string out(4, '\0');
-    for (int i = 0; i < 4; ++i) out[i] = static_cast<char>((value >> (8 * i)) & 0xFF);
+    for (int i = 0; i < 4; ++i)
+        out[i] = static_cast<char>((value >> (8 * i)) & 0xFF);
     return out;
 }
 
 inline std::uint32_t DecodeU32(const char* bytes) {
     std::uint32_t value = 0;
-    for (int i = 0; i < 4; ++i) value |= static_cast<std::uint32_t>(static_cast<unsigned char>(bytes[i])) << (8 * i);
+    for (int i = 0; i < 4; ++i)
+        value |= static_cast<std::uint32_t>(static_cast<unsigned char>(bytes[i])) << (8 * i);
     return value;
 }
 

@@ -33,14 +33,16 @@ struct Client {
 bool FillAddress(const std::string& path, sockaddr_un& address) {
     std::memset(&address, 0, sizeof address);
     address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof address.sun_path) return false;
+    if (path.size() >= sizeof address.sun_path)
+        return false;
     std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
     return true;
 }
 
 bool SomeoneListens(const sockaddr_un& address) {
     int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (fd < 0) return false;
+    if (fd < 0)
+        return false;
     bool live = connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
     close(fd);
     return live;
@@ -50,22 +52,29 @@ bool SendAll(int fd, const std::string& data) {
     size_t sent = 0;
     while (sent < data.size()) {
         ssize_t n = send(fd, data.data() + sent, data.size() - sent, MSG_NOSIGNAL);
-        if (n < 0 && errno == EINTR) continue;
+        if (n < 0 && errno == EINTR)
+            continue;
         if (n < 0 && errno == EAGAIN) {
             pollfd p{fd, POLLOUT, 0};
-            if (poll(&p, 1, kClientTimeoutMs) <= 0) return false;
+            if (poll(&p, 1, kClientTimeoutMs) <= 0)
+                return false;
             continue;
         }
-        if (n <= 0) return false;
+        if (n <= 0)
+            return false;
         sent += static_cast<size_t>(n);
     }
     return true;
 }
 } // namespace
 
-std::string InstanceServer::DefaultSocketPath() { return Paths::RuntimeDir() + "/mirodate.sock"; }
+std::string InstanceServer::DefaultSocketPath() {
+    return Paths::RuntimeDir() + "/mirodate.sock";
+}
 
-InstanceServer::~InstanceServer() { Stop(); }
+InstanceServer::~InstanceServer() {
+    Stop();
+}
 
 bool InstanceServer::Start(const std::string& socketPath, Handler handler) {
     Stop();
@@ -77,7 +86,8 @@ bool InstanceServer::Start(const std::string& socketPath, Handler handler) {
     // Two starts racing for a stale socket must not both remove it: the
     // check-and-bind runs under a lock file beside the socket.
     int lockFd = open((socketPath + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    if (lockFd >= 0) flock(lockFd, LOCK_EX);
+    if (lockFd >= 0)
+        flock(lockFd, LOCK_EX);
     int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     bool bound = false;
     if (fd >= 0) {
@@ -87,14 +97,16 @@ bool InstanceServer::Start(const std::string& socketPath, Handler handler) {
             unlink(socketPath.c_str());
             bound = bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
         }
-        if (bound) bound = listen(fd, 16) == 0;
+        if (bound)
+            bound = listen(fd, 16) == 0;
     }
     if (lockFd >= 0) {
         flock(lockFd, LOCK_UN);
         close(lockFd);
     }
     if (!bound) {
-        if (fd >= 0) close(fd);
+        if (fd >= 0)
+            close(fd);
         return false;
     }
     if (pipe2(wakePipe_, O_CLOEXEC | O_NONBLOCK) != 0) {
@@ -110,7 +122,8 @@ bool InstanceServer::Start(const std::string& socketPath, Handler handler) {
 }
 
 void InstanceServer::Stop() {
-    if (!thread_.joinable()) return;
+    if (!thread_.joinable())
+        return;
     char byte = 1;
     [[maybe_unused]] ssize_t ignored = write(wakePipe_[1], &byte, 1);
     thread_.join();
@@ -128,10 +141,13 @@ void InstanceServer::Serve() {
         fds.clear();
         fds.push_back({wakePipe_[0], POLLIN, 0});
         fds.push_back({listenFd_, static_cast<short>(clients.size() < kMaxClients ? POLLIN : 0), 0});
-        for (const auto& client : clients) fds.push_back({client.fd, POLLIN, 0});
+        for (const auto& client : clients)
+            fds.push_back({client.fd, POLLIN, 0});
         int ready = poll(fds.data(), fds.size(), 250);
-        if (ready < 0 && errno != EINTR) break;
-        if (fds[0].revents) break;
+        if (ready < 0 && errno != EINTR)
+            break;
+        if (fds[0].revents)
+            break;
 
         const auto now = std::chrono::steady_clock::now();
         for (size_t i = 0; i < clients.size(); ++i) {
@@ -168,7 +184,8 @@ void InstanceServer::Serve() {
                     reply = handler_.hasWindow && handler_.hasWindow(className, title) ? "1" : "0";
                     break;
                 case kBroadcast:
-                    if (handler_.broadcast) handler_.broadcast(payload);
+                    if (handler_.broadcast)
+                        handler_.broadcast(payload);
                     break;
                 case kCopyData: {
                     if (payload.size() < 4) {
@@ -176,25 +193,30 @@ void InstanceServer::Serve() {
                         break;
                     }
                     std::int32_t result = 0;
-                    if (handler_.copyData) result = handler_.copyData(DecodeU32(payload.data()), payload.substr(4));
+                    if (handler_.copyData)
+                        result = handler_.copyData(DecodeU32(payload.data()), payload.substr(4));
                     reply = EncodeU32(static_cast<std::uint32_t>(result));
                     break;
                 }
                 case kBringToFront:
                     InstanceFrameReader::SplitClassTitle(payload, className, title);
-                    if (handler_.bringToFront) handler_.bringToFront(className, title);
+                    if (handler_.bringToFront)
+                        handler_.bringToFront(className, title);
                     break;
                 case kClose:
                     InstanceFrameReader::SplitClassTitle(payload, className, title);
-                    if (handler_.close) handler_.close(className, title);
+                    if (handler_.close)
+                        handler_.close(className, title);
                     break;
                 default:
                     Log::Warning("instance link: unknown frame type %d", static_cast<int>(type));
                     drop = true;
                 }
-                if (!drop && !SendAll(client.fd, EncodeFrame(kReply, reply))) drop = true;
+                if (!drop && !SendAll(client.fd, EncodeFrame(kReply, reply)))
+                    drop = true;
             }
-            if (!drop && now - client.lastActivity > std::chrono::milliseconds(kClientTimeoutMs)) drop = true;
+            if (!drop && now - client.lastActivity > std::chrono::milliseconds(kClientTimeoutMs))
+                drop = true;
             if (drop) {
                 close(client.fd);
                 client.fd = -1;
@@ -204,10 +226,12 @@ void InstanceServer::Serve() {
 
         if (fds[1].revents & POLLIN) {
             int fd = accept4(listenFd_, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
-            if (fd >= 0) clients.push_back({fd, {}, std::chrono::steady_clock::now()});
+            if (fd >= 0)
+                clients.push_back({fd, {}, std::chrono::steady_clock::now()});
         }
     }
-    for (auto& client : clients) close(client.fd);
+    for (auto& client : clients)
+        close(client.fd);
 }
 
 } // namespace mirodate

@@ -16,7 +16,8 @@ constexpr const char* kCategory = "x-mirodate.reminder";
 
 void Send(const std::string& summary, const std::string& body) {
     NotifyNotification* note = notify_notification_new(summary.c_str(), body.c_str(), kIcon);
-    if (!note) return;
+    if (!note)
+        return;
     notify_notification_set_timeout(note, LibnotifyNotifier::kExpireMs);
     notify_notification_set_category(note, kCategory);
     notify_notification_set_urgency(note, NOTIFY_URGENCY_NORMAL);
@@ -24,7 +25,8 @@ void Send(const std::string& summary, const std::string& body) {
     if (!notify_notification_show(note, &error)) {
         Log::Info("notification \"%s\" not shown: %s", summary.c_str(), error ? error->message : "no server");
     }
-    if (error) g_error_free(error);
+    if (error)
+        g_error_free(error);
     g_object_unref(G_OBJECT(note));
 }
 } // namespace
@@ -32,7 +34,8 @@ void Send(const std::string& summary, const std::string& body) {
 LibnotifyNotifier::LibnotifyNotifier() : shared_(std::make_shared<Shared>()) {}
 
 LibnotifyNotifier::~LibnotifyNotifier() {
-    if (!worker_.joinable()) return;
+    if (!worker_.joinable())
+        return;
     std::unique_lock lock(shared_->mutex);
     shared_->stop = true;
     shared_->wake.notify_all();
@@ -62,7 +65,8 @@ bool LibnotifyNotifier::Show(const std::string& summary, const std::string& body
         return false;
     }
     shared_->queue.emplace_back(summary, body);
-    if (!worker_.joinable()) worker_ = std::thread(Work, shared_);
+    if (!worker_.joinable())
+        worker_ = std::thread(Work, shared_);
     shared_->wake.notify_all();
     return true;
 }
@@ -72,16 +76,20 @@ void LibnotifyNotifier::Work(std::shared_ptr<Shared> shared) {
     std::unique_lock lock(shared->mutex);
     for (;;) {
         shared->wake.wait(lock, [&] { return shared->stop || !shared->queue.empty(); });
-        if (shared->queue.empty()) break;
+        if (shared->queue.empty())
+            break;
         auto [summary, body] = std::move(shared->queue.front());
         shared->queue.pop_front();
         shared->busy = true;
         lock.unlock();
-        if (ready) Send(summary, body);
+        if (ready)
+            Send(summary, body);
         lock.lock();
         shared->busy = false;
-        if (shared->queue.empty()) shared->idle.notify_all();
-        if (shared->stop && shared->queue.empty()) break;
+        if (shared->queue.empty())
+            shared->idle.notify_all();
+        if (shared->stop && shared->queue.empty())
+            break;
     }
     shared->idle.notify_all();
 }

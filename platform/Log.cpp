@@ -11,11 +11,16 @@ std::atomic<bool> g_verbose{false};
 std::mutex g_writeMutex;
 } // namespace
 
-void Log::SetVerbose(bool verbose) { g_verbose = verbose; }
-bool Log::IsVerbose() { return g_verbose; }
+void Log::SetVerbose(bool verbose) {
+    g_verbose = verbose;
+}
+bool Log::IsVerbose() {
+    return g_verbose;
+}
 
 void Log::Write(Level level, const char* format, va_list args) {
-    if (level < Level::Warning && !g_verbose) return;
+    if (level < Level::Warning && !g_verbose)
+        return;
     static const char* const kNames[] = {"debug", "info", "warning", "error"};
     char buffer[2048];
     vsnprintf(buffer, sizeof buffer, format, args);

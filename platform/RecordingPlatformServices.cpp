@@ -25,8 +25,10 @@ bool RecordingPlatformServices::RunProgram(const std::vector<std::string>& argv)
 }
 
 int RecordingPlatformServices::RunProgramAndWait(const std::vector<std::string>& argv) {
-    if (!RunProgram(argv)) return -1;
-    if (waitHook_) waitHook_(argv);
+    if (!RunProgram(argv))
+        return -1;
+    if (waitHook_)
+        waitHook_(argv);
     return 0;
 }
 

@@ -20,7 +20,9 @@ public:
     // Recorded like RunProgram; the hook runs in place of the program, while
     // the caller waits (0 is the exit status then).
     int RunProgramAndWait(const std::vector<std::string>& argv) override;
-    void SetWaitHook(std::function<void(const std::vector<std::string>&)> hook) { waitHook_ = std::move(hook); }
+    void SetWaitHook(std::function<void(const std::vector<std::string>&)> hook) {
+        waitHook_ = std::move(hook);
+    }
 
     // The calls so far, arguments joined by single blanks.
     const std::vector<std::string>& Calls() const { return calls_; }

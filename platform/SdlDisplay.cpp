@@ -12,51 +12,79 @@ namespace {
 constexpr int kWheelDelta = 120;
 
 std::uint32_t VirtualKeyFromSdl(SDL_Keycode key) {
-    if (key >= SDLK_a && key <= SDLK_z) return static_cast<std::uint32_t>('A' + (key - SDLK_a));
-    if (key >= SDLK_0 && key <= SDLK_9) return static_cast<std::uint32_t>('0' + (key - SDLK_0));
-    if (key >= SDLK_F1 && key <= SDLK_F12) return VK_F1 + static_cast<std::uint32_t>(key - SDLK_F1);
+    if (key >= SDLK_a && key <= SDLK_z)
+        return static_cast<std::uint32_t>('A' + (key - SDLK_a));
+    if (key >= SDLK_0 && key <= SDLK_9)
+        return static_cast<std::uint32_t>('0' + (key - SDLK_0));
+    if (key >= SDLK_F1 && key <= SDLK_F12)
+        return VK_F1 + static_cast<std::uint32_t>(key - SDLK_F1);
     switch (key) {
-    case SDLK_BACKSPACE: return VK_BACK;
-    case SDLK_TAB: return VK_TAB;
+    case SDLK_BACKSPACE:
+        return VK_BACK;
+    case SDLK_TAB:
+        return VK_TAB;
     case SDLK_RETURN:
-    case SDLK_KP_ENTER: return VK_RETURN;
+    case SDLK_KP_ENTER:
+        return VK_RETURN;
     case SDLK_ESCAPE:
-    case SDLK_AC_BACK: return VK_ESCAPE;
-    case SDLK_SPACE: return VK_SPACE;
-    case SDLK_PAGEUP: return VK_PRIOR;
-    case SDLK_PAGEDOWN: return VK_NEXT;
-    case SDLK_END: return VK_END;
-    case SDLK_HOME: return VK_HOME;
-    case SDLK_LEFT: return VK_LEFT;
-    case SDLK_UP: return VK_UP;
-    case SDLK_RIGHT: return VK_RIGHT;
-    case SDLK_DOWN: return VK_DOWN;
-    case SDLK_DELETE: return VK_DELETE;
+    case SDLK_AC_BACK:
+        return VK_ESCAPE;
+    case SDLK_SPACE:
+        return VK_SPACE;
+    case SDLK_PAGEUP:
+        return VK_PRIOR;
+    case SDLK_PAGEDOWN:
+        return VK_NEXT;
+    case SDLK_END:
+        return VK_END;
+    case SDLK_HOME:
+        return VK_HOME;
+    case SDLK_LEFT:
+        return VK_LEFT;
+    case SDLK_UP:
+        return VK_UP;
+    case SDLK_RIGHT:
+        return VK_RIGHT;
+    case SDLK_DOWN:
+        return VK_DOWN;
+    case SDLK_DELETE:
+        return VK_DELETE;
     case SDLK_LSHIFT:
-    case SDLK_RSHIFT: return VK_SHIFT;
+    case SDLK_RSHIFT:
+        return VK_SHIFT;
     case SDLK_LCTRL:
-    case SDLK_RCTRL: return VK_CONTROL;
+    case SDLK_RCTRL:
+        return VK_CONTROL;
     case SDLK_LALT:
-    case SDLK_RALT: return VK_MENU;
-    default: return 0;
+    case SDLK_RALT:
+        return VK_MENU;
+    default:
+        return 0;
     }
 }
 
 int ButtonFromSdl(std::uint8_t button) {
     switch (button) {
-    case SDL_BUTTON_RIGHT: return 1;
-    case SDL_BUTTON_MIDDLE: return 2;
-    default: return 0;
+    case SDL_BUTTON_RIGHT:
+        return 1;
+    case SDL_BUTTON_MIDDLE:
+        return 2;
+    default:
+        return 0;
     }
 }
 } // namespace
 
 SdlDisplay::~SdlDisplay() {
-    if (waitCursor_) SDL_SetCursor(SDL_GetDefaultCursor());
+    if (waitCursor_)
+        SDL_SetCursor(SDL_GetDefaultCursor());
     waitCursor_.reset(); // before SDL goes away
-    if (texture_) SDL_DestroyTexture(texture_);
-    if (renderer_) SDL_DestroyRenderer(renderer_);
-    if (window_) SDL_DestroyWindow(window_);
+    if (texture_)
+        SDL_DestroyTexture(texture_);
+    if (renderer_)
+        SDL_DestroyRenderer(renderer_);
+    if (window_)
+        SDL_DestroyWindow(window_);
     SDL_QuitSubSystem(SDL_INIT_VIDEO | SDL_INIT_EVENTS);
 }
 
@@ -74,8 +102,8 @@ std::unique_ptr<SdlDisplay> SdlDisplay::Open(const std::string& title, int width
         return nullptr;
     }
     std::unique_ptr<SdlDisplay> display(new SdlDisplay());
-    display->window_ = SDL_CreateWindow(title.c_str(), SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, width,
-                                        height, SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
+    display->window_ = SDL_CreateWindow(title.c_str(), SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED,
+                                        width, height, SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
     if (!display->window_) {
         error = std::string("cannot create the window: ") + SDL_GetError();
         return nullptr;
@@ -83,7 +111,8 @@ std::unique_ptr<SdlDisplay> SdlDisplay::Open(const std::string& title, int width
     // The frame is drawn in memory already; the software renderer only copies
     // it, without starting a GL driver for that.
     display->renderer_ = SDL_CreateRenderer(display->window_, -1, SDL_RENDERER_SOFTWARE);
-    if (!display->renderer_) display->renderer_ = SDL_CreateRenderer(display->window_, -1, 0);
+    if (!display->renderer_)
+        display->renderer_ = SDL_CreateRenderer(display->window_, -1, 0);
     if (!display->renderer_) {
         error = std::string("cannot create a renderer: ") + SDL_GetError();
         return nullptr;
@@ -99,7 +128,8 @@ std::unique_ptr<SdlDisplay> SdlDisplay::Open(const std::string& title, int width
 
 void SdlDisplay::Present(const std::uint8_t* pixels, int stride) {
     if (!texture_ || textureWidth_ != width_ || textureHeight_ != height_) {
-        if (texture_) SDL_DestroyTexture(texture_);
+        if (texture_)
+            SDL_DestroyTexture(texture_);
         texture_ = SDL_CreateTexture(renderer_, SDL_PIXELFORMAT_RGB888, SDL_TEXTUREACCESS_STREAMING, width_,
                                      height_);
         textureWidth_ = width_;
@@ -118,25 +148,31 @@ void SdlDisplay::Present(const std::uint8_t* pixels, int stride) {
 bool SdlDisplay::Translate(const SDL_Event& sdl, DisplayEvent& event) {
     using T = DisplayEvent::Type;
     switch (sdl.type) {
-    case SDL_QUIT: event.type = T::Quit; return true;
+    case SDL_QUIT:
+        event.type = T::Quit;
+        return true;
     case SDL_MOUSEBUTTONDOWN:
     case SDL_MOUSEBUTTONUP:
-        if (sdl.button.which == SDL_TOUCH_MOUSEID) return false;
+        if (sdl.button.which == SDL_TOUCH_MOUSEID)
+            return false;
         event.type = sdl.type == SDL_MOUSEBUTTONDOWN ? T::PointerDown : T::PointerUp;
         event.x = sdl.button.x;
         event.y = sdl.button.y;
         event.button = ButtonFromSdl(sdl.button.button);
-        if (event.button == 0) pointerDown_ = sdl.type == SDL_MOUSEBUTTONDOWN;
+        if (event.button == 0)
+            pointerDown_ = sdl.type == SDL_MOUSEBUTTONDOWN;
         return true;
     case SDL_MOUSEMOTION:
         // A finger cannot hover: moves count only while the pointer is down.
-        if (sdl.motion.which == SDL_TOUCH_MOUSEID || !pointerDown_) return false;
+        if (sdl.motion.which == SDL_TOUCH_MOUSEID || !pointerDown_)
+            return false;
         event.type = T::PointerMove;
         event.x = sdl.motion.x;
         event.y = sdl.motion.y;
         return true;
     case SDL_MOUSEWHEEL:
-        if (sdl.wheel.which == SDL_TOUCH_MOUSEID) return false;
+        if (sdl.wheel.which == SDL_TOUCH_MOUSEID)
+            return false;
         event.type = T::Wheel;
         SDL_GetMouseState(&event.x, &event.y);
         event.wheelDelta = sdl.wheel.y * kWheelDelta;
@@ -144,10 +180,12 @@ bool SdlDisplay::Translate(const SDL_Event& sdl, DisplayEvent& event) {
     case SDL_FINGERDOWN:
     case SDL_FINGERMOTION:
     case SDL_FINGERUP: {
-        if (sdl.tfinger.touchId == SDL_MOUSE_TOUCHID) return false;
+        if (sdl.tfinger.touchId == SDL_MOUSE_TOUCHID)
+            return false;
         const long long finger = static_cast<long long>(sdl.tfinger.fingerId);
         if (sdl.type == SDL_FINGERDOWN) {
-            if (activeFinger_ != -1) return false; // a second finger does not move the pointer
+            if (activeFinger_ != -1)
+                return false; // a second finger does not move the pointer
             activeFinger_ = finger;
             event.type = T::PointerDown;
         } else if (finger != activeFinger_) {
@@ -186,15 +224,18 @@ bool SdlDisplay::Translate(const SDL_Event& sdl, DisplayEvent& event) {
         event.compositionCursor = sdl.editExt.start;
         return true;
     case SDL_WINDOWEVENT:
-        if (sdl.window.event != SDL_WINDOWEVENT_SIZE_CHANGED) return false;
-        if (sdl.window.data1 == width_ && sdl.window.data2 == height_) return false;
+        if (sdl.window.event != SDL_WINDOWEVENT_SIZE_CHANGED)
+            return false;
+        if (sdl.window.data1 == width_ && sdl.window.data2 == height_)
+            return false;
         width_ = sdl.window.data1;
         height_ = sdl.window.data2;
         event.type = T::Resize;
         event.width = width_;
         event.height = height_;
         return true;
-    default: return false;
+    default:
+        return false;
     }
 }
 
@@ -207,15 +248,19 @@ bool SdlDisplay::PollEvent(DisplayEvent& event) {
         } else if (!SDL_PollEvent(&sdl)) {
             return false;
         }
-        if (sdl.type == wakeEventType_) continue;
+        if (sdl.type == wakeEventType_)
+            continue;
         event = DisplayEvent();
-        if (Translate(sdl, event)) return true;
+        if (Translate(sdl, event))
+            return true;
     }
 }
 
 void SdlDisplay::WaitEvent(int timeoutMs) {
-    if (pendingEvent_) return;
-    const int got = timeoutMs < 0 ? SDL_WaitEvent(pending_.get()) : SDL_WaitEventTimeout(pending_.get(), timeoutMs);
+    if (pendingEvent_)
+        return;
+    const int got =
+        timeoutMs < 0 ? SDL_WaitEvent(pending_.get()) : SDL_WaitEventTimeout(pending_.get(), timeoutMs);
     pendingEvent_ = got != 0;
 }
 
@@ -228,29 +273,39 @@ void SdlDisplay::Wake() {
 void SdlDisplay::StartTextInput(int x, int y, int width, int height) {
     SDL_Rect rect{x, y, width, height};
     SDL_SetTextInputRect(&rect);
-    if (!SDL_IsTextInputActive()) SDL_StartTextInput();
+    if (!SDL_IsTextInputActive())
+        SDL_StartTextInput();
 }
 
 void SdlDisplay::StopTextInput() {
-    if (SDL_IsTextInputActive()) SDL_StopTextInput();
+    if (SDL_IsTextInputActive())
+        SDL_StopTextInput();
 }
 
-bool SdlDisplay::IsTextInputActive() const { return SDL_IsTextInputActive() == SDL_TRUE; }
+bool SdlDisplay::IsTextInputActive() const {
+    return SDL_IsTextInputActive() == SDL_TRUE;
+}
 
-bool SdlDisplay::HasClipboardText() const { return SDL_HasClipboardText() == SDL_TRUE; }
+bool SdlDisplay::HasClipboardText() const {
+    return SDL_HasClipboardText() == SDL_TRUE;
+}
 
 std::string SdlDisplay::GetClipboardText() const {
     char* text = SDL_GetClipboardText();
-    if (!text) return {};
+    if (!text)
+        return {};
     std::string copy(text);
     SDL_free(text);
     return copy;
 }
 
-bool SdlDisplay::SetClipboardText(const std::string& utf8) { return SDL_SetClipboardText(utf8.c_str()) == 0; }
+bool SdlDisplay::SetClipboardText(const std::string& utf8) {
+    return SDL_SetClipboardText(utf8.c_str()) == 0;
+}
 
 void SdlDisplay::SetFullScreen(bool fullScreen) {
-    if (fullScreen == fullScreen_) return;
+    if (fullScreen == fullScreen_)
+        return;
     fullScreen_ = fullScreen;
     SDL_SetWindowFullscreen(window_, fullScreen ? SDL_WINDOW_FULLSCREEN_DESKTOP : 0);
 }
@@ -259,17 +314,22 @@ void SdlDisplay::SetFullScreen(bool fullScreen) {
 
 namespace mirodate {
 
-void SdlDisplay::CursorDeleter::operator()(SDL_Cursor* cursor) const { SDL_FreeCursor(cursor); }
+void SdlDisplay::CursorDeleter::operator()(SDL_Cursor* cursor) const {
+    SDL_FreeCursor(cursor);
+}
 
 void SdlDisplay::SetBusyCursor(bool busy) {
     if (busy) {
-        if (!waitCursor_) waitCursor_.reset(SDL_CreateSystemCursor(SDL_SYSTEM_CURSOR_WAIT));
-        if (!waitCursor_ || SDL_GetCursor() == waitCursor_.get()) return;
+        if (!waitCursor_)
+            waitCursor_.reset(SDL_CreateSystemCursor(SDL_SYSTEM_CURSOR_WAIT));
+        if (!waitCursor_ || SDL_GetCursor() == waitCursor_.get())
+            return;
         cursorBeforeWait_ = SDL_GetCursor();
         SDL_SetCursor(waitCursor_.get());
         return;
     }
-    if (!waitCursor_ || SDL_GetCursor() != waitCursor_.get()) return;
+    if (!waitCursor_ || SDL_GetCursor() != waitCursor_.get())
+        return;
     SDL_SetCursor(cursorBeforeWait_ ? cursorBeforeWait_ : SDL_GetDefaultCursor());
     cursorBeforeWait_ = nullptr;
 }

@@ -57,7 +57,7 @@ private:
     bool pointerDown_ = false;
     long long activeFinger_ = -1; // the finger that acts as the pointer
     std::uint32_t wakeEventType_ = 0;
-    bool pendingEvent_ = false;   // an event taken by WaitEvent, not yet polled
+    bool pendingEvent_ = false; // an event taken by WaitEvent, not yet polled
     std::unique_ptr<SDL_Event> pending_;
     // The system wait cursor, made on first use, and the one it replaced.
     struct CursorDeleter {

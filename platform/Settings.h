@@ -65,7 +65,7 @@ public:
     static bool GetSplitMonthView();
     static bool GetColorizeText();
     static bool GetShowTimeOnWeek();
-    static int GetTaskSort(); // negative reads as 0
+    static int GetTaskSort();                      // negative reads as 0
     static int GetWeekMaxEvents(int defaultValue); // negative means no limit
     static bool GetShowTasksByDueDate();
     static bool GetShowTasksByStartDate();

@@ -48,7 +48,8 @@ SettingsStore::SettingsStore(std::string path) : path_(std::move(path)) {}
 SettingsStore::FileStamp SettingsStore::Stamp() const {
     struct stat st {};
     FileStamp stamp;
-    if (stat(path_.c_str(), &st) != 0) return stamp;
+    if (stat(path_.c_str(), &st) != 0)
+        return stamp;
     stamp.exists = true;
     stamp.device = st.st_dev;
     stamp.inode = st.st_ino;
@@ -62,10 +63,17 @@ std::string SettingsStore::EscapeValue(const std::string& utf8) {
     out.reserve(utf8.size());
     for (char c : utf8) {
         switch (c) {
-        case '\\': out += "\\\\"; break;
-        case '\n': out += "\\n"; break;
-        case '\r': out += "\\r"; break;
-        default: out += c;
+        case '\\':
+            out += "\\\\";
+            break;
+        case '\n':
+            out += "\\n";
+            break;
+        case '\r':
+            out += "\\r";
+            break;
+        default:
+            out += c;
         }
     }
     return out;
@@ -91,7 +99,8 @@ void SettingsStore::LoadLocked() {
     loadedStamp_ = Stamp();
     loaded_ = true;
     unreadable_ = false;
-    if (!loadedStamp_.exists) return;
+    if (!loadedStamp_.exists)
+        return;
     // Until it is read, the file must not be replaced by one without its values.
     unreadable_ = true;
     if (loadedStamp_.size > kMaxFileBytes) {
@@ -111,9 +120,11 @@ void SettingsStore::LoadLocked() {
     unreadable_ = false;
     std::string line;
     while (std::getline(in, line)) {
-        if (!line.empty() && line.back() == '\r') line.pop_back();
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
         auto eq = line.find('=');
-        if (eq == std::string::npos || eq == 0) continue;
+        if (eq == std::string::npos || eq == 0)
+            continue;
         std::string name = line.substr(0, eq);
         if (line.size() - eq - 1 > kMaxValueBytes) {
             Log::Warning("settings file %s: the value of %s is longer than %zu bytes and is not used",
@@ -128,32 +139,41 @@ void SettingsStore::LoadLocked() {
 }
 
 void SettingsStore::RefreshLocked() {
-    if (!loaded_ || !(Stamp() == loadedStamp_)) LoadLocked();
+    if (!loaded_ || !(Stamp() == loadedStamp_))
+        LoadLocked();
 }
 
 std::optional<std::u16string> SettingsStore::Get(const std::string& name) {
     std::lock_guard lock(mutex_);
     RefreshLocked();
     auto it = values_.find(name);
-    if (it == values_.end()) return std::nullopt;
+    if (it == values_.end())
+        return std::nullopt;
     return it->second;
 }
 
-bool SettingsStore::Set(const std::string& name, const std::u16string& value) { return Modify(name, value); }
+bool SettingsStore::Set(const std::string& name, const std::u16string& value) {
+    return Modify(name, value);
+}
 
-bool SettingsStore::Remove(const std::string& name) { return Modify(name, std::nullopt); }
+bool SettingsStore::Remove(const std::string& name) {
+    return Modify(name, std::nullopt);
+}
 
 bool SettingsStore::Modify(const std::string& name, const std::optional<std::u16string>& value) {
-    if (name.empty() || name.find_first_of("=\r\n") != std::string::npos) return false;
+    if (name.empty() || name.find_first_of("=\r\n") != std::string::npos)
+        return false;
     std::lock_guard lock(mutex_);
     auto slash = path_.rfind('/');
     std::string dir = slash == std::string::npos ? "." : path_.substr(0, slash);
-    if (!Paths::MakeDirs(dir, 0700)) return false;
+    if (!Paths::MakeDirs(dir, 0700))
+        return false;
 
     // Serialise writers across processes, then merge our change into what is
     // on disk now, not what we read earlier.
     LockedFd fileLock(path_ + ".lock");
-    if (!fileLock.Ok()) return false;
+    if (!fileLock.Ok())
+        return false;
     LoadLocked();
     if (unreadable_)
         return false;
@@ -177,12 +197,15 @@ bool SettingsStore::Modify(const std::string& name, const std::optional<std::u16
 
     std::string temp = path_ + ".tmp." + std::to_string(getpid());
     int fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (fd < 0) return false;
+    if (fd < 0)
+        return false;
     size_t written = 0;
     while (written < data.size()) {
         ssize_t n = write(fd, data.data() + written, data.size() - written);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) break;
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            break;
         written += static_cast<size_t>(n);
     }
     bool ok = written == data.size() && fsync(fd) == 0;

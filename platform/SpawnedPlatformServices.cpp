@@ -19,7 +19,8 @@ class SpawnAttributes {
 public:
     SpawnAttributes() { ok_ = posix_spawnattr_init(&attr_) == 0; }
     ~SpawnAttributes() {
-        if (ok_) posix_spawnattr_destroy(&attr_);
+        if (ok_)
+            posix_spawnattr_destroy(&attr_);
     }
     SpawnAttributes(const SpawnAttributes&) = delete;
     SpawnAttributes& operator=(const SpawnAttributes&) = delete;
@@ -35,14 +36,17 @@ private:
 namespace {
 // Starts `argv` in a session of its own; the child's id, or 0.
 pid_t Spawn(const std::vector<std::string>& argv) {
-    if (argv.empty() || argv[0].empty()) return 0;
+    if (argv.empty() || argv[0].empty())
+        return 0;
     std::vector<char*> args;
     args.reserve(argv.size() + 1);
-    for (const std::string& arg : argv) args.push_back(const_cast<char*>(arg.c_str()));
+    for (const std::string& arg : argv)
+        args.push_back(const_cast<char*>(arg.c_str()));
     args.push_back(nullptr);
 
     SpawnAttributes attributes;
-    if (!attributes.Ok()) return 0;
+    if (!attributes.Ok())
+        return 0;
     // The child starts with no signals blocked and default handlers, whatever
     // our threads have set up.
     sigset_t none, all;
@@ -50,7 +54,8 @@ pid_t Spawn(const std::vector<std::string>& argv) {
     sigfillset(&all);
     posix_spawnattr_setsigmask(attributes.Get(), &none);
     posix_spawnattr_setsigdefault(attributes.Get(), &all);
-    posix_spawnattr_setflags(attributes.Get(), POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    posix_spawnattr_setflags(attributes.Get(),
+                             POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
 
     pid_t pid = 0;
     const int error = posix_spawnp(&pid, args[0], nullptr, attributes.Get(), args.data(), environ);
@@ -64,7 +69,8 @@ pid_t Spawn(const std::vector<std::string>& argv) {
 int WaitFor(pid_t pid) {
     int status = 0;
     while (waitpid(pid, &status, 0) < 0) {
-        if (errno != EINTR) return -1;
+        if (errno != EINTR)
+            return -1;
     }
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
@@ -72,7 +78,8 @@ int WaitFor(pid_t pid) {
 
 bool SpawnedPlatformServices::RunProgram(const std::vector<std::string>& argv) {
     const pid_t pid = Spawn(argv);
-    if (pid == 0) return false;
+    if (pid == 0)
+        return false;
     std::thread([pid] {
         int status = 0;
         while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {

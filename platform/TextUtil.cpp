@@ -23,16 +23,19 @@ std::u16string Utf8ToUtf16(std::string_view utf8) {
         } else if ((c & 0xE0) == 0xC0 && cont(i + 1)) {
             cp = ((c & 0x1F) << 6) | (utf8[i + 1] & 0x3F);
             len = 2;
-            if (cp < 0x80) cp = 0xFFFD;
+            if (cp < 0x80)
+                cp = 0xFFFD;
         } else if ((c & 0xF0) == 0xE0 && cont(i + 1) && cont(i + 2)) {
             cp = ((c & 0x0F) << 12) | ((utf8[i + 1] & 0x3F) << 6) | (utf8[i + 2] & 0x3F);
             len = 3;
-            if (cp < 0x800 || (cp >= 0xD800 && cp <= 0xDFFF)) cp = 0xFFFD;
+            if (cp < 0x800 || (cp >= 0xD800 && cp <= 0xDFFF))
+                cp = 0xFFFD;
         } else if ((c & 0xF8) == 0xF0 && cont(i + 1) && cont(i + 2) && cont(i + 3)) {
             cp = ((c & 0x07) << 18) | ((utf8[i + 1] & 0x3F) << 12) | ((utf8[i + 2] & 0x3F) << 6) |
                  (utf8[i + 3] & 0x3F);
             len = 4;
-            if (cp < 0x10000 || cp > 0x10FFFF) cp = 0xFFFD;
+            if (cp < 0x10000 || cp > 0x10FFFF)
+                cp = 0xFFFD;
         }
         if (cp >= 0x10000) {
             cp -= 0x10000;
@@ -100,7 +103,8 @@ std::u16string ToLower(std::u16string_view text) {
     for (auto& ch : out) {
         // Simple per-unit mapping keeps positions stable, which the callers
         // rely on when they search a lower-cased copy and cut from the original.
-        if (ch < 0xD800 || ch > 0xDFFF) ch = static_cast<char16_t>(u_tolower(ch));
+        if (ch < 0xD800 || ch > 0xDFFF)
+            ch = static_cast<char16_t>(u_tolower(ch));
     }
     return out;
 }
@@ -119,9 +123,10 @@ void FoldCaseInto(std::u16string_view text, std::u16string& out) {
     // Folding grows a text by at most three units per unit ("ΐ" becomes three).
     out.resize(text.size() * 3);
     UErrorCode status = U_ZERO_ERROR;
-    const int32_t length = u_strFoldCase(reinterpret_cast<UChar*>(out.data()), static_cast<int32_t>(out.size()),
-                                         reinterpret_cast<const UChar*>(text.data()),
-                                         static_cast<int32_t>(text.size()), U_FOLD_CASE_DEFAULT, &status);
+    const int32_t length =
+        u_strFoldCase(reinterpret_cast<UChar*>(out.data()), static_cast<int32_t>(out.size()),
+                      reinterpret_cast<const UChar*>(text.data()), static_cast<int32_t>(text.size()),
+                      U_FOLD_CASE_DEFAULT, &status);
     if (U_FAILURE(status)) {
         out = ToLower(text);
         return;
@@ -130,14 +135,16 @@ void FoldCaseInto(std::u16string_view text, std::u16string& out) {
 }
 
 bool IsWordCharacter(char32_t codePoint) {
-    return u_isalnum(static_cast<UChar32>(codePoint)) || u_charType(static_cast<UChar32>(codePoint)) == U_CONNECTOR_PUNCTUATION ||
+    return u_isalnum(static_cast<UChar32>(codePoint)) ||
+           u_charType(static_cast<UChar32>(codePoint)) == U_CONNECTOR_PUNCTUATION ||
            u_charType(static_cast<UChar32>(codePoint)) == U_NON_SPACING_MARK;
 }
 
 std::string ToLowerAscii(std::string_view text) {
     std::string out(text);
     for (auto& ch : out)
-        if (ch >= 'A' && ch <= 'Z') ch = static_cast<char>(ch - 'A' + 'a');
+        if (ch >= 'A' && ch <= 'Z')
+            ch = static_cast<char>(ch - 'A' + 'a');
     return out;
 }
 
@@ -162,16 +169,20 @@ template <typename T, bool Signed> T ParseDecimal(std::u16string_view text) {
     }
     if constexpr (Signed) {
         const unsigned long long limit = negative ? static_cast<unsigned long long>(LONG_MAX) + 1 : LONG_MAX;
-        if (overflow || value > limit) return negative ? LONG_MIN : LONG_MAX;
+        if (overflow || value > limit)
+            return negative ? LONG_MIN : LONG_MAX;
         return negative ? static_cast<long>(0 - value) : static_cast<long>(value);
     } else {
-        if (overflow || value > ULONG_MAX) return ULONG_MAX;
+        if (overflow || value > ULONG_MAX)
+            return ULONG_MAX;
         return negative ? static_cast<unsigned long>(0 - value) : static_cast<unsigned long>(value);
     }
 }
 } // namespace
 
-long ParseLong(std::u16string_view text) { return ParseDecimal<long, true>(text); }
+long ParseLong(std::u16string_view text) {
+    return ParseDecimal<long, true>(text);
+}
 unsigned long ParseUnsignedLong(std::u16string_view text) {
     return ParseDecimal<unsigned long, false>(text);
 }
@@ -184,8 +195,10 @@ std::u16string ToU16(long value) {
 std::u16string Trim(std::u16string_view text) {
     auto blank = [](char16_t c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
     size_t b = 0, e = text.size();
-    while (b < e && blank(text[b])) ++b;
-    while (e > b && blank(text[e - 1])) --e;
+    while (b < e && blank(text[b]))
+        ++b;
+    while (e > b && blank(text[e - 1]))
+        --e;
     return std::u16string(text.substr(b, e - b));
 }
 

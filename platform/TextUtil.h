@@ -25,8 +25,12 @@ std::u16string FoldCase(std::u16string_view text);
 // The same into `out`, reusing its storage (for loops over many texts).
 void FoldCaseInto(std::u16string_view text, std::u16string& out);
 
-inline bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-inline bool IsLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+inline bool IsHighSurrogate(char16_t unit) {
+    return unit >= 0xD800 && unit <= 0xDBFF;
+}
+inline bool IsLowSurrogate(char16_t unit) {
+    return unit >= 0xDC00 && unit <= 0xDFFF;
+}
 // Letters, digits and connecting marks: what a double tap selects as a word.
 bool IsWordCharacter(char32_t codePoint);
 

@@ -31,7 +31,9 @@ bool RegexAlternationElement::TryFrom(RegexMatchContext& ctx, int branch) const 
     return false;
 }
 
-bool RegexAlternationElement::Match(RegexMatchContext& ctx) const { return ctx.Step() && TryFrom(ctx, 0); }
+bool RegexAlternationElement::Match(RegexMatchContext& ctx) const {
+    return ctx.Step() && TryFrom(ctx, 0);
+}
 
 bool RegexAlternationElement::MatchNext(RegexMatchContext& ctx) const {
     if (!ctx.Step())

@@ -4,7 +4,8 @@
 
 namespace mirodate {
 
-RegexBackrefElement::RegexBackrefElement(int group, bool ignoreCase) : group_(group), ignoreCase_(ignoreCase) {}
+RegexBackrefElement::RegexBackrefElement(int group, bool ignoreCase)
+    : group_(group), ignoreCase_(ignoreCase) {}
 
 RegexBackrefElement::~RegexBackrefElement() = default;
 

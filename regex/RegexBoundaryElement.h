@@ -8,20 +8,18 @@ namespace mirodate {
 class RegexBoundaryElement : public RegexElement {
 public:
     enum Kind {
-        kTextStart = 0,       // "\A", "^" without multi-line
-        kTextEnd = 1,         // "\z", "$" without multi-line
+        kTextStart = 0,        // "\A", "^" without multi-line
+        kTextEnd = 1,          // "\z", "$" without multi-line
         kTextEndOrFinalLf = 2, // "\Z"
-        kLineStart = 3,       // "^" with multi-line
-        kLineEnd = 4,         // "$" with multi-line
-        kSearchStart = 5,     // "\G", only with the global flag
-        kWordBoundary = 7,    // "\b" (positive), "\B" (negative)
+        kLineStart = 3,        // "^" with multi-line
+        kLineEnd = 4,          // "$" with multi-line
+        kSearchStart = 5,      // "\G", only with the global flag
+        kWordBoundary = 7,     // "\b" (positive), "\B" (negative)
     };
 
     RegexBoundaryElement(Kind kind, bool positive);
 
-    bool Match(RegexMatchContext& ctx) const override {
-        return ctx.Step() && IsAt(ctx) == positive_;
-    }
+    bool Match(RegexMatchContext& ctx) const override { return ctx.Step() && IsAt(ctx) == positive_; }
     bool MatchNext(RegexMatchContext&) const override { return false; }
     ~RegexBoundaryElement() override;
 

@@ -2,7 +2,9 @@
 
 namespace mirodate {
 
-RegexCharElement::RegexCharElement(char16_t c) : char_(c) { set_.Add(c); }
+RegexCharElement::RegexCharElement(char16_t c) : char_(c) {
+    set_.Add(c);
+}
 
 RegexCharElement::~RegexCharElement() = default;
 

@@ -4,8 +4,10 @@
 
 namespace mirodate {
 
-RegexCharRepeatElement::RegexCharRepeatElement(const RegexCharSet& set, int min, int max, RegexRepeatKind kind)
-    : set_(set), min_(min), max_(max), kind_(kind == RegexRepeatKind::kFixed ? RegexRepeatKind::kGreedy : kind) {}
+RegexCharRepeatElement::RegexCharRepeatElement(const RegexCharSet& set, int min, int max,
+                                               RegexRepeatKind kind)
+    : set_(set), min_(min), max_(max),
+      kind_(kind == RegexRepeatKind::kFixed ? RegexRepeatKind::kGreedy : kind) {}
 
 RegexCharRepeatElement::~RegexCharRepeatElement() = default;
 

@@ -35,7 +35,7 @@ RegexCharSet RegexCharSet::Spaces() {
     RegexCharSet set;
     set.AddRange(u'\t', u'\r'); // tab, line feed, vertical tab, form feed, carriage return
     set.Add(u' ');
-    set.Add(0x00A0);         // no-break space
+    set.Add(0x00A0);              // no-break space
     set.AddRange(0x2000, 0x200A); // typographic spaces
     set.AddRange(0x2028, 0x2029); // line and paragraph separators
     set.Add(0x202F);

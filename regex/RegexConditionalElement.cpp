@@ -48,9 +48,13 @@ bool RegexConditionalElement::MatchNext(RegexMatchContext& ctx) const {
     return false;
 }
 
-int RegexConditionalElement::MinWidth() const { return std::min(yes_->MinWidth(), no_->MinWidth()); }
+int RegexConditionalElement::MinWidth() const {
+    return std::min(yes_->MinWidth(), no_->MinWidth());
+}
 
-int RegexConditionalElement::MaxWidth() const { return std::max(yes_->MaxWidth(), no_->MaxWidth()); }
+int RegexConditionalElement::MaxWidth() const {
+    return std::max(yes_->MaxWidth(), no_->MaxWidth());
+}
 
 void RegexConditionalElement::Optimize(const RegexCharSet* follow) {
     yes_->Optimize(follow);

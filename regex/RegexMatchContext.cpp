@@ -2,7 +2,8 @@
 
 namespace mirodate {
 
-void RegexMatchContext::Reset(const char16_t* newText, int newLength, int groupCount, std::int64_t newBudget) {
+void RegexMatchContext::Reset(const char16_t* newText, int newLength, int groupCount,
+                              std::int64_t newBudget) {
     text = newText;
     length = newLength;
     pos = 0;

@@ -33,7 +33,8 @@ public:
     bool Step() {
         if (++steps > budget)
             aborted = true;
-        else if ((steps & (kMemoryCheckInterval - 1)) == 0 && stack.size() + trail.size() > kMaxBacktrackEntries)
+        else if ((steps & (kMemoryCheckInterval - 1)) == 0 &&
+                 stack.size() + trail.size() > kMaxBacktrackEntries)
             aborted = true;
         return !aborted;
     }

@@ -24,7 +24,9 @@ namespace {
 
 constexpr int kMaxCount = 0x7fffffff; // "unbounded" for repetitions
 
-bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+bool IsDigit(char16_t c) {
+    return c >= u'0' && c <= u'9';
+}
 
 bool IsNameChar(char16_t c) {
     return IsDigit(c) || (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z') || c == u'_';
@@ -148,7 +150,8 @@ RegexCharSet PosixSet(std::u16string_view name, bool& known) {
 
 } // namespace
 
-RegexParser::RegexParser(std::u16string_view pattern, int flags, std::vector<std::unique_ptr<RegexElement>>& owner)
+RegexParser::RegexParser(std::u16string_view pattern, int flags,
+                         std::vector<std::unique_ptr<RegexElement>>& owner)
     : pattern_(pattern), flags_(flags), owner_(owner) {}
 
 RegexElement* RegexParser::Fail(const char* message) {
@@ -307,12 +310,14 @@ bool RegexParser::ParseAtom(int depth, RegexElement*& atom) {
         return true;
     }
     case u'^':
-        atom = Make<RegexBoundaryElement>(
-            (flags_ & kRegexMultiLine) ? RegexBoundaryElement::kLineStart : RegexBoundaryElement::kTextStart, true);
+        atom = Make<RegexBoundaryElement>((flags_ & kRegexMultiLine) ? RegexBoundaryElement::kLineStart
+                                                                     : RegexBoundaryElement::kTextStart,
+                                          true);
         return true;
     case u'$':
-        atom = Make<RegexBoundaryElement>(
-            (flags_ & kRegexMultiLine) ? RegexBoundaryElement::kLineEnd : RegexBoundaryElement::kTextEnd, true);
+        atom = Make<RegexBoundaryElement>((flags_ & kRegexMultiLine) ? RegexBoundaryElement::kLineEnd
+                                                                     : RegexBoundaryElement::kTextEnd,
+                                          true);
         return true;
     case u'\\':
         atom = ParseEscape();

@@ -5,8 +5,8 @@
 #include "regex/RegexCharRepeatElement.h"
 #include "regex/RegexConditionalElement.h"
 #include "regex/RegexElement.h"
-#include "regex/RegexMatchContext.h"
 #include "regex/RegexGroupElement.h"
+#include "regex/RegexMatchContext.h"
 #include "regex/RegexParser.h"
 #include "regex/RegexRecursionElement.h"
 #include "regex/RegexSequenceElement.h"
@@ -120,7 +120,8 @@ void RegexPattern::PrepareSearch() {
 void RegexPattern::FindLeadingRun() {
     for (const auto& element : elements_) {
         const RegexElement* raw = element.get();
-        if (dynamic_cast<const RegexBackrefElement*>(raw) || dynamic_cast<const RegexConditionalElement*>(raw) ||
+        if (dynamic_cast<const RegexBackrefElement*>(raw) ||
+            dynamic_cast<const RegexConditionalElement*>(raw) ||
             dynamic_cast<const RegexRecursionElement*>(raw))
             return;
     }

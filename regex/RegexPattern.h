@@ -83,10 +83,10 @@ private:
     std::string error_;
 
     // Start-position filters worked out at compile time.
-    bool anchored_ = false;       // can only match at the start of the text
-    int minWidth_ = 0;            // no match is shorter
-    std::u16string prefix_;       // every match begins with this
-    bool useFirstChars_ = false;  // every match begins with a member of firstChars_
+    bool anchored_ = false;      // can only match at the start of the text
+    int minWidth_ = 0;           // no match is shorter
+    std::u16string prefix_;      // every match begins with this
+    bool useFirstChars_ = false; // every match begins with a member of firstChars_
     RegexCharSet firstChars_;
     // Every match starts with an unbounded greedy run of this set; after a
     // failed attempt, the later starts inside the same run fail too.

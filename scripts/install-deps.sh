@@ -5,7 +5,7 @@
 set -euo pipefail
 
 PACKAGES=(
-    build-essential cmake ninja-build pkg-config ccache clang
+    build-essential cmake ninja-build pkg-config ccache clang clang-format
     libsdl2-dev libcairo2-dev libpango1.0-dev fonts-dejavu-core
     libical-dev tzdata libicu-dev
     zlib1g-dev libminizip-dev

@@ -14,6 +14,14 @@ run_suite() {
     (cd "$dir" && ctest -j"$jobs" --output-on-failure --timeout 300)
 }
 
+echo "== format check =="
+# Every C++ file stays as the checked-in .clang-format lays it out.
+unformatted=$(git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run 2>&1 | grep -c "warning:")
+if [ "$unformatted" -eq 0 ]; then
+    echo "format: clean"
+else
+    echo "format: $unformatted places differ from .clang-format; run scripts/format.sh"; status=1
+fi
 echo "== normal build =="
 run_suite build -DCMAKE_BUILD_TYPE=RelWithDebInfo || status=1
 echo "== sanitizer build =="

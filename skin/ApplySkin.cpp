@@ -12,8 +12,8 @@
 #include <cstdlib>
 #include <initializer_list>
 #include <optional>
-#include <utility>
 #include <string>
+#include <utility>
 
 namespace mirodate {
 
@@ -111,17 +111,14 @@ private:
 };
 
 // One key of a section and the field of the style it sets.
-template <typename Style, typename Field>
-struct KeyField {
+template <typename Style, typename Field> struct KeyField {
     std::string_view key;
     Field Style::*field;
 };
-template <typename Style>
-using ColorKeys = std::initializer_list<KeyField<Style, COLORREF>>;
+template <typename Style> using ColorKeys = std::initializer_list<KeyField<Style, COLORREF>>;
 template <typename Style>
 using OptionalColorKeys = std::initializer_list<KeyField<Style, std::optional<COLORREF>>>;
-template <typename Style>
-using NumberKeys = std::initializer_list<KeyField<Style, int>>;
+template <typename Style> using NumberKeys = std::initializer_list<KeyField<Style, int>>;
 
 // Sets each field whose key the section has; the others keep their value.
 template <typename Style, typename Field>
@@ -130,8 +127,7 @@ void ReadColors(const SectionReader& r, Style& s, std::initializer_list<KeyField
         r.Color(k.key, s.*k.field);
 }
 
-template <typename Style>
-void ReadNumbers(const SectionReader& r, Style& s, NumberKeys<Style> keys) {
+template <typename Style> void ReadNumbers(const SectionReader& r, Style& s, NumberKeys<Style> keys) {
     for (const KeyField<Style, int>& k : keys)
         r.Number(k.key, s.*k.field);
 }
@@ -167,7 +163,8 @@ void ApplyCalendar(const SectionReader& r, CalendarStyle& s) {
 }
 
 void ApplyInfo(const SectionReader& r, SkinInfo& info) {
-    for (auto [key, field] : {std::pair{"author", &SkinInfo::author}, std::pair{"version", &SkinInfo::version}})
+    for (auto [key, field] :
+         {std::pair{"author", &SkinInfo::author}, std::pair{"version", &SkinInfo::version}})
         if (std::string value = r.Text(key); !value.empty())
             info.*field = Utf8ToUtf16(value);
 }
@@ -250,9 +247,9 @@ void ApplyDayView(const SectionReader& r, TimeViewStyle& s) {
 
 // The agenda starts from the day view's look.
 void InheritFromDayView(SkinStyles& s) {
-    for (COLORREF T::*field : {&T::colorBg, &T::colorText, &T::colorSelectionMark, &T::colorTimeScale,
-                               &T::colorTimeScaleAllday, &T::colorTextSelected, &T::colorHeaderBg,
-                               &T::colorHeaderText, &T::colorHeaderGradient})
+    for (COLORREF T::*field :
+         {&T::colorBg, &T::colorText, &T::colorSelectionMark, &T::colorTimeScale, &T::colorTimeScaleAllday,
+          &T::colorTextSelected, &T::colorHeaderBg, &T::colorHeaderText, &T::colorHeaderGradient})
         s.agendaView.*field = s.dayView.*field;
 }
 

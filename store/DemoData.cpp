@@ -77,7 +77,8 @@ public:
 
     SaveResult Occurrence(std::int32_t oid, const DateTime& original, const PimRecord* moved) {
         const SaveResult result = source_.SaveOccurrence(oid, original.ToDate(), moved);
-        if (result != SaveResult::Saved) failed_ = true;
+        if (result != SaveResult::Saved)
+            failed_ = true;
         return result;
     }
 
@@ -86,7 +87,8 @@ public:
     bool Failed() const { return failed_; }
 
 private:
-    static PimRecord Appointment(const char16_t* subject, const char16_t* location, const char16_t* categories) {
+    static PimRecord Appointment(const char16_t* subject, const char16_t* location,
+                                 const char16_t* categories) {
         PimRecord r;
         r.itemKind = kItemAppointment;
         r.subject = subject;

@@ -21,7 +21,8 @@ bool FieldsOk(const icaltimetype& t) {
     if (icaltime_is_null_time(t) || t.year < kMinYear || t.year > kMaxYear || t.month < 1 || t.month > 12 ||
         t.day < 1 || t.day > DaysInMonth(t.year, t.month))
         return false;
-    return t.is_date || (t.hour >= 0 && t.hour < 24 && t.minute >= 0 && t.minute < 60 && t.second >= 0 && t.second <= 60);
+    return t.is_date ||
+           (t.hour >= 0 && t.hour < 24 && t.minute >= 0 && t.minute < 60 && t.second >= 0 && t.second <= 60);
 }
 
 constexpr std::time_t kSecondsPerDay = 86400;
@@ -102,7 +103,8 @@ LocalZoneCache& TheLocalZoneCache() {
 } // namespace
 
 bool IcalTime::IsLocalZone(const icaltimezone* zone) {
-    if (!zone) return false;
+    if (!zone)
+        return false;
     const char* tz = std::getenv("TZ");
     std::string name;
     {
@@ -115,21 +117,26 @@ bool IcalTime::IsLocalZone(const icaltimezone* zone) {
         }
         name = cache.name;
     }
-    if (name.empty()) return false;
+    if (name.empty())
+        return false;
     icaltimezone* z = const_cast<icaltimezone*>(zone);
     // Asking for the TZID loads a built-in zone, which replaces its other
     // strings: copy each before asking for the next.
     const char* tzid = icaltimezone_get_tzid(z);
     const std::string id = tzid ? tzid : "";
     const char* location = icaltimezone_get_location(z);
-    if (location && name == location) return true;
-    if (id.empty()) return false;
-    return id == name || (id.size() > name.size() && id.compare(id.size() - name.size(), name.size(), name) == 0 &&
-                          id[id.size() - name.size() - 1] == '/');
+    if (location && name == location)
+        return true;
+    if (id.empty())
+        return false;
+    return id == name ||
+           (id.size() > name.size() && id.compare(id.size() - name.size(), name.size(), name) == 0 &&
+            id[id.size() - name.size() - 1] == '/');
 }
 
 bool IcalTime::ToUnix(const icaltimetype& time, std::time_t& seconds) {
-    if (!FieldsOk(time)) return false;
+    if (!FieldsOk(time))
+        return false;
     const icaltimezone* zone = icaltime_get_timezone(time);
     // Wall times of the local zone need no zone data of libical.
     if (time.is_date || IsLocalZone(zone))
@@ -141,9 +148,11 @@ bool IcalTime::ToUnix(const icaltimetype& time, std::time_t& seconds) {
 }
 
 bool IcalTime::ToLocalDate(const icaltimetype& time, double& date) {
-    if (!FieldsOk(time)) return false;
+    if (!FieldsOk(time))
+        return false;
     const icaltimezone* zone = icaltime_get_timezone(time);
-    if (IsLocalZone(zone)) zone = nullptr;
+    if (IsLocalZone(zone))
+        zone = nullptr;
     if (time.is_date) {
         date = DateTime(time.year, time.month, time.day).ToDate();
         return true;
@@ -165,11 +174,15 @@ bool IcalTime::ToLocalDate(const icaltimetype& time, double& date) {
             return true;
         }
     }
-    const std::time_t seconds = WallToUnix(time.year, time.month, time.day, time.hour, time.minute, second, zone);
+    const std::time_t seconds =
+        WallToUnix(time.year, time.month, time.day, time.hour, time.minute, second, zone);
     std::tm tm{};
-    if (!localtime_r(&seconds, &tm)) return false;
-    const DateTime local(tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday, tm.tm_hour, tm.tm_min, std::min(tm.tm_sec, 59));
-    if (!local.IsValid()) return false;
+    if (!localtime_r(&seconds, &tm))
+        return false;
+    const DateTime local(tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday, tm.tm_hour, tm.tm_min,
+                         std::min(tm.tm_sec, 59));
+    if (!local.IsValid())
+        return false;
     date = local.ToDate();
     return true;
 }
@@ -177,17 +190,20 @@ bool IcalTime::ToLocalDate(const icaltimetype& time, double& date) {
 icaltimetype IcalTime::FromLocalDate(double date, bool isDate, const icaltimezone* zone) {
     const DateTime local(date);
     icaltimetype t = icaltime_null_time();
-    if (!local.IsValid()) return t;
+    if (!local.IsValid())
+        return t;
     const SYSTEMTIME st = local.ToSystemTime();
     t.year = st.wYear;
     t.month = st.wMonth;
     t.day = st.wDay;
     t.is_date = isDate ? 1 : 0;
-    if (isDate) return t;
+    if (isDate)
+        return t;
     t.hour = st.wHour;
     t.minute = st.wMinute;
     t.second = st.wSecond;
-    if (!zone) return t;
+    if (!zone)
+        return t;
     // The local wall time, moved into the wanted zone.
     const std::time_t seconds =
         WallToUnix(st.wYear, st.wMonth, st.wDay, st.wHour, st.wMinute, st.wSecond, nullptr);
@@ -215,7 +231,8 @@ std::string IcalTime::LocalZoneName() {
     if (const char* tz = std::getenv("TZ"); tz && *tz) {
         name = tz[0] == ':' ? tz + 1 : tz;
         const std::string prefix = "/usr/share/zoneinfo/";
-        if (name.rfind(prefix, 0) == 0) name = name.substr(prefix.size());
+        if (name.rfind(prefix, 0) == 0)
+            name = name.substr(prefix.size());
     } else {
         char target[PATH_MAX];
         const ssize_t length = readlink("/etc/localtime", target, sizeof target - 1);
@@ -226,14 +243,17 @@ std::string IcalTime::LocalZoneName() {
             name = at == std::string::npos ? std::string() : name.substr(at + 9);
         }
     }
-    if (name == "UTC" || name == "Etc/UTC" || name == "UTC0" || name == "GMT" || name == "Etc/GMT") return "UTC";
+    if (name == "UTC" || name == "Etc/UTC" || name == "UTC0" || name == "GMT" || name == "Etc/GMT")
+        return "UTC";
     return name;
 }
 
 icaltimezone* IcalTime::LocalZone() {
     const std::string name = LocalZoneName();
-    if (name.empty()) return nullptr;
-    if (name == "UTC") return icaltimezone_get_utc_timezone();
+    if (name.empty())
+        return nullptr;
+    if (name == "UTC")
+        return icaltimezone_get_utc_timezone();
     return icaltimezone_get_builtin_timezone(name.c_str());
 }
 

@@ -36,12 +36,14 @@ bool IsItemComponent(icalcomponent* c) {
 
 double DurationDays(const icaldurationtype& d) {
     // Field by field, so that absurd durations do not overflow an int.
-    const double days = 7.0 * d.weeks + d.days + d.hours / 24.0 + d.minutes / 1440.0 + d.seconds / kSecondsPerDay;
+    const double days =
+        7.0 * d.weeks + d.days + d.hours / 24.0 + d.minutes / 1440.0 + d.seconds / kSecondsPerDay;
     return d.is_neg ? -days : days;
 }
 
 bool UtcTextToLocal(const char* text, double& date) {
-    if (!text || !*text) return false;
+    if (!text || !*text)
+        return false;
     const icaltimetype t = icaltime_from_string(text);
     return !icaltime_is_null_time(t) && IcalTime::ToLocalDate(t, date);
 }
@@ -53,17 +55,20 @@ icaltimetype UtcOf(double localDate) {
 // Thunderbird names the snooze of a series' occurrence after the
 // occurrence's start in microseconds since 1970.
 std::string SnoozePropertyName(double occurrence) {
-    if (occurrence == kNoDate) return kSnoozeTime;
+    if (occurrence == kNoDate)
+        return kSnoozeTime;
     std::time_t seconds = 0;
     IcalTime::ToUnix(UtcOf(occurrence), seconds);
     return std::string(kSnoozeTime) + "-" + std::to_string(static_cast<long long>(seconds) * 1000000);
 }
 
 double OccurrenceOfSnoozeName(const char* name) {
-    if (std::strlen(name) <= kSnoozeTimeLength + 1 || name[kSnoozeTimeLength] != '-') return kNoDate;
+    if (std::strlen(name) <= kSnoozeTimeLength + 1 || name[kSnoozeTimeLength] != '-')
+        return kNoDate;
     char* end = nullptr;
     const long long micro = std::strtoll(name + kSnoozeTimeLength + 1, &end, 10);
-    if (!end || *end) return kNoDate;
+    if (!end || *end)
+        return kNoDate;
     double date = kNoDate;
     const icaltimetype wall = IcalTime::WallTimeIn(static_cast<std::time_t>(micro / 1000000), nullptr);
     return IcalTime::ToLocalDate(wall, date) ? date : kNoDate;
@@ -74,7 +79,9 @@ const char* XName(icalproperty* p) {
     return name ? name : "";
 }
 
-bool IsSnoozeProperty(icalproperty* p) { return strncasecmp(XName(p), kSnoozeTime, kSnoozeTimeLength) == 0; }
+bool IsSnoozeProperty(icalproperty* p) {
+    return strncasecmp(XName(p), kSnoozeTime, kSnoozeTimeLength) == 0;
+}
 
 std::string RelatedSnooze(icalcomponent* alarm) {
     for (icalproperty* p = icalcomponent_get_first_property(alarm, ICAL_RELATEDTO_PROPERTY); p;
@@ -92,7 +99,8 @@ bool HasRelatedSnooze(icalcomponent* alarm) {
     for (icalproperty* p = icalcomponent_get_first_property(alarm, ICAL_RELATEDTO_PROPERTY); p;
          p = icalcomponent_get_next_property(alarm, ICAL_RELATEDTO_PROPERTY)) {
         const char* type = icalproperty_get_parameter_as_string(p, "RELTYPE");
-        if (type && strcasecmp(type, "SNOOZE") == 0) return true;
+        if (type && strcasecmp(type, "SNOOZE") == 0)
+            return true;
     }
     return false;
 }
@@ -108,7 +116,8 @@ void RemoveX(icalcomponent* component, const std::string& name) {
     std::vector<icalproperty*> gone;
     for (icalproperty* p = icalcomponent_get_first_property(component, ICAL_X_PROPERTY); p;
          p = icalcomponent_get_next_property(component, ICAL_X_PROPERTY))
-        if (strcasecmp(XName(p), name.c_str()) == 0) gone.push_back(p);
+        if (strcasecmp(XName(p), name.c_str()) == 0)
+            gone.push_back(p);
     for (icalproperty* p : gone) {
         icalcomponent_remove_property(component, p);
         icalproperty_free(p);
@@ -122,13 +131,16 @@ void SetX(icalcomponent* component, const std::string& name, const std::string& 
     icalcomponent_add_property(component, p);
 }
 
-std::string UtcText(double localDate) { return IcalTime::LocalDateToUtcText(localDate); }
+std::string UtcText(double localDate) {
+    return IcalTime::LocalDateToUtcText(localDate);
+}
 
 // The calendar of a file we may write back: one VCALENDAR, its zones
 // checked as when reading.
 IcalComponentPtr ParseCalendar(std::string_view text) {
     IcalComponentPtr calendar = IcalText::Parse(text);
-    if (calendar && icalcomponent_isa(calendar.get()) != ICAL_VCALENDAR_COMPONENT) calendar.reset();
+    if (calendar && icalcomponent_isa(calendar.get()) != ICAL_VCALENDAR_COMPONENT)
+        calendar.reset();
     VtimezoneFilter::Apply(calendar.get());
     return calendar;
 }
@@ -145,26 +157,31 @@ icalcomponent* FindAlarm(icalcomponent* item, const std::string& key) {
     for (icalcomponent* a = icalcomponent_get_first_component(item, ICAL_VALARM_COMPONENT); a;
          a = icalcomponent_get_next_component(item, ICAL_VALARM_COMPONENT), ++index) {
         if (key[0] == '#') {
-            if (key == "#" + std::to_string(index)) return a;
+            if (key == "#" + std::to_string(index))
+                return a;
         } else {
             icalproperty* uid = icalcomponent_get_first_property(a, ICAL_UID_PROPERTY);
             const char* value = uid ? icalproperty_get_uid(uid) : nullptr;
-            if (value && key == value) return a;
+            if (value && key == value)
+                return a;
         }
     }
     return nullptr;
 }
 
 bool Locate(icalcomponent* calendar, const Reminder& reminder, AlarmPlace& place) {
-    if (reminder.alarm.empty()) return false;
+    if (reminder.alarm.empty())
+        return false;
     icalcomponent* master = nullptr;
     icalcomponent* own = nullptr;
     for (icalcomponent* c = icalcomponent_get_first_component(calendar, ICAL_ANY_COMPONENT); c;
          c = icalcomponent_get_next_component(calendar, ICAL_ANY_COMPONENT)) {
-        if (!IsItemComponent(c)) continue;
+        if (!IsItemComponent(c))
+            continue;
         icalproperty* rid = icalcomponent_get_first_property(c, ICAL_RECURRENCEID_PROPERTY);
         if (!rid) {
-            if (!master) master = c;
+            if (!master)
+                master = c;
             continue;
         }
         double date = kNoDate;
@@ -174,7 +191,8 @@ bool Locate(icalcomponent* calendar, const Reminder& reminder, AlarmPlace& place
             own = c;
     }
     for (icalcomponent* item : {own, master}) {
-        if (!item) continue;
+        if (!item)
+            continue;
         if (reminder.alarm == kMozSnoozeKey) {
             place = {item, nullptr};
             return true;
@@ -226,28 +244,35 @@ bool IcsAlarms::Parse(std::string_view text) {
     minOffset_ = maxOffset_ = 0.0;
     anyAbsolute_ = false;
     IcalComponentPtr root = IcalText::Parse(text);
-    if (!root) return false;
+    if (!root)
+        return false;
     VtimezoneFilter::Apply(root.get());
     icalcomponent* calendar = root.get();
     if (icalcomponent_isa(calendar) != ICAL_VCALENDAR_COMPONENT)
         calendar = icalcomponent_get_first_component(calendar, ICAL_VCALENDAR_COMPONENT);
-    if (!calendar) return false;
+    if (!calendar)
+        return false;
     int read = 0;
     bool warned = false;
     std::string uid;
     bool masterSeen = false;
     for (icalcomponent* c = icalcomponent_get_first_component(calendar, ICAL_ANY_COMPONENT); c;
          c = icalcomponent_get_next_component(calendar, ICAL_ANY_COMPONENT)) {
-        if (!IsItemComponent(c)) continue;
+        if (!IsItemComponent(c))
+            continue;
         const char* cuid = icalcomponent_get_uid(c);
-        if (uid.empty() && cuid) uid = cuid;
-        else if (cuid && uid != cuid) continue; // another item: not read, as by the store
+        if (uid.empty() && cuid)
+            uid = cuid;
+        else if (cuid && uid != cuid)
+            continue; // another item: not read, as by the store
         Part part;
         icalproperty* rid = icalcomponent_get_first_property(c, ICAL_RECURRENCEID_PROPERTY);
         if (rid) {
-            if (!IcalTime::ToLocalDate(icalproperty_get_datetime_with_component(rid, c), part.recurrenceId)) continue;
+            if (!IcalTime::ToLocalDate(icalproperty_get_datetime_with_component(rid, c), part.recurrenceId))
+                continue;
             icalproperty* start = icalcomponent_get_first_property(c, ICAL_DTSTART_PROPERTY);
-            if (!start || !IcalTime::ToLocalDate(icalproperty_get_datetime_with_component(start, c), part.start))
+            if (!start ||
+                !IcalTime::ToLocalDate(icalproperty_get_datetime_with_component(start, c), part.start))
                 part.start = part.recurrenceId;
         } else if (masterSeen) {
             continue;
@@ -263,25 +288,31 @@ bool IcsAlarms::Parse(std::string_view text) {
              a = icalcomponent_get_next_component(c, ICAL_VALARM_COMPONENT)) {
             ++index;
             if (read >= kMaxAlarms) {
-                if (!warned) Log::Warning("store: item %s has more than %d alarms; the rest are ignored", uid.c_str(), kMaxAlarms);
+                if (!warned)
+                    Log::Warning("store: item %s has more than %d alarms; the rest are ignored", uid.c_str(),
+                                 kMaxAlarms);
                 warned = true;
                 break;
             }
             Alarm alarm;
             icalproperty* action = icalcomponent_get_first_property(a, ICAL_ACTION_PROPERTY);
             const icalproperty_action kind = action ? icalproperty_get_action(action) : ICAL_ACTION_DISPLAY;
-            if (kind != ICAL_ACTION_DISPLAY && kind != ICAL_ACTION_AUDIO) continue;
+            if (kind != ICAL_ACTION_DISPLAY && kind != ICAL_ACTION_AUDIO)
+                continue;
             alarm.audio = kind == ICAL_ACTION_AUDIO;
             icalproperty* trigger = icalcomponent_get_first_property(a, ICAL_TRIGGER_PROPERTY);
-            if (!trigger) continue;
+            if (!trigger)
+                continue;
             const icaltriggertype t = icalproperty_get_trigger(trigger);
             if (!icaltime_is_null_time(t.time)) {
                 alarm.absolute = true;
-                if (!IcalTime::ToLocalDate(t.time, alarm.at)) continue;
+                if (!IcalTime::ToLocalDate(t.time, alarm.at))
+                    continue;
             } else {
                 alarm.offset = DurationDays(t.duration);
                 if (!(std::fabs(alarm.offset) <= kMaxOffsetDays)) {
-                    Log::Warning("store: item %s: an alarm %g days from its item is ignored", uid.c_str(), alarm.offset);
+                    Log::Warning("store: item %s: an alarm %g days from its item is ignored", uid.c_str(),
+                                 alarm.offset);
                     continue;
                 }
                 icalparameter* related = icalproperty_get_first_parameter(trigger, ICAL_RELATED_PARAMETER);
@@ -292,7 +323,8 @@ bool IcsAlarms::Parse(std::string_view text) {
             alarm.key = auidText && *auidText ? std::string(auidText) : "#" + std::to_string(index);
             if (icalproperty* ack = icalcomponent_get_first_property(a, ICAL_ACKNOWLEDGED_PROPERTY)) {
                 double date = 0.0;
-                if (IcalTime::ToLocalDate(icalproperty_get_acknowledged(ack), date)) alarm.acknowledged = date;
+                if (IcalTime::ToLocalDate(icalproperty_get_acknowledged(ack), date))
+                    alarm.acknowledged = date;
             }
             alarm.snooze = HasRelatedSnooze(a);
             part.alarms.push_back(std::move(alarm));
@@ -303,7 +335,8 @@ bool IcsAlarms::Parse(std::string_view text) {
         for (icalproperty* p = icalcomponent_get_first_property(c, ICAL_X_PROPERTY); p;
              p = icalcomponent_get_next_property(c, ICAL_X_PROPERTY)) {
             double at = 0.0;
-            if (!IsSnoozeProperty(p) || !UtcTextToLocal(icalproperty_get_x(p), at)) continue;
+            if (!IsSnoozeProperty(p) || !UtcTextToLocal(icalproperty_get_x(p), at))
+                continue;
             const double occurrence = OccurrenceOfSnoozeName(XName(p));
             bool repeated = false;
             for (Alarm& alarm : part.alarms)
@@ -311,7 +344,8 @@ bool IcsAlarms::Parse(std::string_view text) {
                     alarm.snoozedOccurrence = occurrence;
                     repeated = true;
                 }
-            if (repeated || read >= kMaxAlarms) continue;
+            if (repeated || read >= kMaxAlarms)
+                continue;
             Alarm alarm;
             alarm.key = kMozSnoozeKey;
             alarm.absolute = true;
@@ -328,7 +362,8 @@ bool IcsAlarms::Parse(std::string_view text) {
             parts_.push_back(std::move(part));
         }
     }
-    if (!masterSeen) parts_.clear();
+    if (!masterSeen)
+        parts_.clear();
     bool any = false;
     for (const Part& part : parts_)
         for (const Alarm& alarm : part.alarms) {
@@ -340,7 +375,8 @@ bool IcsAlarms::Parse(std::string_view text) {
                 maxOffset_ = std::max(maxOffset_, alarm.offset);
             }
         }
-    if (!any) parts_.clear();
+    if (!any)
+        parts_.clear();
     return any;
 }
 
@@ -352,8 +388,9 @@ const IcsAlarms::Part* IcsAlarms::OverrideAt(double occurrenceStart, double orig
     return nullptr;
 }
 
-void IcsAlarms::AddReminder(const Alarm& alarm, double lastAck, const PimRecord& occurrence, double occurrenceId,
-                            double from, double before, std::vector<Reminder>& out) const {
+void IcsAlarms::AddReminder(const Alarm& alarm, double lastAck, const PimRecord& occurrence,
+                            double occurrenceId, double from, double before,
+                            std::vector<Reminder>& out) const {
     double moment = alarm.at;
     if (!alarm.absolute) {
         double base = occurrence.start;
@@ -361,15 +398,18 @@ void IcsAlarms::AddReminder(const Alarm& alarm, double lastAck, const PimRecord&
             const double start = occurrence.startDate != kNoDate ? occurrence.startDate : occurrence.dueDate;
             const double due = occurrence.dueDate != kNoDate ? occurrence.dueDate : occurrence.startDate;
             base = alarm.relatedEnd ? due : start;
-            if (base == kNoDate) return;
+            if (base == kNoDate)
+                return;
         } else if (alarm.relatedEnd) {
             base = occurrence.end;
         }
         // To the second, as the times in the file are.
         moment = std::round((base + alarm.offset) * kSecondsPerDay) / kSecondsPerDay;
     }
-    if (moment < from || moment >= before) return;
-    if (moment <= std::max(lastAck, alarm.acknowledged) + kSameMoment / 2) return;
+    if (moment < from || moment >= before)
+        return;
+    if (moment <= std::max(lastAck, alarm.acknowledged) + kSameMoment / 2)
+        return;
     Reminder reminder;
     reminder.oid = occurrence.oid;
     reminder.itemKind = occurrence.itemKind == kItemTask ? kItemTask : kItemAppointment;
@@ -393,10 +433,12 @@ void IcsAlarms::AddReminder(const Alarm& alarm, double lastAck, const PimRecord&
 
 void IcsAlarms::Collect(const PimRecord& record, const IcsItem* series, double from, double before,
                         std::vector<Reminder>& out) const {
-    if (parts_.empty()) return;
+    if (parts_.empty())
+        return;
     const Part& master = parts_.front();
     if (!series || !series->IsSeries() || record.itemKind == kItemTask) {
-        if (record.cancelled || (record.itemKind == kItemTask && record.complete)) return;
+        if (record.cancelled || (record.itemKind == kItemTask && record.complete))
+            return;
         for (const Alarm& alarm : master.alarms)
             AddReminder(alarm, master.lastAck, record, kNoDate, from, before, out);
         return;
@@ -407,30 +449,38 @@ void IcsAlarms::Collect(const PimRecord& record, const IcsItem* series, double f
     series->Expand(from - maxOffset_ - longest, before - minOffset_, occurrences);
     for (PimRecord& occurrence : occurrences) {
         occurrence.oid = record.oid;
-        if (occurrence.cancelled) continue;
+        if (occurrence.cancelled)
+            continue;
         const Part* own = OverrideAt(occurrence.start, occurrence.start);
         const double id = own ? own->recurrenceId : occurrence.start;
         const Part& holder = own && !own->alarms.empty() ? *own : master;
         const double lastAck = std::max(holder.lastAck, own ? own->lastAck : 0.0);
         for (const Alarm& alarm : holder.alarms)
-            if (!alarm.absolute) AddReminder(alarm, lastAck, occurrence, id, from, before, out);
+            if (!alarm.absolute)
+                AddReminder(alarm, lastAck, occurrence, id, from, before, out);
     }
-    if (!anyAbsolute_) return;
+    if (!anyAbsolute_)
+        return;
     // A fixed moment is one reminder of the occurrence it was set for (a
     // snooze), or of the next occurrence after it.
     for (const Part& part : parts_)
         for (const Alarm& alarm : part.alarms) {
-            if (!alarm.absolute || alarm.at < from || alarm.at >= before) continue;
+            if (!alarm.absolute || alarm.at < from || alarm.at >= before)
+                continue;
             const double occurrenceStart =
                 alarm.snoozedOccurrence != kNoDate ? alarm.snoozedOccurrence : part.recurrenceId;
             std::vector<PimRecord> found;
             if (occurrenceStart != kNoDate)
                 series->Expand(occurrenceStart - kSameMoment, occurrenceStart + kSameMoment, found);
-            if (found.empty()) series->Expand(alarm.at - longest, alarm.at + kAbsoluteLookAheadDays, found);
+            if (found.empty())
+                series->Expand(alarm.at - longest, alarm.at + kAbsoluteLookAheadDays, found);
             PimRecord occurrence = found.empty() ? record : found.front();
             occurrence.oid = record.oid;
-            if (occurrence.cancelled) continue;
-            const double id = found.empty() ? kNoDate : occurrenceStart != kNoDate ? occurrenceStart : occurrence.start;
+            if (occurrence.cancelled)
+                continue;
+            const double id = found.empty()                ? kNoDate
+                              : occurrenceStart != kNoDate ? occurrenceStart
+                                                           : occurrence.start;
             AddReminder(alarm, part.lastAck, occurrence, id, from, before, out);
         }
 }
@@ -438,10 +488,12 @@ void IcsAlarms::Collect(const PimRecord& record, const IcsItem* series, double f
 bool IcsAlarms::Dismiss(std::string_view existing, const Reminder& reminder, double now, std::string& out) {
     IcalComponentPtr calendar = ParseCalendar(existing);
     AlarmPlace place;
-    if (!calendar || !Locate(calendar.get(), reminder, place)) return false;
+    if (!calendar || !Locate(calendar.get(), reminder, place))
+        return false;
     Acknowledge(place, reminder, now);
     // A snooze that has come back has done its work.
-    if (place.alarm && HasRelatedSnooze(place.alarm)) RemoveAlarm(place.item, place.alarm);
+    if (place.alarm && HasRelatedSnooze(place.alarm))
+        RemoveAlarm(place.item, place.alarm);
     out = Serialise(calendar.get());
     return true;
 }
@@ -450,7 +502,8 @@ bool IcsAlarms::Snooze(std::string_view existing, const Reminder& reminder, doub
                        std::string& out) {
     IcalComponentPtr calendar = ParseCalendar(existing);
     AlarmPlace place;
-    if (!calendar || !Locate(calendar.get(), reminder, place)) return false;
+    if (!calendar || !Locate(calendar.get(), reminder, place))
+        return false;
     Acknowledge(place, reminder, now);
     std::string snoozedUid;
     icalcomponent* model = place.alarm;
@@ -469,17 +522,19 @@ bool IcsAlarms::Snooze(std::string_view existing, const Reminder& reminder, doub
     }
     icalcomponent* snooze = icalcomponent_new(ICAL_VALARM_COMPONENT);
     icalcomponent_add_property(snooze, icalproperty_new_uid(IcsWriter::MakeUid().c_str()));
-    const bool audio = model && icalcomponent_get_first_property(model, ICAL_ACTION_PROPERTY) &&
-                       icalproperty_get_action(icalcomponent_get_first_property(model, ICAL_ACTION_PROPERTY)) ==
-                           ICAL_ACTION_AUDIO;
-    icalcomponent_add_property(snooze, icalproperty_new_action(audio ? ICAL_ACTION_AUDIO : ICAL_ACTION_DISPLAY));
+    const bool audio =
+        model && icalcomponent_get_first_property(model, ICAL_ACTION_PROPERTY) &&
+        icalproperty_get_action(icalcomponent_get_first_property(model, ICAL_ACTION_PROPERTY)) ==
+            ICAL_ACTION_AUDIO;
+    icalcomponent_add_property(snooze,
+                               icalproperty_new_action(audio ? ICAL_ACTION_AUDIO : ICAL_ACTION_DISPLAY));
     if (!audio) {
         const char* description = model ? icalcomponent_get_description(model) : nullptr;
         const char* summary = icalcomponent_get_summary(place.item);
-        icalcomponent_add_property(
-            snooze, icalproperty_new_description(description && *description ? description
-                                                 : summary                   ? summary
-                                                                             : "Reminder"));
+        icalcomponent_add_property(snooze,
+                                   icalproperty_new_description(description && *description ? description
+                                                                : summary                   ? summary
+                                                                                            : "Reminder"));
     }
     icaltriggertype trigger{};
     trigger.time = UtcOf(until);
@@ -492,7 +547,8 @@ bool IcsAlarms::Snooze(std::string_view existing, const Reminder& reminder, doub
         icalproperty_set_parameter_from_string(related, "RELTYPE", "SNOOZE");
         icalcomponent_add_property(snooze, related);
     }
-    if (place.alarm && HasRelatedSnooze(place.alarm)) RemoveAlarm(place.item, place.alarm);
+    if (place.alarm && HasRelatedSnooze(place.alarm))
+        RemoveAlarm(place.item, place.alarm);
     icalcomponent_add_component(place.item, snooze);
     SetX(place.item, SnoozePropertyName(reminder.occurrence), UtcText(until));
     out = Serialise(calendar.get());

@@ -51,14 +51,14 @@ public:
 
 private:
     struct Alarm {
-        std::string key;             // UID or "#N"
-        bool absolute = false;       // fixed time, in `at`
-        bool relatedEnd = false;     // relative to the end (due)
-        bool snooze = false;         // a snooze alarm
+        std::string key;         // UID or "#N"
+        bool absolute = false;   // fixed time, in `at`
+        bool relatedEnd = false; // relative to the end (due)
+        bool snooze = false;     // a snooze alarm
         bool audio = false;
-        double offset = 0.0;         // days from start or end
-        double at = 0.0;             // the fixed moment
-        double acknowledged = 0.0;   // local DATE; 0 when never
+        double offset = 0.0;                // days from start or end
+        double at = 0.0;                    // the fixed moment
+        double acknowledged = 0.0;          // local DATE; 0 when never
         double snoozedOccurrence = kNoDate; // a series' occurrence a snooze belongs to
     };
     // The item's main component (first) and its overrides.

@@ -19,7 +19,8 @@ struct Person {
 std::u16string Clean(const std::string& utf8) {
     std::u16string text = Utf8ToUtf16(utf8);
     for (char16_t& c : text)
-        if (c == IcsAttendees::kPersonSeparator || c == IcsAttendees::kFieldSeparator || c < u' ') c = u' ';
+        if (c == IcsAttendees::kPersonSeparator || c == IcsAttendees::kFieldSeparator || c < u' ')
+            c = u' ';
     return text;
 }
 
@@ -27,8 +28,10 @@ std::string Address(const char* value) {
     std::string text = value ? value : "";
     if (text.size() >= kMailto.size()) {
         std::string prefix = text.substr(0, kMailto.size());
-        for (char& c : prefix) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-        if (prefix == kMailto) text.erase(0, kMailto.size());
+        for (char& c : prefix)
+            c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        if (prefix == kMailto)
+            text.erase(0, kMailto.size());
     }
     return text;
 }
@@ -53,8 +56,10 @@ std::vector<Person> ReadPeople(icalcomponent* component) {
          p = icalcomponent_get_next_property(component, ICAL_ATTENDEE_PROPERTY)) {
         Person person = PersonOf(p, false);
         // The organizer often lists himself as attendee as well.
-        if (!organizerAddress.empty() && person.address == organizerAddress) continue;
-        if (person.address.empty() && person.name.empty()) continue;
+        if (!organizerAddress.empty() && person.address == organizerAddress)
+            continue;
+        if (person.address.empty() && person.name.empty())
+            continue;
         people.push_back(std::move(person));
     }
     return people;
@@ -65,7 +70,8 @@ std::vector<Person> Split(const std::u16string& text) {
     std::size_t start = 0;
     while (start <= text.size()) {
         std::size_t end = text.find(IcsAttendees::kPersonSeparator, start);
-        if (end == std::u16string::npos) end = text.size();
+        if (end == std::u16string::npos)
+            end = text.size();
         const std::u16string entry = text.substr(start, end - start);
         if (!entry.empty()) {
             const std::size_t bar = entry.find(IcsAttendees::kFieldSeparator);
@@ -84,8 +90,10 @@ std::vector<Person> Split(const std::u16string& text) {
 
 icalproperty* MakeProperty(const Person& person, bool organizer) {
     const std::string value = std::string(kMailto) + Utf16ToUtf8(person.address);
-    icalproperty* p = organizer ? icalproperty_new_organizer(value.c_str()) : icalproperty_new_attendee(value.c_str());
-    if (!person.name.empty()) icalproperty_add_parameter(p, icalparameter_new_cn(Utf16ToUtf8(person.name).c_str()));
+    icalproperty* p =
+        organizer ? icalproperty_new_organizer(value.c_str()) : icalproperty_new_attendee(value.c_str());
+    if (!person.name.empty())
+        icalproperty_add_parameter(p, icalparameter_new_cn(Utf16ToUtf8(person.name).c_str()));
     return p;
 }
 
@@ -101,7 +109,8 @@ void RemoveAll(icalcomponent* component, icalproperty_kind kind) {
 std::u16string IcsAttendees::Read(icalcomponent* component) {
     std::u16string text;
     for (const Person& person : ReadPeople(component)) {
-        if (!text.empty()) text += kPersonSeparator;
+        if (!text.empty())
+            text += kPersonSeparator;
         text += person.name;
         text += kFieldSeparator;
         text += person.address;
@@ -110,7 +119,8 @@ std::u16string IcsAttendees::Read(icalcomponent* component) {
 }
 
 void IcsAttendees::Write(icalcomponent* component, const std::u16string& text) {
-    if (Read(component) == text) return;
+    if (Read(component) == text)
+        return;
     const bool hadOrganizer = icalcomponent_get_first_property(component, ICAL_ORGANIZER_PROPERTY) != nullptr;
     RemoveAll(component, ICAL_ORGANIZER_PROPERTY);
     RemoveAll(component, ICAL_ATTENDEE_PROPERTY);

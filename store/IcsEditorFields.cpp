@@ -25,7 +25,8 @@ icalproperty* FindX(icalcomponent* component, const char* name) {
     for (icalproperty* p = icalcomponent_get_first_property(component, ICAL_X_PROPERTY); p;
          p = icalcomponent_get_next_property(component, ICAL_X_PROPERTY)) {
         const char* x = icalproperty_get_x_name(p);
-        if (x && strcasecmp(x, name) == 0) return p;
+        if (x && strcasecmp(x, name) == 0)
+            return p;
     }
     return nullptr;
 }
@@ -41,7 +42,8 @@ void SetX(icalcomponent* component, const char* name, const char* value) {
         icalcomponent_remove_property(component, p);
         icalproperty_free(p);
     }
-    if (!value) return;
+    if (!value)
+        return;
     icalproperty* p = icalproperty_new_x(value);
     icalproperty_set_x_name(p, name);
     icalcomponent_add_property(component, p);
@@ -54,7 +56,9 @@ void RemoveAll(icalcomponent* component, icalproperty_kind kind) {
     }
 }
 
-bool IsTask(icalcomponent* component) { return icalcomponent_isa(component) == ICAL_VTODO_COMPONENT; }
+bool IsTask(icalcomponent* component) {
+    return icalcomponent_isa(component) == ICAL_VTODO_COMPONENT;
+}
 
 // The editor's alarm and its lead time in minutes: the first DISPLAY or
 // AUDIO alarm whose trigger is a duration at or before the start of an
@@ -66,17 +70,23 @@ icalcomponent* EditorAlarm(icalcomponent* component, int& leadMinutes) {
     for (icalcomponent* a = icalcomponent_get_first_component(component, ICAL_VALARM_COMPONENT); a;
          a = icalcomponent_get_next_component(component, ICAL_VALARM_COMPONENT)) {
         icalproperty* action = icalcomponent_get_first_property(a, ICAL_ACTION_PROPERTY);
-        if (!action) continue;
+        if (!action)
+            continue;
         const icalproperty_action kind = icalproperty_get_action(action);
-        if (kind != ICAL_ACTION_DISPLAY && kind != ICAL_ACTION_AUDIO) continue;
+        if (kind != ICAL_ACTION_DISPLAY && kind != ICAL_ACTION_AUDIO)
+            continue;
         icalproperty* trigger = icalcomponent_get_first_property(a, ICAL_TRIGGER_PROPERTY);
-        if (!trigger) continue;
+        if (!trigger)
+            continue;
         icalparameter* related = icalproperty_get_first_parameter(trigger, ICAL_RELATED_PARAMETER);
-        if ((related ? icalparameter_get_related(related) : ICAL_RELATED_START) != wanted) continue;
+        if ((related ? icalparameter_get_related(related) : ICAL_RELATED_START) != wanted)
+            continue;
         const icaltriggertype value = icalproperty_get_trigger(trigger);
-        if (!icaltime_is_null_time(value.time)) continue; // an absolute moment
+        if (!icaltime_is_null_time(value.time))
+            continue; // an absolute moment
         const int seconds = icaldurationtype_as_int(value.duration);
-        if (seconds > 0 || -seconds / kSecondsPerMinute > kMaxLeadMinutes) continue;
+        if (seconds > 0 || -seconds / kSecondsPerMinute > kMaxLeadMinutes)
+            continue;
         leadMinutes = -seconds / kSecondsPerMinute;
         return a;
     }
@@ -88,7 +98,8 @@ icalproperty* NewTrigger(icalcomponent* component, int leadMinutes) {
     trigger.time = icaltime_null_time();
     trigger.duration = icaldurationtype_from_int(-leadMinutes * kSecondsPerMinute);
     icalproperty* p = icalproperty_new_trigger(trigger);
-    if (IsTask(component)) icalproperty_add_parameter(p, icalparameter_new_related(ICAL_RELATED_END));
+    if (IsTask(component))
+        icalproperty_add_parameter(p, icalparameter_new_related(ICAL_RELATED_END));
     return p;
 }
 
@@ -102,7 +113,8 @@ void WriteReminder(icalcomponent* component, const PimRecord& record) {
         }
         return;
     }
-    if (alarm && lead == record.reminderMinutes) return;
+    if (alarm && lead == record.reminderMinutes)
+        return;
     if (alarm) {
         RemoveAll(alarm, ICAL_TRIGGER_PROPERTY);
         icalcomponent_add_property(alarm, NewTrigger(component, record.reminderMinutes));
@@ -120,21 +132,27 @@ void WriteReminder(icalcomponent* component, const PimRecord& record) {
 int ReadBusy(icalcomponent* component) {
     const std::string busy = XValue(component, kBusyProperty);
     for (int i = 0; i < 4; ++i)
-        if (strcasecmp(busy.c_str(), kBusyNames[i]) == 0) return i;
+        if (strcasecmp(busy.c_str(), kBusyNames[i]) == 0)
+            return i;
     if (icalproperty* transp = icalcomponent_get_first_property(component, ICAL_TRANSP_PROPERTY)) {
         const icalproperty_transp value = icalproperty_get_transp(transp);
-        if (value == ICAL_TRANSP_TRANSPARENT || value == ICAL_TRANSP_TRANSPARENTNOCONFLICT) return kFree;
+        if (value == ICAL_TRANSP_TRANSPARENT || value == ICAL_TRANSP_TRANSPARENTNOCONFLICT)
+            return kFree;
     }
     return kBusy;
 }
 
 int ReadSensitivity(icalcomponent* component) {
     icalproperty* p = icalcomponent_get_first_property(component, ICAL_CLASS_PROPERTY);
-    if (!p) return 0;
+    if (!p)
+        return 0;
     switch (icalproperty_get_class(p)) {
-    case ICAL_CLASS_PRIVATE: return strcasecmp(XValue(component, kPersonalProperty).c_str(), kPersonalValue) == 0 ? 1 : 2;
-    case ICAL_CLASS_CONFIDENTIAL: return 3;
-    default: return 0;
+    case ICAL_CLASS_PRIVATE:
+        return strcasecmp(XValue(component, kPersonalProperty).c_str(), kPersonalValue) == 0 ? 1 : 2;
+    case ICAL_CLASS_CONFIDENTIAL:
+        return 3;
+    default:
+        return 0;
     }
 }
 
@@ -146,14 +164,16 @@ std::vector<std::u16string> ReadAttachments(icalcomponent* component) {
         // Inline data has no name to list; it stays in the file untouched.
         if (attach && icalattach_get_is_url(attach)) {
             const char* url = icalattach_get_url(attach);
-            if (url && *url) list.push_back(Utf8ToUtf16(url));
+            if (url && *url)
+                list.push_back(Utf8ToUtf16(url));
         }
     }
     return list;
 }
 
 void WriteAttachments(icalcomponent* component, const std::vector<std::u16string>& list) {
-    if (ReadAttachments(component) == list) return;
+    if (ReadAttachments(component) == list)
+        return;
     for (icalproperty* p = icalcomponent_get_first_property(component, ICAL_ATTACH_PROPERTY); p;) {
         icalproperty* next = icalcomponent_get_next_property(component, ICAL_ATTACH_PROPERTY);
         icalattach* attach = icalproperty_get_attach(p);
@@ -172,10 +192,11 @@ void WriteAttachments(icalcomponent* component, const std::vector<std::u16string
 
 void WriteSensitivity(icalcomponent* component, const PimRecord& record) {
     const int sensitivity = record.sensitivity >= 0 && record.sensitivity <= 3 ? record.sensitivity : 0;
-    if (ReadSensitivity(component) == sensitivity) return;
+    if (ReadSensitivity(component) == sensitivity)
+        return;
     RemoveAll(component, ICAL_CLASS_PROPERTY);
-    static constexpr icalproperty_class kClasses[] = {ICAL_CLASS_PUBLIC, ICAL_CLASS_PRIVATE, ICAL_CLASS_PRIVATE,
-                                                      ICAL_CLASS_CONFIDENTIAL};
+    static constexpr icalproperty_class kClasses[] = {ICAL_CLASS_PUBLIC, ICAL_CLASS_PRIVATE,
+                                                      ICAL_CLASS_PRIVATE, ICAL_CLASS_CONFIDENTIAL};
     icalcomponent_add_property(component, icalproperty_new_class(kClasses[sensitivity]));
     SetX(component, kPersonalProperty, sensitivity == 1 ? kPersonalValue : nullptr);
 }
@@ -186,7 +207,8 @@ void IcsEditorFields::Read(icalcomponent* component, PimRecord& record) {
     int lead = 0;
     record.reminderSet = EditorAlarm(component, lead) != nullptr;
     record.reminderMinutes = record.reminderSet ? lead : 0;
-    if (!IsTask(component)) record.busyStatus = ReadBusy(component);
+    if (!IsTask(component))
+        record.busyStatus = ReadBusy(component);
     record.sensitivity = ReadSensitivity(component);
     record.attachments = ReadAttachments(component);
 }
@@ -202,8 +224,8 @@ void IcsEditorFields::Write(icalcomponent* component, const PimRecord& record) {
     const int busy = record.busyStatus >= 0 && record.busyStatus <= 3 ? record.busyStatus : kBusy;
     if (ReadBusy(component) != busy || !FindX(component, kBusyProperty)) {
         RemoveAll(component, ICAL_TRANSP_PROPERTY);
-        icalcomponent_add_property(component,
-                                   icalproperty_new_transp(busy == kFree ? ICAL_TRANSP_TRANSPARENT : ICAL_TRANSP_OPAQUE));
+        icalcomponent_add_property(
+            component, icalproperty_new_transp(busy == kFree ? ICAL_TRANSP_TRANSPARENT : ICAL_TRANSP_OPAQUE));
         SetX(component, kBusyProperty, kBusyNames[busy]);
     }
     WriteSensitivity(component, record);

@@ -11,13 +11,15 @@ namespace {
 void CollectZoneIds(icalcomponent* component, std::set<std::string>& used, std::set<std::string>& defined) {
     if (icalcomponent_isa(component) == ICAL_VTIMEZONE_COMPONENT) {
         if (icalproperty* id = icalcomponent_get_first_property(component, ICAL_TZID_PROPERTY))
-            if (const char* text = icalproperty_get_tzid(id)) defined.insert(text);
+            if (const char* text = icalproperty_get_tzid(id))
+                defined.insert(text);
         return;
     }
     for (icalproperty* p = icalcomponent_get_first_property(component, ICAL_ANY_PROPERTY); p;
          p = icalcomponent_get_next_property(component, ICAL_ANY_PROPERTY))
         if (icalparameter* tz = icalproperty_get_first_parameter(p, ICAL_TZID_PARAMETER))
-            if (const char* text = icalparameter_get_tzid(tz)) used.insert(text);
+            if (const char* text = icalparameter_get_tzid(tz))
+                used.insert(text);
     for (icalcomponent* c = icalcomponent_get_first_component(component, ICAL_ANY_COMPONENT); c;
          c = icalcomponent_get_next_component(component, ICAL_ANY_COMPONENT))
         CollectZoneIds(c, used, defined);
@@ -31,11 +33,14 @@ bool AddMissingZones(icalcomponent* calendar) {
     CollectZoneIds(calendar, used, defined);
     bool added = false;
     for (const std::string& id : used) {
-        if (defined.count(id)) continue;
+        if (defined.count(id))
+            continue;
         icaltimezone* zone = icaltimezone_get_builtin_timezone(id.c_str());
-        if (!zone) zone = icaltimezone_get_builtin_timezone_from_tzid(id.c_str());
+        if (!zone)
+            zone = icaltimezone_get_builtin_timezone_from_tzid(id.c_str());
         icalcomponent* definition = zone ? icaltimezone_get_component(zone) : nullptr;
-        if (!definition) continue; // a zone nobody knows stays a name
+        if (!definition)
+            continue; // a zone nobody knows stays a name
         icalcomponent* copy = icalcomponent_new_clone(definition);
         // The zone keeps the plain name the times use, not libical's prefixed one.
         if (icalproperty* tzid = icalcomponent_get_first_property(copy, ICAL_TZID_PROPERTY))
@@ -62,7 +67,8 @@ bool IcsExport::Combine(const std::vector<std::string>& calendarTexts, std::stri
     bool any = false;
     for (const std::string& text : calendarTexts) {
         IcalComponentPtr calendar(icalparser_parse_string(text.c_str()));
-        if (!calendar || icalcomponent_isa(calendar.get()) != ICAL_VCALENDAR_COMPONENT) continue;
+        if (!calendar || icalcomponent_isa(calendar.get()) != ICAL_VCALENDAR_COMPONENT)
+            continue;
         any = true;
         // Components are moved over; the emptied calendar is freed.
         std::vector<icalcomponent*> children;
@@ -73,16 +79,19 @@ bool IcsExport::Combine(const std::vector<std::string>& calendarTexts, std::stri
             if (icalcomponent_isa(c) == ICAL_VTIMEZONE_COMPONENT) {
                 icalproperty* id = icalcomponent_get_first_property(c, ICAL_TZID_PROPERTY);
                 const char* name = id ? icalproperty_get_tzid(id) : nullptr;
-                if (!name || !zones.insert(name).second) continue;
+                if (!name || !zones.insert(name).second)
+                    continue;
             }
             icalcomponent_remove_component(calendar.get(), c);
             icalcomponent_add_component(combined.get(), c);
         }
     }
-    if (!any) return false;
+    if (!any)
+        return false;
     AddMissingZones(combined.get());
     char* text = icalcomponent_as_ical_string_r(combined.get());
-    if (!text) return false;
+    if (!text)
+        return false;
     out = text;
     icalmemory_free_buffer(text);
     return true;

@@ -26,20 +26,26 @@ constexpr double kIteratorMarginDays = 1.0;
 
 // PRIORITY 1-4 is high, 5 (or none) normal, 6-9 low.
 int ImportanceOfPriority(int priority) {
-    if (priority >= 1 && priority <= 4) return 2;
-    if (priority >= 6 && priority <= 9) return 0;
+    if (priority >= 1 && priority <= 4)
+        return 2;
+    if (priority >= 6 && priority <= 9)
+        return 0;
     return 1;
 }
 
-std::u16string Text(const char* utf8) { return utf8 ? Utf8ToUtf16(utf8) : std::u16string(); }
+std::u16string Text(const char* utf8) {
+    return utf8 ? Utf8ToUtf16(utf8) : std::u16string();
+}
 
 std::u16string JoinCategories(icalcomponent* component) {
     std::u16string text;
     for (icalproperty* p = icalcomponent_get_first_property(component, ICAL_CATEGORIES_PROPERTY); p;
          p = icalcomponent_get_next_property(component, ICAL_CATEGORIES_PROPERTY)) {
         const char* value = icalproperty_get_categories(p);
-        if (!value || !*value) continue;
-        if (!text.empty()) text += u", ";
+        if (!value || !*value)
+            continue;
+        if (!text.empty())
+            text += u", ";
         text += Utf8ToUtf16(value);
     }
     return text;
@@ -49,7 +55,8 @@ std::u16string JoinCategories(icalcomponent* component) {
 // the system's zones); unknown zones read as floating local time.
 icaltimetype PropertyTime(icalcomponent* component, icalproperty_kind kind) {
     icalproperty* p = icalcomponent_get_first_property(component, kind);
-    if (!p) return icaltime_null_time();
+    if (!p)
+        return icaltime_null_time();
     return icalproperty_get_datetime_with_component(p, component);
 }
 
@@ -145,16 +152,18 @@ bool TooCostlyToExpand(const icalrecurrencetype& rule) {
 // amount too; a weekly rule whose only BY part is DTSTART's own weekday (as
 // many programs write it) is the same rule.
 bool IsPlainDailyOrWeekly(const icalrecurrencetype& rule, const icaltimetype& start) {
-    if (rule.freq == ICAL_DAILY_RECURRENCE) return !HasByParts(rule);
-    if (rule.freq != ICAL_WEEKLY_RECURRENCE) return false;
-    if (!Has(rule.by_day)) return !HasByParts(rule);
-    const bool onlyStartDay = rule.by_day[1] == ICAL_RECURRENCE_ARRAY_MAX &&
-                              icalrecurrencetype_day_position(rule.by_day[0]) == 0 &&
-                              static_cast<int>(icalrecurrencetype_day_day_of_week(rule.by_day[0])) ==
-                                  icaltime_day_of_week(start);
+    if (rule.freq == ICAL_DAILY_RECURRENCE)
+        return !HasByParts(rule);
+    if (rule.freq != ICAL_WEEKLY_RECURRENCE)
+        return false;
+    if (!Has(rule.by_day))
+        return !HasByParts(rule);
+    const bool onlyStartDay =
+        rule.by_day[1] == ICAL_RECURRENCE_ARRAY_MAX && icalrecurrencetype_day_position(rule.by_day[0]) == 0 &&
+        static_cast<int>(icalrecurrencetype_day_day_of_week(rule.by_day[0])) == icaltime_day_of_week(start);
     return onlyStartDay && !Has(rule.by_second) && !Has(rule.by_minute) && !Has(rule.by_hour) &&
-           !Has(rule.by_month_day) && !Has(rule.by_year_day) && !Has(rule.by_week_no) && !Has(rule.by_month) &&
-           !Has(rule.by_set_pos);
+           !Has(rule.by_month_day) && !Has(rule.by_year_day) && !Has(rule.by_week_no) &&
+           !Has(rule.by_month) && !Has(rule.by_set_pos);
 }
 
 long FixedStepSeconds(const icalrecurrencetype& rule) {
@@ -287,10 +296,12 @@ bool IcsItem::ReadComponent(icalcomponent* component, PimRecord& record, std::st
     if (kind_ == Kind::Task) {
         record.itemKind = 3;
         double date = kNoDate;
-        if (!icaltime_is_null_time(start) && IcalTime::ToLocalDate(start, date)) record.startDate = date;
+        if (!icaltime_is_null_time(start) && IcalTime::ToLocalDate(start, date))
+            record.startDate = date;
         const icaltimetype due = PropertyTime(component, ICAL_DUE_PROPERTY);
         date = kNoDate;
-        if (!icaltime_is_null_time(due) && IcalTime::ToLocalDate(due, date)) record.dueDate = date;
+        if (!icaltime_is_null_time(due) && IcalTime::ToLocalDate(due, date))
+            record.dueDate = date;
         record.complete = icalcomponent_get_status(component) == ICAL_STATUS_COMPLETED ||
                           icalcomponent_get_first_property(component, ICAL_COMPLETED_PROPERTY) != nullptr;
         icalproperty* priority = icalcomponent_get_first_property(component, ICAL_PRIORITY_PROPERTY);
@@ -318,7 +329,8 @@ bool IcsItem::ReadComponent(icalcomponent* component, PimRecord& record, std::st
     } else {
         record.end = record.allDay ? (DateTime(record.start) + DateTimeSpan(1.0)).ToDate() : record.start;
     }
-    if (!DateTime(record.end).IsValid()) record.end = record.start;
+    if (!DateTime(record.end).IsValid())
+        record.end = record.start;
     return true;
 }
 
@@ -340,7 +352,8 @@ bool IcsItem::Parse(std::string_view text, std::string& problem) {
     if (icalcomponent_isa(root) != ICAL_VCALENDAR_COMPONENT) {
         // Some files hold a bare VEVENT; a parse of several roots gives an XROOT.
         icalcomponent* inner = icalcomponent_get_first_component(root, ICAL_VCALENDAR_COMPONENT);
-        if (inner) root = inner;
+        if (inner)
+            root = inner;
     }
     // The main component: the first VEVENT or VTODO without RECURRENCE-ID,
     // else the first one at all.
@@ -348,9 +361,11 @@ bool IcsItem::Parse(std::string_view text, std::string& problem) {
     for (icalcomponent* c = icalcomponent_get_first_component(root, ICAL_ANY_COMPONENT); c;
          c = icalcomponent_get_next_component(root, ICAL_ANY_COMPONENT)) {
         const icalcomponent_kind k = icalcomponent_isa(c);
-        if (k == ICAL_VEVENT_COMPONENT || k == ICAL_VTODO_COMPONENT) candidates.push_back(c);
+        if (k == ICAL_VEVENT_COMPONENT || k == ICAL_VTODO_COMPONENT)
+            candidates.push_back(c);
     }
-    if (candidates.empty() && (icalcomponent_isa(root) == ICAL_VEVENT_COMPONENT || icalcomponent_isa(root) == ICAL_VTODO_COMPONENT))
+    if (candidates.empty() &&
+        (icalcomponent_isa(root) == ICAL_VEVENT_COMPONENT || icalcomponent_isa(root) == ICAL_VTODO_COMPONENT))
         candidates.push_back(root);
     if (candidates.empty()) {
         problem = "no VEVENT or VTODO";
@@ -361,7 +376,8 @@ bool IcsItem::Parse(std::string_view text, std::string& problem) {
             master_ = c;
             break;
         }
-    if (!master_) master_ = candidates.front();
+    if (!master_)
+        master_ = candidates.front();
     kind_ = icalcomponent_isa(master_) == ICAL_VTODO_COMPONENT ? Kind::Task : Kind::Event;
     wholeDays_ = kind_ == Kind::Event && IsOutlookAllDay(master_);
     const char* uid = icalcomponent_get_uid(master_);
@@ -370,7 +386,8 @@ bool IcsItem::Parse(std::string_view text, std::string& problem) {
         Log::Warning("store: item %s: %d time zone rules or zones no real zone has are ignored", uid_.c_str(),
                      zoneRulesDropped);
     for (icalcomponent* c : candidates) {
-        if (c == master_) continue;
+        if (c == master_)
+            continue;
         const char* other = icalcomponent_get_uid(c);
         const bool sameUid = (other ? std::string(other) : std::string()) == uid_;
         if (sameUid && icalcomponent_isa(c) == icalcomponent_isa(master_) &&
@@ -381,7 +398,8 @@ bool IcsItem::Parse(std::string_view text, std::string& problem) {
     }
     record_ = PimRecord();
     record_.uid = uid_;
-    if (!ReadComponent(master_, record_, problem)) return false;
+    if (!ReadComponent(master_, record_, problem))
+        return false;
 
     icalproperty* rrule = icalcomponent_get_first_property(master_, ICAL_RRULE_PROPERTY);
     const bool hasRdate = icalcomponent_get_first_property(master_, ICAL_RDATE_PROPERTY) != nullptr;
@@ -400,18 +418,21 @@ bool IcsItem::Parse(std::string_view text, std::string& problem) {
                 // A floating UNTIL is read in the start's zone.
                 u.zone = icaltime_get_timezone(PropertyTime(master_, ICAL_DTSTART_PROPERTY));
             }
-            if (!IcalTime::ToLocalDate(u, until)) until = 0.0;
+            if (!IcalTime::ToLocalDate(u, until))
+                until = 0.0;
         }
         const char* ruleText = icalproperty_get_value_as_string(rrule);
         RecurrencePattern pattern;
-        const double start = kind_ == Kind::Task ? (record_.startDate != kNoDate ? record_.startDate : record_.dueDate)
-                                                 : record_.start;
+        const double start = kind_ == Kind::Task
+                                 ? (record_.startDate != kNoDate ? record_.startDate : record_.dueDate)
+                                 : record_.start;
         if (ruleText && start != kNoDate && RecurrenceRule::ToPattern(ruleText, start, until, pattern)) {
             record_.isRecurring = true;
             record_.recurrence = pattern;
         }
     }
-    if (kind_ == Kind::Event) record_.isRecurring = series_;
+    if (kind_ == Kind::Event)
+        record_.isRecurring = series_;
     longest_ = std::max(0.0, record_.end - record_.start);
     seriesEnd_ = record_.end;
     if (series_) {
@@ -419,16 +440,20 @@ bool IcsItem::Parse(std::string_view text, std::string& problem) {
         seriesEnd_ = rrule && until != 0.0 ? until + longest_ + 1.0 : kNoDate;
         if (rrule) {
             struct icalrecurrencetype rule = icalproperty_get_rrule(rrule);
-            if (rule.count <= 0 && until == 0.0) seriesEnd_ = kNoDate;
-            if (rule.count > 0) seriesEnd_ = kNoDate;
+            if (rule.count <= 0 && until == 0.0)
+                seriesEnd_ = kNoDate;
+            if (rule.count > 0)
+                seriesEnd_ = kNoDate;
         }
         for (icalproperty* p = icalcomponent_get_first_property(master_, ICAL_RDATE_PROPERTY); p;
              p = icalcomponent_get_next_property(master_, ICAL_RDATE_PROPERTY)) {
             double date = 0.0;
-            if (seriesEnd_ != kNoDate && IcalTime::ToLocalDate(icalproperty_get_datetime_with_component(p, master_), date))
+            if (seriesEnd_ != kNoDate &&
+                IcalTime::ToLocalDate(icalproperty_get_datetime_with_component(p, master_), date))
                 seriesEnd_ = std::max(seriesEnd_, date + longest_ + 1.0);
         }
-        if (!rrule && seriesEnd_ == kNoDate) seriesEnd_ = record_.end;
+        if (!rrule && seriesEnd_ == kNoDate)
+            seriesEnd_ = record_.end;
     }
     if (series_)
         PrepareSeries();
@@ -444,10 +469,12 @@ bool IcsItem::Parse(std::string_view text, std::string& problem) {
 }
 
 void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurrences) const {
-    if (kind_ != Kind::Event) return;
+    if (kind_ != Kind::Event)
+        return;
     const std::size_t firstNew = occurrences.size();
     if (!series_) {
-        if (record_.start >= from && record_.start < before) occurrences.push_back(record_);
+        if (record_.start >= from && record_.start < before)
+            occurrences.push_back(record_);
         return;
     }
     const icaltimetype zonedStart = PropertyTime(master_, ICAL_DTSTART_PROPERTY);
@@ -460,7 +487,8 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
     std::time_t endUnix = 0;
     const double durationDays = record_.end - record_.start;
     long durationSeconds = std::lround(durationDays * kSecondsPerDay);
-    if (!record_.allDay && !icaltime_is_null_time(dtend) && IcalTime::ToUnix(dtend, endUnix) && endUnix >= startUnix)
+    if (!record_.allDay && !icaltime_is_null_time(dtend) && IcalTime::ToUnix(dtend, endUnix) &&
+        endUnix >= startUnix)
         durationSeconds = static_cast<long>(endUnix - startUnix);
 
     auto add = [&](icaltimetype occurrence) {
@@ -573,7 +601,8 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
             if (rule.count <= 0 && jumpTo > record_.start) {
                 icaltimetype start = IcalTime::FromLocalDate(jumpTo, wallStart.is_date, zone);
                 start.zone = nullptr;
-                if (!icaltime_is_null_time(start)) icalrecur_iterator_set_start(iterator.get(), start);
+                if (!icaltime_is_null_time(start))
+                    icalrecur_iterator_set_start(iterator.get(), start);
             }
             for (;;) {
                 const icaltimetype occurrence = icalrecur_iterator_next(iterator.get());
@@ -589,8 +618,10 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
     // A plain DTSTART counts as an occurrence even when the rule skips it.
     bool startListed = false;
     for (std::size_t i = firstNew; i < occurrences.size(); ++i)
-        if (occurrences[i].start == record_.start) startListed = true;
-    if (!startListed) add(dtstart);
+        if (occurrences[i].start == record_.start)
+            startListed = true;
+    if (!startListed)
+        add(dtstart);
 
     auto firstMoved =
         std::lower_bound(moved_.begin(), moved_.end(), from,
@@ -607,7 +638,8 @@ std::vector<PimRecord> IcsItem::GetOverrideRecords() const {
     std::string ignored;
     for (icalcomponent* component : overrides_) {
         PimRecord record;
-        if (ReadComponent(component, record, ignored)) records.push_back(std::move(record));
+        if (ReadComponent(component, record, ignored))
+            records.push_back(std::move(record));
     }
     return records;
 }

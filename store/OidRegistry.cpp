@@ -21,14 +21,19 @@ bool InFileOrder(const StoredItem& a, const StoredItem& b) {
 
 std::int32_t OidRegistry::HashUid(const std::string& uid) {
     std::uint32_t hash = 2166136261u;
-    for (unsigned char c : uid) hash = (hash ^ c) * 16777619u;
+    for (unsigned char c : uid)
+        hash = (hash ^ c) * 16777619u;
     const auto oid = static_cast<std::int32_t>(hash & static_cast<std::uint32_t>(kMaxOid));
     return oid == 0 ? 1 : oid;
 }
 
-void OidRegistry::Reserve(std::size_t files) { files_.reserve(files); }
+void OidRegistry::Reserve(std::size_t files) {
+    files_.reserve(files);
+}
 
-void OidRegistry::Add(std::string key, Entry entry) { files_[std::move(key)] = std::move(entry); }
+void OidRegistry::Add(std::string key, Entry entry) {
+    files_[std::move(key)] = std::move(entry);
+}
 
 void OidRegistry::AssignAll() {
     byOid_.clear();
@@ -36,8 +41,10 @@ void OidRegistry::AssignAll() {
     std::vector<const Entry*> ordered;
     ordered.reserve(files_.size());
     for (auto& [key, item] : files_)
-        if (item->readable) ordered.push_back(&item);
-    std::sort(ordered.begin(), ordered.end(), [](const Entry* a, const Entry* b) { return InFileOrder(**a, **b); });
+        if (item->readable)
+            ordered.push_back(&item);
+    std::sort(ordered.begin(), ordered.end(),
+              [](const Entry* a, const Entry* b) { return InFileOrder(**a, **b); });
     // The first file of a UID (in folder and name order) holds it; later
     // files with the same UID are skipped.
     std::unordered_map<std::string_view, StoredItem*> byUid;
@@ -63,13 +70,15 @@ void OidRegistry::AssignAll() {
     });
     oidOfUid_.reserve(hashes.size());
     uidOfOid_.reserve(hashes.size());
-    for (auto& [hash, item] : hashes) AssignOid(*item);
+    for (auto& [hash, item] : hashes)
+        AssignOid(*item);
     // The folders' snapshots come from the same order, so that the first
     // query sorts nothing.
     byOid_.reserve(hashes.size());
     for (const Entry* entry : ordered) {
         const Entry& item = *entry;
-        if (!item->readable) continue;
+        if (!item->readable)
+            continue;
         byOid_[item->record.oid] = item;
         snapshots_[item->folder].push_back(item);
     }
@@ -83,7 +92,8 @@ void OidRegistry::AssignOid(StoredItem& item) {
     }
     // A hash taken by another UID moves on to the next free number.
     std::int32_t oid = HashUid(item.uid);
-    while (uidOfOid_.count(oid)) oid = oid == kMaxOid ? 1 : oid + 1;
+    while (uidOfOid_.count(oid))
+        oid = oid == kMaxOid ? 1 : oid + 1;
     oidOfUid_[item.uid] = oid;
     uidOfOid_[oid] = item.uid;
     item.record.oid = oid;
@@ -91,15 +101,18 @@ void OidRegistry::AssignOid(StoredItem& item) {
 
 void OidRegistry::Release(const Entry& entry) {
     snapshots_.erase(entry->folder);
-    if (!entry->readable) return;
+    if (!entry->readable)
+        return;
     auto holder = byOid_.find(entry->record.oid);
-    if (holder != byOid_.end() && holder->second == entry) byOid_.erase(holder);
+    if (holder != byOid_.end() && holder->second == entry)
+        byOid_.erase(holder);
 }
 
 void OidRegistry::Publish(Entry entry) {
     const std::string key = VdirFileIo::Key(entry->directory, entry->fileName);
     auto old = files_.find(key);
-    if (old != files_.end()) Release(old->second);
+    if (old != files_.end())
+        Release(old->second);
     if (entry->readable) {
         // A second file with a UID already held elsewhere is skipped.
         auto known = oidOfUid_.find(entry->uid);
@@ -125,7 +138,8 @@ void OidRegistry::Publish(Entry entry) {
 
 void OidRegistry::Unpublish(const std::string& key) {
     auto it = files_.find(key);
-    if (it == files_.end()) return;
+    if (it == files_.end())
+        return;
     Release(it->second);
     files_.erase(it);
     dirty_ = true;
@@ -148,12 +162,15 @@ OidRegistry::Entry OidRegistry::FindUid(const std::string& uid) const {
 
 OidRegistry::Snapshot OidRegistry::GetSnapshot(int folderId) {
     auto it = snapshots_.find(folderId);
-    if (it != snapshots_.end()) return it->second;
+    if (it != snapshots_.end())
+        return it->second;
     Snapshot snapshot;
     for (const auto& [key, item] : files_)
-        if (item->readable && item->folder == folderId) snapshot.push_back(item);
+        if (item->readable && item->folder == folderId)
+            snapshot.push_back(item);
     // Folder and file name order, the same on every run.
-    std::sort(snapshot.begin(), snapshot.end(), [](const auto& a, const auto& b) { return InFileOrder(*a, *b); });
+    std::sort(snapshot.begin(), snapshot.end(),
+              [](const auto& a, const auto& b) { return InFileOrder(*a, *b); });
     snapshots_[folderId] = snapshot;
     return snapshot;
 }

@@ -15,22 +15,30 @@ constexpr const char* kDayNames[7] = {"SU", "MO", "TU", "WE", "TH", "FR", "SA"};
 constexpr int kLastInstance = 5; // the record's "last"
 
 // Bit of DayOfWeekMask for libical's weekday (1 Sunday .. 7 Saturday).
-int DayBit(icalrecurrencetype_weekday day) { return 1 << (static_cast<int>(day) - 1); }
+int DayBit(icalrecurrencetype_weekday day) {
+    return 1 << (static_cast<int>(day) - 1);
+}
 
-bool Has(const short* array, int index = 0) { return array[index] != ICAL_RECURRENCE_ARRAY_MAX; }
+bool Has(const short* array, int index = 0) {
+    return array[index] != ICAL_RECURRENCE_ARRAY_MAX;
+}
 
 int Count(const short* array, int max) {
     int n = 0;
-    while (n < max && array[n] != ICAL_RECURRENCE_ARRAY_MAX) ++n;
+    while (n < max && array[n] != ICAL_RECURRENCE_ARRAY_MAX)
+        ++n;
     return n;
 }
 
 std::string DaysText(int mask, int position) {
     std::string text;
     for (int d = 0; d < 7; ++d) {
-        if (!(mask & (1 << d))) continue;
-        if (!text.empty()) text += ",";
-        if (position) text += std::to_string(position);
+        if (!(mask & (1 << d)))
+            continue;
+        if (!text.empty())
+            text += ",";
+        if (position)
+            text += std::to_string(position);
         text += kDayNames[d];
     }
     return text;
@@ -38,7 +46,8 @@ std::string DaysText(int mask, int position) {
 
 } // namespace
 
-bool RecurrenceRule::ToPattern(const std::string& rrule, double start, double until, RecurrencePattern& pattern) {
+bool RecurrenceRule::ToPattern(const std::string& rrule, double start, double until,
+                               RecurrencePattern& pattern) {
     icalerror_clear_errno();
     struct icalrecurrencetype rule = icalrecurrencetype_from_string(rrule.c_str());
     if (rule.freq == ICAL_NO_RECURRENCE || icalerrno != ICAL_NO_ERROR) {
@@ -58,7 +67,8 @@ bool RecurrenceRule::ToPattern(const std::string& rrule, double start, double un
     // sentence stays true but says less (times of day), kNoFit when it would
     // claim something false (one day of the month where there are several).
     auto lessSpecific = [&] {
-        if (pattern.RuleFit == RecurrencePattern::kExact) pattern.RuleFit = RecurrencePattern::kNearest;
+        if (pattern.RuleFit == RecurrencePattern::kExact)
+            pattern.RuleFit = RecurrencePattern::kNearest;
     };
     auto noFit = [&] { pattern.RuleFit = RecurrencePattern::kNoFit; };
 
@@ -68,27 +78,34 @@ bool RecurrenceRule::ToPattern(const std::string& rrule, double start, double un
         mask |= DayBit(icalrecurrencetype_day_day_of_week(rule.by_day[i]));
         const int pos = icalrecurrencetype_day_position(rule.by_day[i]);
         if (pos != 0) {
-            if (position != 0 && position != pos) noFit(); // "1MO,3WE"
+            if (position != 0 && position != pos)
+                noFit(); // "1MO,3WE"
             position = pos;
         }
     }
     if (position == 0 && Has(rule.by_set_pos)) {
         position = rule.by_set_pos[0];
-        if (Has(rule.by_set_pos, 1)) noFit(); // several positions
+        if (Has(rule.by_set_pos, 1))
+            noFit(); // several positions
     }
     const int startDayBit = 1 << first.GetDayOfWeek();
     const int monthDay = Has(rule.by_month_day) ? rule.by_month_day[0] : first.GetDay();
     // Several days of the month, or one counted from the end ("-1", the last
     // day) have no record: the 31st is not the last day of April.
-    if (Has(rule.by_month_day, 1) || monthDay < 0) noFit();
+    if (Has(rule.by_month_day, 1) || monthDay < 0)
+        noFit();
     const int month = Has(rule.by_month) ? rule.by_month[0] : first.GetMonth();
-    if (Has(rule.by_month, 1)) noFit();
-    if (Has(rule.by_year_day) || Has(rule.by_week_no)) noFit();
-    if (Has(rule.by_hour) || Has(rule.by_minute) || Has(rule.by_second)) lessSpecific();
+    if (Has(rule.by_month, 1))
+        noFit();
+    if (Has(rule.by_year_day) || Has(rule.by_week_no))
+        noFit();
+    if (Has(rule.by_hour) || Has(rule.by_minute) || Has(rule.by_second))
+        lessSpecific();
     const int instance = position < 0 ? kLastInstance : position;
     // The record knows the first to fourth and the last; the fifth or the
     // second-to-last are something else.
-    if (position < -1 || position > 4) noFit();
+    if (position < -1 || position > 4)
+        noFit();
 
     switch (rule.freq) {
     case ICAL_DAILY_RECURRENCE:
@@ -96,7 +113,8 @@ bool RecurrenceRule::ToPattern(const std::string& rrule, double start, double un
             pattern.RecurrenceType = RecurrencePattern::kWeekly;
             pattern.DayOfWeekMask = mask;
             // Every n days, only on some weekdays, is no weekly rule.
-            if (pattern.Interval != 1) noFit();
+            if (pattern.Interval != 1)
+                noFit();
         } else {
             pattern.RecurrenceType = RecurrencePattern::kDaily;
         }
@@ -113,7 +131,8 @@ bool RecurrenceRule::ToPattern(const std::string& rrule, double start, double un
         } else {
             pattern.RecurrenceType = RecurrencePattern::kMonthly;
             pattern.DayOfMonth = monthDay < 0 ? 31 : monthDay;
-            if (mask) noFit();
+            if (mask)
+                noFit();
         }
         break;
     case ICAL_YEARLY_RECURRENCE:
@@ -125,7 +144,8 @@ bool RecurrenceRule::ToPattern(const std::string& rrule, double start, double un
         } else {
             pattern.RecurrenceType = RecurrencePattern::kYearly;
             pattern.DayOfMonth = monthDay < 0 ? 31 : monthDay;
-            if (mask) noFit();
+            if (mask)
+                noFit();
         }
         break;
     default: // hourly and finer have no record
@@ -143,19 +163,25 @@ std::string RecurrenceRule::FromPattern(const RecurrencePattern& pattern, bool a
     auto nthDays = [&] {
         // One weekday as "2TU"; several as a day list picked by BYSETPOS.
         const int mask = pattern.DayOfWeekMask & 0x7F;
-        if ((mask & (mask - 1)) == 0) return ";BYDAY=" + DaysText(mask, position);
+        if ((mask & (mask - 1)) == 0)
+            return ";BYDAY=" + DaysText(mask, position);
         return ";BYDAY=" + DaysText(mask, 0) + ";BYSETPOS=" + std::to_string(position);
     };
     switch (pattern.RecurrenceType) {
-    case RecurrencePattern::kDaily: text = "FREQ=DAILY"; break;
+    case RecurrencePattern::kDaily:
+        text = "FREQ=DAILY";
+        break;
     case RecurrencePattern::kWeekly:
         text = "FREQ=WEEKLY";
-        if (pattern.DayOfWeekMask & 0x7F) text += ";BYDAY=" + DaysText(pattern.DayOfWeekMask & 0x7F, 0);
+        if (pattern.DayOfWeekMask & 0x7F)
+            text += ";BYDAY=" + DaysText(pattern.DayOfWeekMask & 0x7F, 0);
         break;
     case RecurrencePattern::kMonthly:
         text = "FREQ=MONTHLY;BYMONTHDAY=" + std::to_string(pattern.DayOfMonth);
         break;
-    case RecurrencePattern::kMonthNth: text = "FREQ=MONTHLY" + nthDays(); break;
+    case RecurrencePattern::kMonthNth:
+        text = "FREQ=MONTHLY" + nthDays();
+        break;
     case RecurrencePattern::kYearly:
         text = "FREQ=YEARLY;BYMONTH=" + std::to_string(pattern.MonthOfYear) +
                ";BYMONTHDAY=" + std::to_string(pattern.DayOfMonth);
@@ -163,9 +189,11 @@ std::string RecurrenceRule::FromPattern(const RecurrencePattern& pattern, bool a
     case RecurrencePattern::kYearNth:
         text = "FREQ=YEARLY;BYMONTH=" + std::to_string(pattern.MonthOfYear) + nthDays();
         break;
-    default: return {};
+    default:
+        return {};
     }
-    if (interval != 1) text += ";INTERVAL=" + std::to_string(interval);
+    if (interval != 1)
+        text += ";INTERVAL=" + std::to_string(interval);
     if (pattern.Occurrences > 0) {
         text += ";COUNT=" + std::to_string(pattern.Occurrences);
     } else if (!pattern.NoEndDate && pattern.PatternEndDate != 0.0) {

@@ -22,7 +22,9 @@ int DayKey(double date) {
     return d.GetYear() * 10000 + d.GetMonth() * 100 + d.GetDay();
 }
 
-int DayKey(const icaltimetype& t) { return t.year * 10000 + t.month * 100 + t.day; }
+int DayKey(const icaltimetype& t) {
+    return t.year * 10000 + t.month * 100 + t.day;
+}
 
 bool IsItem(icalcomponent* c) {
     const auto kind = icalcomponent_isa(c);
@@ -32,7 +34,8 @@ bool IsItem(icalcomponent* c) {
 icalcomponent* FindMaster(icalcomponent* calendar) {
     for (icalcomponent* c = icalcomponent_get_first_component(calendar, ICAL_ANY_COMPONENT); c;
          c = icalcomponent_get_next_component(calendar, ICAL_ANY_COMPONENT))
-        if (IsItem(c) && !icalcomponent_get_first_property(c, ICAL_RECURRENCEID_PROPERTY)) return c;
+        if (IsItem(c) && !icalcomponent_get_first_property(c, ICAL_RECURRENCEID_PROPERTY))
+            return c;
     return nullptr;
 }
 
@@ -57,19 +60,24 @@ bool LocalStart(icalproperty* p, icalcomponent* owner, double& date) {
 }
 
 // The days of `wanted` (sorted day keys) that the rule of `pattern` reaches.
-std::vector<int> DaysOnPattern(const RecurrencePattern& pattern, double start, const std::vector<int>& wanted) {
+std::vector<int> DaysOnPattern(const RecurrencePattern& pattern, double start,
+                               const std::vector<int>& wanted) {
     std::vector<int> hits;
-    if (wanted.empty()) return hits;
+    if (wanted.empty())
+        return hits;
     const DateTime first = DateTime(start).StartOfDay();
     const std::string text = RecurrenceRule::FromPattern(RecurrenceLimits::Normalise(pattern, first), true);
-    if (text.empty()) return hits;
+    if (text.empty())
+        return hits;
     icalerror_clear_errno();
     const icalrecurrencetype rule = icalrecurrencetype_from_string(text.c_str());
     icalerror_clear_errno();
-    if (rule.freq == ICAL_NO_RECURRENCE) return hits;
+    if (rule.freq == ICAL_NO_RECURRENCE)
+        return hits;
     icaltimetype dtstart = IcalTime::FromLocalDate(first.ToDate(), true, nullptr);
     IcalRecurIteratorPtr iterator{icalrecur_iterator_new(rule, dtstart)};
-    if (!iterator) return hits;
+    if (!iterator)
+        return hits;
     auto next = wanted.begin();
     // The series' own start is an occurrence even where the rule skips it.
     const int startKey = DayKey(dtstart);
@@ -81,11 +89,14 @@ std::vector<int> DaysOnPattern(const RecurrencePattern& pattern, double start, c
             break;
         }
         const int key = step == 0 ? std::min(startKey, DayKey(occurrence)) : DayKey(occurrence);
-        while (next != wanted.end() && *next < key) ++next;
-        if (next != wanted.end() && *next == key) hits.push_back(key);
+        while (next != wanted.end() && *next < key)
+            ++next;
+        if (next != wanted.end() && *next == key)
+            hits.push_back(key);
     }
     // Days past the walk's bound are not judged: they stay.
-    if (!ended) hits.insert(hits.end(), next, wanted.end());
+    if (!ended)
+        hits.insert(hits.end(), next, wanted.end());
     return hits;
 }
 
@@ -94,15 +105,19 @@ std::vector<int> DaysOnPattern(const RecurrencePattern& pattern, double start, c
 std::vector<double> SeriesExceptions::Read(std::string_view ics) {
     std::vector<double> starts;
     IcalComponentPtr calendar = IcalText::Parse(ics);
-    if (!calendar) return starts;
+    if (!calendar)
+        return starts;
     icalcomponent* root = calendar.get();
     if (icalcomponent_isa(root) != ICAL_VCALENDAR_COMPONENT)
-        if (icalcomponent* inner = icalcomponent_get_first_component(root, ICAL_VCALENDAR_COMPONENT)) root = inner;
+        if (icalcomponent* inner = icalcomponent_get_first_component(root, ICAL_VCALENDAR_COMPONENT))
+            root = inner;
     icalcomponent* master = FindMaster(root);
-    if (!master) return starts;
+    if (!master)
+        return starts;
     for (icalproperty* p = icalcomponent_get_first_property(master, ICAL_EXDATE_PROPERTY); p;
          p = icalcomponent_get_next_property(master, ICAL_EXDATE_PROPERTY))
-        if (double date = 0.0; LocalStart(p, master, date)) starts.push_back(date);
+        if (double date = 0.0; LocalStart(p, master, date))
+            starts.push_back(date);
     for (icalcomponent* c : Overrides(root, master))
         if (double date = 0.0;
             LocalStart(icalcomponent_get_first_property(c, ICAL_RECURRENCEID_PROPERTY), c, date))
@@ -114,27 +129,33 @@ std::vector<double> SeriesExceptions::Read(std::string_view ics) {
 
 std::vector<double> SeriesExceptions::ReadFile(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
-    if (!in) return {};
+    if (!in)
+        return {};
     in.seekg(0, std::ios::end);
     const std::streamoff size = in.tellg();
-    if (size < 0 || !ItemFileLimits::CheckSize(size).empty()) return {};
+    if (size < 0 || !ItemFileLimits::CheckSize(size).empty())
+        return {};
     in.seekg(0);
     std::string text(static_cast<size_t>(size), '\0');
-    if (!in.read(text.data(), size) || !ItemFileLimits::CheckText(text).empty()) return {};
+    if (!in.read(text.data(), size) || !ItemFileLimits::CheckText(text).empty())
+        return {};
     return Read(text);
 }
 
 std::vector<double> SeriesExceptions::Dropped(const RecurrencePattern& pattern, double start,
                                               const std::vector<double>& exceptions) {
-    if (pattern.RecurrenceType == RecurrencePattern::kNotRecurring) return exceptions;
+    if (pattern.RecurrenceType == RecurrencePattern::kNotRecurring)
+        return exceptions;
     std::vector<int> keys;
-    for (double e : exceptions) keys.push_back(DayKey(e));
+    for (double e : exceptions)
+        keys.push_back(DayKey(e));
     std::sort(keys.begin(), keys.end());
     keys.erase(std::unique(keys.begin(), keys.end()), keys.end());
     const std::vector<int> kept = DaysOnPattern(pattern, start, keys);
     std::vector<double> dropped;
     for (double e : exceptions)
-        if (!std::binary_search(kept.begin(), kept.end(), DayKey(e))) dropped.push_back(e);
+        if (!std::binary_search(kept.begin(), kept.end(), DayKey(e)))
+            dropped.push_back(e);
     return dropped;
 }
 
@@ -148,17 +169,20 @@ int SeriesExceptions::Drop(icalcomponent* calendar, icalcomponent* master, const
     std::vector<Candidate> candidates;
     for (icalproperty* p = icalcomponent_get_first_property(master, ICAL_EXDATE_PROPERTY); p;
          p = icalcomponent_get_next_property(master, ICAL_EXDATE_PROPERTY))
-        if (double date = 0.0; LocalStart(p, master, date)) candidates.push_back({date, p, nullptr});
+        if (double date = 0.0; LocalStart(p, master, date))
+            candidates.push_back({date, p, nullptr});
     for (icalcomponent* c : Overrides(calendar, master))
         if (double date = 0.0;
             LocalStart(icalcomponent_get_first_property(c, ICAL_RECURRENCEID_PROPERTY), c, date))
             candidates.push_back({date, nullptr, c});
     std::vector<double> dates;
-    for (const Candidate& c : candidates) dates.push_back(c.date);
+    for (const Candidate& c : candidates)
+        dates.push_back(c.date);
     const std::vector<double> dropped = Dropped(pattern, start, dates);
     int removed = 0;
     for (const Candidate& c : candidates) {
-        if (std::find(dropped.begin(), dropped.end(), c.date) == dropped.end()) continue;
+        if (std::find(dropped.begin(), dropped.end(), c.date) == dropped.end())
+            continue;
         if (c.exdate) {
             icalcomponent_remove_property(master, c.exdate);
             icalproperty_free(c.exdate);
@@ -180,14 +204,17 @@ std::string SeriesExceptions::RawRuleLine(std::string_view ics) {
     std::string itemRule;
     auto nameIs = [&](const char* name) {
         const size_t n = std::strlen(name);
-        return line.size() > n && strncasecmp(line.c_str(), name, n) == 0 && (line[n] == ':' || line[n] == ';');
+        return line.size() > n && strncasecmp(line.c_str(), name, n) == 0 &&
+               (line[n] == ':' || line[n] == ';');
     };
     auto finish = [&] {
-        if (line.empty()) return;
+        if (line.empty())
+            return;
         if (strncasecmp(line.c_str(), "BEGIN:", 6) == 0) {
             ++depth;
             const std::string kind = line.substr(6);
-            if (depth == 2 && (strcasecmp(kind.c_str(), "VEVENT") == 0 || strcasecmp(kind.c_str(), "VTODO") == 0)) {
+            if (depth == 2 &&
+                (strcasecmp(kind.c_str(), "VEVENT") == 0 || strcasecmp(kind.c_str(), "VTODO") == 0)) {
                 inItem = true;
                 itemIsOverride = false;
                 itemRule.clear();
@@ -202,23 +229,28 @@ std::string SeriesExceptions::RawRuleLine(std::string_view ics) {
             }
             --depth;
         } else if (inItem && depth == 2) {
-            if (nameIs("RECURRENCE-ID")) itemIsOverride = true;
-            else if (nameIs("RRULE") && itemRule.empty()) itemRule = line;
+            if (nameIs("RECURRENCE-ID"))
+                itemIsOverride = true;
+            else if (nameIs("RRULE") && itemRule.empty())
+                itemRule = line;
         }
         line.clear();
     };
     size_t i = 0;
     while (i < ics.size() && !found) {
         const size_t end = ics.find('\n', i);
-        std::string_view piece = ics.substr(i, end == std::string_view::npos ? std::string_view::npos : end - i);
-        if (!piece.empty() && piece.back() == '\r') piece.remove_suffix(1);
+        std::string_view piece =
+            ics.substr(i, end == std::string_view::npos ? std::string_view::npos : end - i);
+        if (!piece.empty() && piece.back() == '\r')
+            piece.remove_suffix(1);
         if (!piece.empty() && (piece.front() == ' ' || piece.front() == '\t')) {
             line.append(piece.substr(1));
         } else {
             finish();
             line.assign(piece);
         }
-        if (end == std::string_view::npos) break;
+        if (end == std::string_view::npos)
+            break;
         i = end + 1;
     }
     finish();

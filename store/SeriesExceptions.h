@@ -33,7 +33,8 @@ public:
 
     // Removes the EXDATEs of `master` and the overrides in `calendar` that
     // Dropped names for the new pattern; the number removed.
-    static int Drop(icalcomponent* calendar, icalcomponent* master, const RecurrencePattern& pattern, double start);
+    static int Drop(icalcomponent* calendar, icalcomponent* master, const RecurrencePattern& pattern,
+                    double start);
 
     // The main component's RRULE content line as the file has it (unfolded,
     // without its line break); empty when there is none.

@@ -44,7 +44,8 @@ class Reader {
 public:
     explicit Reader(const std::string& data) : data_(data) {}
     bool Bytes(void* target, std::size_t size) {
-        if (!ok || size > data_.size() - pos_) return ok = false;
+        if (!ok || size > data_.size() - pos_)
+            return ok = false;
         std::memcpy(target, data_.data() + pos_, size);
         pos_ += size;
         return true;
@@ -84,8 +85,8 @@ private:
 };
 
 void WritePattern(Writer& w, const RecurrencePattern& p) {
-    for (std::int32_t v : {p.RecurrenceType, p.Interval, p.Instance, p.DayOfMonth, p.MonthOfYear, p.DayOfWeekMask,
-                           p.Occurrences, p.RuleFit})
+    for (std::int32_t v : {p.RecurrenceType, p.Interval, p.Instance, p.DayOfMonth, p.MonthOfYear,
+                           p.DayOfWeekMask, p.Occurrences, p.RuleFit})
         w.Value(v);
     w.Value(p.PatternStartDate);
     w.Value(p.PatternEndDate);
@@ -122,18 +123,22 @@ void WriteItem(Writer& w, const StoredItem& item) {
     w.Text(rec.categories);
     w.Text(rec.body);
     w.Text(rec.attendees);
-    for (double v : {rec.start, rec.end, rec.startDate, rec.dueDate, rec.birthday, rec.anniversary}) w.Value(v);
+    for (double v : {rec.start, rec.end, rec.startDate, rec.dueDate, rec.birthday, rec.anniversary})
+        w.Value(v);
     for (bool v : {rec.allDay, rec.isRecurring, rec.complete, rec.birthdayHasYear, rec.anniversaryHasYear,
                    rec.cancelled})
         w.Value<std::uint8_t>(v);
     w.Value<std::int32_t>(rec.importance);
     WritePattern(w, rec.recurrence);
     w.Value<std::uint8_t>(rec.reminderSet);
-    for (int v : {rec.reminderMinutes, rec.busyStatus, rec.sensitivity}) w.Value<std::int32_t>(v);
+    for (int v : {rec.reminderMinutes, rec.busyStatus, rec.sensitivity})
+        w.Value<std::int32_t>(v);
     w.Value<std::int32_t>(static_cast<std::int32_t>(rec.attachments.size()));
-    for (const std::u16string& a : rec.attachments) w.Text(a);
+    for (const std::u16string& a : rec.attachments)
+        w.Text(a);
     w.Value<std::int32_t>(static_cast<std::int32_t>(rec.emails.size()));
-    for (const std::u16string& e : rec.emails) w.Text(e);
+    for (const std::u16string& e : rec.emails)
+        w.Text(e);
 }
 
 void ReadItem(Reader& r, StoredItem& item) {
@@ -164,13 +169,16 @@ void ReadItem(Reader& r, StoredItem& item) {
     rec.importance = r.Value<std::int32_t>();
     rec.recurrence = ReadPattern(r);
     rec.reminderSet = r.Value<std::uint8_t>() != 0;
-    for (int* v : {&rec.reminderMinutes, &rec.busyStatus, &rec.sensitivity}) *v = r.Value<std::int32_t>();
+    for (int* v : {&rec.reminderMinutes, &rec.busyStatus, &rec.sensitivity})
+        *v = r.Value<std::int32_t>();
     const std::int32_t attachments = r.Value<std::int32_t>();
     // Each attachment takes at least its length word: a count beyond the
     // data is damage, and the reader's own checks end the index.
-    for (std::int32_t i = 0; i < attachments && r.ok; ++i) rec.attachments.push_back(r.Text());
+    for (std::int32_t i = 0; i < attachments && r.ok; ++i)
+        rec.attachments.push_back(r.Text());
     const std::int32_t emails = r.Value<std::int32_t>();
-    for (std::int32_t i = 0; i < emails && r.ok; ++i) rec.emails.push_back(r.Text());
+    for (std::int32_t i = 0; i < emails && r.ok; ++i)
+        rec.emails.push_back(r.Text());
 }
 
 // DATE values the program can represent: 1 January 100 to 31 December 9999.
@@ -232,7 +240,8 @@ bool IsPlausible(const StoredItem& item) {
 
 std::uint64_t Fnv64(const std::string& text) {
     std::uint64_t hash = 1469598103934665603ull;
-    for (unsigned char c : text) hash = (hash ^ c) * 1099511628211ull;
+    for (unsigned char c : text)
+        hash = (hash ^ c) * 1099511628211ull;
     return hash;
 }
 
@@ -247,7 +256,7 @@ std::string StoreIndex::PathFor(const std::string& root) {
 std::string StoreIndex::ZoneSignature() {
     const char* tz = std::getenv("TZ");
     std::string signature = std::string("TZ=") + (tz ? tz : "(unset)");
-    struct stat st{};
+    struct stat st {};
     if (stat("/etc/localtime", &st) == 0)
         signature += ";" + std::to_string(st.st_size) + ";" + std::to_string(st.st_mtim.tv_sec) + ";" +
                      std::to_string(st.st_ino);
@@ -265,7 +274,8 @@ StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string&
                                      std::uint64_t maxBytes) {
     Entries entries;
     std::ifstream file(path, std::ios::binary);
-    if (!file) return entries;
+    if (!file)
+        return entries;
     file.seekg(0, std::ios::end);
     const std::streamoff size = file.tellg();
     if (size <= 0)
@@ -278,11 +288,14 @@ StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string&
     }
     file.seekg(0);
     std::string data(static_cast<std::size_t>(size), '\0');
-    if (!file.read(data.data(), size)) return entries;
-    if (data.compare(0, sizeof kMagic - 1, kMagic) != 0) return entries;
+    if (!file.read(data.data(), size))
+        return entries;
+    if (data.compare(0, sizeof kMagic - 1, kMagic) != 0)
+        return entries;
     Reader reader(data);
     reader.Skip(sizeof kMagic - 1);
-    if (reader.String() != root || reader.String() != zone) return entries;
+    if (reader.String() != root || reader.String() != zone)
+        return entries;
     const auto count = reader.Value<std::uint32_t>();
     if (reader.ok && count > maxEntries) {
         Log::Info("store: the index %s has more entries than the store has files; it is built again",
@@ -313,20 +326,24 @@ StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string&
 bool StoreIndex::Save(const std::string& path, const std::string& root, const std::string& zone,
                       const std::vector<const StoredItem*>& items) {
     const std::size_t slash = path.rfind('/');
-    if (slash == std::string::npos || !Paths::MakeDirs(path.substr(0, slash), 0700)) return false;
+    if (slash == std::string::npos || !Paths::MakeDirs(path.substr(0, slash), 0700))
+        return false;
     Writer w;
     w.Bytes(kMagic, sizeof kMagic - 1);
     w.String(root);
     w.String(zone);
     w.Value<std::uint32_t>(static_cast<std::uint32_t>(items.size()));
-    for (const StoredItem* item : items) WriteItem(w, *item);
+    for (const StoredItem* item : items)
+        WriteItem(w, *item);
     const std::string temp = path + ".tmp." + std::to_string(getpid());
     const int fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (fd < 0) return false;
+    if (fd < 0)
+        return false;
     std::size_t done = 0;
     while (done < w.out.size()) {
         const ssize_t n = write(fd, w.out.data() + done, w.out.size() - done);
-        if (n <= 0) break;
+        if (n <= 0)
+            break;
         done += static_cast<std::size_t>(n);
     }
     const bool ok = done == w.out.size() && close(fd) == 0;

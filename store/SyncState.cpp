@@ -23,15 +23,18 @@ bool SyncState::IsSynchronizerRunning() {
     std::error_code error;
     for (const auto& entry : std::filesystem::directory_iterator("/proc", error)) {
         const std::string pid = entry.path().filename().string();
-        if (pid.empty() || !std::isdigit(static_cast<unsigned char>(pid[0]))) continue;
+        if (pid.empty() || !std::isdigit(static_cast<unsigned char>(pid[0])))
+            continue;
         std::ifstream file(entry.path() / "cmdline", std::ios::binary);
         const std::string cmdline((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
         // The program itself, or the script an interpreter runs.
         std::size_t begin = 0;
         for (int argument = 0; argument < 2 && begin < cmdline.size(); ++argument) {
             std::size_t end = cmdline.find('\0', begin);
-            if (end == std::string::npos) end = cmdline.size();
-            if (BaseName(cmdline.substr(begin, end - begin)) == kSynchronizer) return true;
+            if (end == std::string::npos)
+                end = cmdline.size();
+            if (BaseName(cmdline.substr(begin, end - begin)) == kSynchronizer)
+                return true;
             begin = end + 1;
         }
     }

@@ -19,7 +19,9 @@ int DaysBetween(icaltimetype from, icaltimetype to) {
     return static_cast<int>((icaltime_as_timet(b) - icaltime_as_timet(a)) / 86400);
 }
 
-int DayKey(const icaltimetype& t) { return t.year * 10000 + t.month * 100 + t.day; }
+int DayKey(const icaltimetype& t) {
+    return t.year * 10000 + t.month * 100 + t.day;
+}
 
 // The wall time of a property's value without its zone.
 icaltimetype Wall(icalproperty* p) {
@@ -29,7 +31,8 @@ icaltimetype Wall(icalproperty* p) {
 }
 
 void Shift(icalproperty* p, int days) {
-    if (!p) return;
+    if (!p)
+        return;
     icaltimetype t = icalvalue_get_datetime(icalproperty_get_value(p));
     icaltime_adjust(&t, days, 0, 0, 0);
     // A new value of the same kind; the property's TZID or VALUE=DATE stays.
@@ -50,11 +53,14 @@ bool TaskRecurrence::Advance(icalcomponent* todo) {
     icalproperty* start = icalcomponent_get_first_property(todo, ICAL_DTSTART_PROPERTY);
     icalproperty* due = icalcomponent_get_first_property(todo, ICAL_DUE_PROPERTY);
     icalproperty* anchorProperty = start ? start : due;
-    if (!rruleProperty || !anchorProperty) return false;
+    if (!rruleProperty || !anchorProperty)
+        return false;
     const icalrecurrencetype rule = icalproperty_get_rrule(rruleProperty);
-    if (rule.freq == ICAL_NO_RECURRENCE) return false;
+    if (rule.freq == ICAL_NO_RECURRENCE)
+        return false;
     const icaltimetype anchor = Wall(anchorProperty);
-    if (icaltime_is_null_time(anchor)) return false;
+    if (icaltime_is_null_time(anchor))
+        return false;
 
     std::vector<int> excluded;
     for (icalproperty* p = icalcomponent_get_first_property(todo, ICAL_EXDATE_PROPERTY); p;
@@ -63,22 +69,28 @@ bool TaskRecurrence::Advance(icalcomponent* todo) {
     std::sort(excluded.begin(), excluded.end());
 
     IcalRecurIteratorPtr iterator{icalrecur_iterator_new(rule, anchor)};
-    if (!iterator) return false;
+    if (!iterator)
+        return false;
     // Occurrences the rule has made so far, the current one included.
     int passed = 0;
     icaltimetype next = icaltime_null_time();
     for (int step = 0; step < SeriesExceptions::kMaxSteps; ++step) {
         const icaltimetype occurrence = icalrecur_iterator_next(iterator.get());
-        if (icaltime_is_null_time(occurrence)) break;
+        if (icaltime_is_null_time(occurrence))
+            break;
         ++passed;
-        if (DayKey(occurrence) <= DayKey(anchor)) continue;
-        if (std::binary_search(excluded.begin(), excluded.end(), DayKey(occurrence))) continue;
+        if (DayKey(occurrence) <= DayKey(anchor))
+            continue;
+        if (std::binary_search(excluded.begin(), excluded.end(), DayKey(occurrence)))
+            continue;
         next = occurrence;
         break;
     }
-    if (icaltime_is_null_time(next)) return false;
+    if (icaltime_is_null_time(next))
+        return false;
     const int days = DaysBetween(anchor, next);
-    if (days <= 0) return false;
+    if (days <= 0)
+        return false;
     Shift(start, days);
     Shift(due, days);
     if (rule.count > 0) {

@@ -22,9 +22,11 @@ std::vector<Line> Unfold(std::string_view text) {
     std::size_t begin = 0;
     while (begin < text.size()) {
         std::size_t end = text.find('\n', begin);
-        if (end == std::string_view::npos) end = text.size();
+        if (end == std::string_view::npos)
+            end = text.size();
         std::string line(text.substr(begin, end - begin));
-        if (!line.empty() && line.back() == '\r') line.pop_back();
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
         if (!line.empty() && (line[0] == ' ' || line[0] == '\t') && !raw.empty())
             raw.back() += line.substr(1);
         else
@@ -34,15 +36,18 @@ std::vector<Line> Unfold(std::string_view text) {
     std::vector<Line> lines;
     for (const auto& entry : raw) {
         const std::size_t colon = entry.find(':');
-        if (colon == std::string::npos) continue;
+        if (colon == std::string::npos)
+            continue;
         std::string head = entry.substr(0, colon);
         Line line;
         line.value = entry.substr(colon + 1);
         const std::size_t semicolon = head.find(';');
         line.name = ToLowerAscii(head.substr(0, semicolon));
-        if (semicolon != std::string::npos) line.params = ToLowerAscii(head.substr(semicolon + 1));
+        if (semicolon != std::string::npos)
+            line.params = ToLowerAscii(head.substr(semicolon + 1));
         const std::size_t dot = line.name.find('.');
-        if (dot != std::string::npos) line.name = line.name.substr(dot + 1);
+        if (dot != std::string::npos)
+            line.name = line.name.substr(dot + 1);
         lines.push_back(std::move(line));
     }
     return lines;
@@ -62,10 +67,12 @@ std::string Unescape(const std::string& value) {
 }
 
 bool Digits(std::string_view text, std::size_t at, std::size_t count, int& value) {
-    if (at + count > text.size()) return false;
+    if (at + count > text.size())
+        return false;
     value = 0;
     for (std::size_t i = at; i < at + count; ++i) {
-        if (!std::isdigit(static_cast<unsigned char>(text[i]))) return false;
+        if (!std::isdigit(static_cast<unsigned char>(text[i])))
+            return false;
         value = value * 10 + (text[i] - '0');
     }
     return true;
@@ -76,9 +83,11 @@ bool Digits(std::string_view text, std::size_t at, std::size_t count, int& value
 std::string EmailAddress(const std::string& value) {
     std::string text = Unescape(value);
     const std::size_t first = text.find_first_not_of(" \t");
-    if (first == std::string::npos) return {};
+    if (first == std::string::npos)
+        return {};
     text = text.substr(first, text.find_last_not_of(" \t") - first + 1);
-    if (ToLowerAscii(text.substr(0, 7)) == "mailto:") text.erase(0, 7);
+    if (ToLowerAscii(text.substr(0, 7)) == "mailto:")
+        text.erase(0, 7);
     if (text.empty() || text.size() > VcardReader::kMaxEmailLength || text.find('@') == std::string::npos ||
         text.find_first_of(" \t\r\n,;<>") != std::string::npos)
         return {};
@@ -89,29 +98,36 @@ std::string EmailAddress(const std::string& value) {
 
 bool VcardReader::ParseDate(std::string_view text, double& date, bool& hasYear) {
     const std::size_t t = text.find('T');
-    if (t != std::string_view::npos) text = text.substr(0, t);
-    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back()))) text.remove_suffix(1);
+    if (t != std::string_view::npos)
+        text = text.substr(0, t);
+    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back())))
+        text.remove_suffix(1);
     int year = PimRecord::kNoYear, month = 0, day = 0;
     hasYear = true;
     if (text.starts_with("--")) {
         hasYear = false;
         text.remove_prefix(2);
         if (text.size() == 4) {
-            if (!Digits(text, 0, 2, month) || !Digits(text, 2, 2, day)) return false;
+            if (!Digits(text, 0, 2, month) || !Digits(text, 2, 2, day))
+                return false;
         } else if (text.size() == 5 && text[2] == '-') {
-            if (!Digits(text, 0, 2, month) || !Digits(text, 3, 2, day)) return false;
+            if (!Digits(text, 0, 2, month) || !Digits(text, 3, 2, day))
+                return false;
         } else {
             return false;
         }
     } else if (text.size() == 8) {
-        if (!Digits(text, 0, 4, year) || !Digits(text, 4, 2, month) || !Digits(text, 6, 2, day)) return false;
+        if (!Digits(text, 0, 4, year) || !Digits(text, 4, 2, month) || !Digits(text, 6, 2, day))
+            return false;
     } else if (text.size() == 10 && text[4] == '-' && text[7] == '-') {
-        if (!Digits(text, 0, 4, year) || !Digits(text, 5, 2, month) || !Digits(text, 8, 2, day)) return false;
+        if (!Digits(text, 0, 4, year) || !Digits(text, 5, 2, month) || !Digits(text, 8, 2, day))
+            return false;
     } else {
         return false;
     }
     const DateTime value(year, month, day);
-    if (!value.IsValid()) return false;
+    if (!value.IsValid())
+        return false;
     date = value.ToDate();
     return true;
 }
@@ -124,22 +140,27 @@ bool VcardReader::Read(std::string_view text, PimRecord& record, std::string& pr
     record.itemKind = 2;
     for (const Line& line : lines) {
         if (line.name == "begin" && ToLowerAscii(line.value) == "vcard") {
-            if (begun) break; // only the first card of a file
+            if (begun)
+                break; // only the first card of a file
             begun = true;
             continue;
         }
-        if (!begun) continue;
-        if (line.name == "end") break;
-        if (line.name == "fn") fullName = Unescape(line.value);
-        else if (line.name == "n") structuredName = line.value;
-        else if (line.name == "uid") record.uid = Unescape(line.value);
+        if (!begun)
+            continue;
+        if (line.name == "end")
+            break;
+        if (line.name == "fn")
+            fullName = Unescape(line.value);
+        else if (line.name == "n")
+            structuredName = line.value;
+        else if (line.name == "uid")
+            record.uid = Unescape(line.value);
         else if (line.name == "email") {
             const std::u16string address = Utf8ToUtf16(EmailAddress(line.value));
             if (!address.empty() && record.emails.size() < kMaxEmails &&
                 std::find(record.emails.begin(), record.emails.end(), address) == record.emails.end())
                 record.emails.push_back(address);
-        }
-        else if (line.params.find("value=text") == std::string::npos) {
+        } else if (line.params.find("value=text") == std::string::npos) {
             double date = 0.0;
             bool hasYear = true;
             if (line.name == "bday" && ParseDate(line.value, date, hasYear)) {

@@ -29,10 +29,13 @@ bool EndsWith(const std::string& text, const char* suffix) {
 } // namespace
 
 VdirFileIo::VdirFileIo(std::string root) : root_(std::move(root)) {
-    while (root_.size() > 1 && root_.back() == '/') root_.pop_back();
+    while (root_.size() > 1 && root_.back() == '/')
+        root_.pop_back();
 }
 
-std::string VdirFileIo::DirectoryPath(int directory) const { return root_ + "/" + kFolderNames[directory]; }
+std::string VdirFileIo::DirectoryPath(int directory) const {
+    return root_ + "/" + kFolderNames[directory];
+}
 
 std::string VdirFileIo::FilePath(int directory, const std::string& fileName) const {
     return DirectoryPath(directory) + "/" + fileName;
@@ -55,14 +58,17 @@ std::vector<VdirFileIo::FoundFile> VdirFileIo::ListItemFiles(bool create, std::u
     bytes = 0;
     for (int directory = 0; directory < kDirectoryCount; ++directory) {
         const std::string path = DirectoryPath(directory);
-        if (create) Paths::MakeDirs(path);
+        if (create)
+            Paths::MakeDirs(path);
         DIR* dir = opendir(path.c_str());
-        if (!dir) continue;
+        if (!dir)
+            continue;
         const int dirFd = dirfd(dir);
         while (dirent* entry = readdir(dir)) {
             const std::string name = entry->d_name;
-            if (!IsItemFile(name)) continue;
-            struct stat fileStat{};
+            if (!IsItemFile(name))
+                continue;
+            struct stat fileStat {};
             if (fstatat(dirFd, name.c_str(), &fileStat, 0) != 0) {
                 if (errno == ELOOP)
                     Log::Warning("store: skipped %s: a loop of symbolic links",
@@ -85,8 +91,9 @@ std::vector<VdirFileIo::FoundFile> VdirFileIo::ListItemFiles(bool create, std::u
 bool VdirFileIo::ReadWholeFile(const std::string& path, std::string& text) const {
     // Non-blocking, so that a FIFO put in place of a file cannot stop us.
     const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (fd < 0) return false;
-    struct stat st{};
+    if (fd < 0)
+        return false;
+    struct stat st {};
     if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || st.st_size > kMaxFileBytes) {
         close(fd);
         return false;
@@ -95,7 +102,8 @@ bool VdirFileIo::ReadWholeFile(const std::string& path, std::string& text) const
     std::size_t done = 0;
     while (done < text.size()) {
         const ssize_t n = read(fd, text.data() + done, text.size() - done);
-        if (n <= 0) break;
+        if (n <= 0)
+            break;
         done += static_cast<std::size_t>(n);
     }
     text.resize(done);
@@ -121,7 +129,7 @@ StoredItem VdirFileIo::ReadFile(int directory, const std::string& fileName, bool
         }
         return item;
     }
-    struct stat st{};
+    struct stat st {};
     if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
         close(fd);
         return item;
@@ -138,7 +146,8 @@ StoredItem VdirFileIo::ReadFile(int directory, const std::string& fileName, bool
     std::size_t done = 0;
     while (done < text.size()) {
         const ssize_t n = read(fd, text.data() + done, text.size() - done);
-        if (n <= 0) break;
+        if (n <= 0)
+            break;
         done += static_cast<std::size_t>(n);
     }
     close(fd);
@@ -165,12 +174,14 @@ StoredItem VdirFileIo::ReadFile(int directory, const std::string& fileName, bool
             if (parsed->HasUnrelatedComponents())
                 Log::Warning("store: %s holds unrelated items; only the first is read",
                              PrintableText(path).c_str());
-            if (item.series) item.parsed = std::move(parsed);
+            if (item.series)
+                item.parsed = std::move(parsed);
         }
     }
     if (!item.readable) {
         item.problem = problem.empty() ? "not a calendar item" : problem;
-        Log::Warning("store: skipped %s: %s", PrintableText(path).c_str(), PrintableText(item.problem).c_str());
+        Log::Warning("store: skipped %s: %s", PrintableText(path).c_str(),
+                     PrintableText(item.problem).c_str());
         return item;
     }
     item.uid = item.record.uid.empty() ? stem : item.record.uid;
@@ -179,22 +190,25 @@ StoredItem VdirFileIo::ReadFile(int directory, const std::string& fileName, bool
 }
 
 bool VdirFileIo::StampMatches(const StoredItem& item) const {
-    struct stat st{};
+    struct stat st {};
     const std::string path = DirectoryPath(item.directory) + "/" + item.fileName;
     return stat(path.c_str(), &st) == 0 && st.st_size == item.size && MtimeNs(st) == item.mtimeNs;
 }
 
 bool VdirFileIo::WriteAtomically(int directory, const std::string& fileName, const std::string& text) {
     const std::string dir = DirectoryPath(directory);
-    if (!Paths::MakeDirs(dir)) return false;
+    if (!Paths::MakeDirs(dir))
+        return false;
     const std::string target = dir + "/" + fileName;
     const std::string temp = dir + "/." + fileName + ".tmp";
     const int fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (fd < 0) return false;
+    if (fd < 0)
+        return false;
     std::size_t done = 0;
     while (done < text.size()) {
         const ssize_t n = write(fd, text.data() + done, text.size() - done);
-        if (n <= 0) break;
+        if (n <= 0)
+            break;
         done += static_cast<std::size_t>(n);
     }
     // The content reaches the disk before the rename makes it the item, so
@@ -208,7 +222,8 @@ bool VdirFileIo::WriteAtomically(int directory, const std::string& fileName, con
     // And the rename itself, once: the folder's entry is what a restart finds.
     const int dirFd = open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (dirFd >= 0) {
-        if (fsync(dirFd) != 0) Log::Warning("store: cannot sync %s: %s", dir.c_str(), std::strerror(errno));
+        if (fsync(dirFd) != 0)
+            Log::Warning("store: cannot sync %s: %s", dir.c_str(), std::strerror(errno));
         close(dirFd);
     }
     return true;

@@ -9,6 +9,8 @@ std::unique_ptr<PimItems> VdirFolder::GetItems() {
     return std::make_unique<VdirItems>(source_, source_.GetSnapshot(folderId_));
 }
 
-void VdirFolder::AddItemsNotifications(int origins) { source_.EnableNotifications(folderId_, origins); }
+void VdirFolder::AddItemsNotifications(int origins) {
+    source_.EnableNotifications(folderId_, origins);
+}
 
 } // namespace mirodate

@@ -11,20 +11,28 @@ namespace mirodate {
 namespace {
 bool AnyMatches(TextMatcher& matcher, const IcsItem& series) {
     for (const PimRecord& record : series.GetOverrideRecords())
-        if (matcher.Matches(record)) return true;
+        if (matcher.Matches(record))
+            return true;
     return false;
 }
 } // namespace
 
-VdirItems::VdirItems(VdirSource& source, VdirSource::Snapshot items) : source_(source), items_(std::move(items)) {}
+VdirItems::VdirItems(VdirSource& source, VdirSource::Snapshot items)
+    : source_(source), items_(std::move(items)) {}
 
 bool VdirItems::Sort(const std::u16string& property, bool descending) {
-    if (property == u"[Start]") sortKey_ = SortKey::Start;
-    else if (property == u"[End]") sortKey_ = SortKey::End;
-    else if (property == u"[DueDate]") sortKey_ = SortKey::DueDate;
-    else if (property == u"[StartDate]") sortKey_ = SortKey::StartDate;
-    else if (property == u"[Subject]") sortKey_ = SortKey::Subject;
-    else return false;
+    if (property == u"[Start]")
+        sortKey_ = SortKey::Start;
+    else if (property == u"[End]")
+        sortKey_ = SortKey::End;
+    else if (property == u"[DueDate]")
+        sortKey_ = SortKey::DueDate;
+    else if (property == u"[StartDate]")
+        sortKey_ = SortKey::StartDate;
+    else if (property == u"[Subject]")
+        sortKey_ = SortKey::Subject;
+    else
+        return false;
     descending_ = descending;
     sortedValid_ = false;
     return true;
@@ -33,14 +41,20 @@ bool VdirItems::Sort(const std::u16string& property, bool descending) {
 void VdirItems::SortRecords(std::vector<PimRecord>& records) const {
     auto key = [this](const PimRecord& r) {
         switch (sortKey_) {
-        case SortKey::Start: return r.start;
-        case SortKey::End: return r.end;
-        case SortKey::DueDate: return r.dueDate;
-        case SortKey::StartDate: return r.startDate;
-        default: return 0.0;
+        case SortKey::Start:
+            return r.start;
+        case SortKey::End:
+            return r.end;
+        case SortKey::DueDate:
+            return r.dueDate;
+        case SortKey::StartDate:
+            return r.startDate;
+        default:
+            return 0.0;
         }
     };
-    if (sortKey_ == SortKey::None) return;
+    if (sortKey_ == SortKey::None)
+        return;
     if (sortKey_ == SortKey::Subject) {
         std::stable_sort(records.begin(), records.end(), [this](const PimRecord& a, const PimRecord& b) {
             return descending_ ? b.subject < a.subject : a.subject < b.subject;
@@ -64,7 +78,8 @@ FindResult VdirItems::Find(const std::u16string& text, PimRecord& item) {
     next_ = 0;
     Restriction restriction;
     std::string error;
-    if (!restriction.Parse(text, error)) return FindResult::BadRestriction;
+    if (!restriction.Parse(text, error))
+        return FindResult::BadRestriction;
     const Restriction::Window window = restriction.GetWindow();
     std::vector<PimRecord> occurrences;
     for (const auto& stored : items_) {
@@ -83,10 +98,13 @@ FindResult VdirItems::Find(const std::u16string& text, PimRecord& item) {
                 found_.push_back(stored->record);
             continue;
         }
-        if (stored->record.start >= before) continue;
-        if (stored->seriesEnd != kNoDate && stored->seriesEnd < from) continue;
+        if (stored->record.start >= before)
+            continue;
+        if (stored->seriesEnd != kNoDate && stored->seriesEnd < from)
+            continue;
         auto parsed = source_.GetParsed(stored);
-        if (!parsed) continue;
+        if (!parsed)
+            continue;
         if (textFilter_ && !textFilter_->Matches(stored->record) && !AnyMatches(*textFilter_, *parsed))
             continue; // no occurrence can carry the text: nothing to expand
         occurrences.clear();
@@ -105,21 +123,26 @@ FindResult VdirItems::Find(const std::u16string& text, PimRecord& item) {
 }
 
 FindResult VdirItems::FindNext(PimRecord& item) {
-    if (next_ >= found_.size()) return FindResult::NotFound;
+    if (next_ >= found_.size())
+        return FindResult::NotFound;
     item = found_[next_++];
     return FindResult::Found;
 }
 
-int VdirItems::GetCount() { return static_cast<int>(items_.size()); }
+int VdirItems::GetCount() {
+    return static_cast<int>(items_.size());
+}
 
 bool VdirItems::Item(int index, PimRecord& item) {
     if (!sortedValid_) {
         sortedItems_.clear();
-        for (const auto& stored : items_) sortedItems_.push_back(stored->record);
+        for (const auto& stored : items_)
+            sortedItems_.push_back(stored->record);
         SortRecords(sortedItems_);
         sortedValid_ = true;
     }
-    if (index < 0 || static_cast<std::size_t>(index) >= sortedItems_.size()) return false;
+    if (index < 0 || static_cast<std::size_t>(index) >= sortedItems_.size())
+        return false;
     item = sortedItems_[static_cast<std::size_t>(index)];
     return true;
 }

@@ -14,11 +14,11 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstdio>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <fcntl.h>
+#include <filesystem>
 #include <set>
 #include <string_view>
 #include <sys/stat.h>
@@ -29,8 +29,10 @@ namespace mirodate {
 namespace {
 
 int DirectoryOfFolder(int folderId) {
-    if (folderId == kFolderTasks) return 1;
-    if (folderId == kFolderContacts) return 2;
+    if (folderId == kFolderTasks)
+        return 1;
+    if (folderId == kFolderContacts)
+        return 2;
     return 0;
 }
 
@@ -43,18 +45,24 @@ VdirSource::VdirSource(std::string root, Options options) : io_(std::move(root))
 VdirSource::~VdirSource() {
     watcher_.Stop();
     std::lock_guard lock(mutex_);
-    if (registry_.IsDirty()) SaveIndexLocked();
+    if (registry_.IsDirty())
+        SaveIndexLocked();
 }
 
-std::string VdirSource::DefaultRoot() { return Paths::DataDir(); }
+std::string VdirSource::DefaultRoot() {
+    return Paths::DataDir();
+}
 
-std::int32_t VdirSource::HashUid(const std::string& uid) { return OidRegistry::HashUid(uid); }
+std::int32_t VdirSource::HashUid(const std::string& uid) {
+    return OidRegistry::HashUid(uid);
+}
 
 bool VdirSource::Logon() {
     std::lock_guard lock(mutex_);
-    if (loggedOn_) return true;
+    if (loggedOn_)
+        return true;
     const std::string& root = io_.Root();
-    struct stat st{};
+    struct stat st {};
     if (stat(root.c_str(), &st) != 0) {
         if (!options_.createIfMissing || !Paths::MakeDirs(root)) {
             Log::Error("store: cannot open %s: %s", root.c_str(), std::strerror(errno));
@@ -81,11 +89,13 @@ bool VdirSource::Logon() {
         std::string key = Key(file.directory, file.name);
         auto known = index.find(key);
         Entry item;
-        if (known != index.end() && known->second->size == file.size && known->second->mtimeNs == file.mtimeNs) {
+        if (known != index.end() && known->second->size == file.size &&
+            known->second->mtimeNs == file.mtimeNs) {
             item = std::move(known->second);
             ++reused;
             if (!item->readable)
-                Log::Warning("store: skipped %s: %s", PrintableText(io_.FilePath(file.directory, file.name)).c_str(),
+                Log::Warning("store: skipped %s: %s",
+                             PrintableText(io_.FilePath(file.directory, file.name)).c_str(),
                              PrintableText(item->problem).c_str());
         } else {
             bool exists = false;
@@ -96,37 +106,45 @@ bool VdirSource::Logon() {
         }
         registry_.Add(std::move(key), std::move(item));
     }
-    if (reused != index.size()) dirty = true;
+    if (reused != index.size())
+        dirty = true;
     registry_.AssignAll();
     registry_.SetDirty(dirty);
-    if (dirty && options_.useIndex) SaveIndexLocked();
+    if (dirty && options_.useIndex)
+        SaveIndexLocked();
     loggedOn_ = true;
     return true;
 }
 
 void VdirSource::SaveIndexLocked() {
-    if (!options_.useIndex) return;
+    if (!options_.useIndex)
+        return;
     std::vector<const StoredItem*> items;
     items.reserve(registry_.GetFiles().size());
-    for (const auto& [key, item] : registry_.GetFiles()) items.push_back(item.get());
+    for (const auto& [key, item] : registry_.GetFiles())
+        items.push_back(item.get());
     if (StoreIndex::Save(StoreIndex::PathFor(io_.Root()), io_.Root(), StoreIndex::ZoneSignature(), items))
         registry_.SetDirty(false);
 }
 
 void VdirSource::SaveIndexIfChanged() {
     std::lock_guard lock(mutex_);
-    if (registry_.IsDirty()) SaveIndexLocked();
+    if (registry_.IsDirty())
+        SaveIndexLocked();
 }
 
 void VdirSource::Reread(const Entry& entry) {
     bool exists = false;
     auto fresh = std::make_shared<StoredItem>(io_.ReadFile(entry->directory, entry->fileName, exists));
-    if (exists) registry_.Publish(fresh);
-    else registry_.Unpublish(Key(entry->directory, entry->fileName));
+    if (exists)
+        registry_.Publish(fresh);
+    else
+        registry_.Unpublish(Key(entry->directory, entry->fileName));
 }
 
 std::unique_ptr<PimFolder> VdirSource::GetDefaultFolder(int folderId) {
-    if (folderId != kFolderCalendar && folderId != kFolderTasks && folderId != kFolderContacts) return nullptr;
+    if (folderId != kFolderCalendar && folderId != kFolderTasks && folderId != kFolderContacts)
+        return nullptr;
     return std::make_unique<VdirFolder>(*this, folderId);
 }
 
@@ -141,33 +159,42 @@ std::shared_ptr<const IcsItem> VdirSource::GetParsed(const std::shared_ptr<const
 }
 
 std::shared_ptr<const IcsItem> VdirSource::GetParsedLocked(const std::shared_ptr<const StoredItem>& item) {
-    if (item->parsed) return item->parsed;
+    if (item->parsed)
+        return item->parsed;
     const Entry current = registry_.FindFile(Key(item->directory, item->fileName));
     std::string text;
     auto parsed = std::make_shared<IcsItem>();
     std::string problem;
-    if (!io_.ReadWholeFile(DirectoryPath(item->directory) + "/" + item->fileName, text) || !parsed->Parse(text, problem))
+    if (!io_.ReadWholeFile(DirectoryPath(item->directory) + "/" + item->fileName, text) ||
+        !parsed->Parse(text, problem))
         return nullptr;
-    if (current == item) current->parsed = parsed;
+    if (current == item)
+        current->parsed = parsed;
     return parsed;
 }
 
 int VdirSource::GetItemKind(std::int32_t oid) {
     std::lock_guard lock(mutex_);
     const Entry entry = registry_.FindOid(oid);
-    if (!entry) return 0;
+    if (!entry)
+        return 0;
     switch (entry->folder) {
-    case kFolderCalendar: return kItemAppointment;
-    case kFolderTasks: return kItemTask;
-    case kFolderContacts: return kItemContact;
-    default: return 0;
+    case kFolderCalendar:
+        return kItemAppointment;
+    case kFolderTasks:
+        return kItemTask;
+    case kFolderContacts:
+        return kItemContact;
+    default:
+        return 0;
     }
 }
 
 bool VdirSource::GetItemFromOid(std::int32_t oid, PimRecord& item) {
     std::lock_guard lock(mutex_);
     const Entry entry = registry_.FindOid(oid);
-    if (!entry) return false;
+    if (!entry)
+        return false;
     item = entry->record;
     return true;
 }
@@ -192,30 +219,38 @@ SaveResult VdirSource::Save(PimRecord& record, int folderId) {
             Reread(entry);
             return SaveResult::ChangedOnDisk;
         }
-        if (entry->folder == kFolderContacts) return SaveResult::Failed;
+        if (entry->folder == kFolderContacts)
+            return SaveResult::Failed;
         std::string text, out;
         if (!io_.ReadWholeFile(DirectoryPath(entry->directory) + "/" + entry->fileName, text) ||
             !IcsWriter::Update(text, record, out))
             return SaveResult::Failed;
-        if (!io_.WriteAtomically(entry->directory, entry->fileName, out)) return SaveResult::Failed;
+        if (!io_.WriteAtomically(entry->directory, entry->fileName, out))
+            return SaveResult::Failed;
         bool exists = false;
-        registry_.Publish(std::make_shared<StoredItem>(io_.ReadFile(entry->directory, entry->fileName, exists)));
+        registry_.Publish(
+            std::make_shared<StoredItem>(io_.ReadFile(entry->directory, entry->fileName, exists)));
         watcher_.ExpectLocal(key, {kMsgItemChangedLocal, record.oid, entry->folder});
         return SaveResult::Saved;
     }
     if (record.itemKind == 0)
-        record.itemKind = folderId == kFolderTasks ? kItemTask : folderId == kFolderContacts ? kItemContact : kItemAppointment;
+        record.itemKind = folderId == kFolderTasks      ? kItemTask
+                          : folderId == kFolderContacts ? kItemContact
+                                                        : kItemAppointment;
     const int directory = DirectoryOfFolder(record.itemKind == kItemTask      ? kFolderTasks
                                             : record.itemKind == kItemContact ? kFolderContacts
                                                                               : kFolderCalendar);
-    const std::string uid = record.uid.empty() || registry_.KnowsUid(record.uid) ? IcsWriter::MakeUid() : record.uid;
+    const std::string uid =
+        record.uid.empty() || registry_.KnowsUid(record.uid) ? IcsWriter::MakeUid() : record.uid;
     const std::string fileName = uid + (record.itemKind == kItemContact ? ".vcf" : ".ics");
-    const std::string text =
-        record.itemKind == kItemContact ? IcsWriter::NewContact(record, uid) : IcsWriter::NewItem(record, uid);
-    if (!io_.WriteAtomically(directory, fileName, text)) return SaveResult::Failed;
+    const std::string text = record.itemKind == kItemContact ? IcsWriter::NewContact(record, uid)
+                                                             : IcsWriter::NewItem(record, uid);
+    if (!io_.WriteAtomically(directory, fileName, text))
+        return SaveResult::Failed;
     bool exists = false;
     auto entry = std::make_shared<StoredItem>(io_.ReadFile(directory, fileName, exists));
-    if (!entry->readable) return SaveResult::Failed;
+    if (!entry->readable)
+        return SaveResult::Failed;
     registry_.Publish(entry);
     record.oid = entry->record.oid;
     record.uid = uid;
@@ -226,7 +261,8 @@ SaveResult VdirSource::Save(PimRecord& record, int folderId) {
 SaveResult VdirSource::SaveOccurrence(std::int32_t oid, double originalStart, const PimRecord* occurrence) {
     std::lock_guard lock(mutex_);
     const Entry entry = registry_.FindOid(oid);
-    if (!entry) return SaveResult::NotFound;
+    if (!entry)
+        return SaveResult::NotFound;
     const std::string key = Key(entry->directory, entry->fileName);
     if (!io_.StampMatches(*entry)) {
         Reread(entry);
@@ -236,7 +272,8 @@ SaveResult VdirSource::SaveOccurrence(std::int32_t oid, double originalStart, co
     if (!io_.ReadWholeFile(DirectoryPath(entry->directory) + "/" + entry->fileName, text) ||
         !IcsWriter::AddException(text, originalStart, occurrence, out))
         return SaveResult::Failed;
-    if (!io_.WriteAtomically(entry->directory, entry->fileName, out)) return SaveResult::Failed;
+    if (!io_.WriteAtomically(entry->directory, entry->fileName, out))
+        return SaveResult::Failed;
     bool exists = false;
     registry_.Publish(std::make_shared<StoredItem>(io_.ReadFile(entry->directory, entry->fileName, exists)));
     watcher_.ExpectLocal(key, {kMsgItemChangedLocal, oid, entry->folder});
@@ -246,9 +283,11 @@ SaveResult VdirSource::SaveOccurrence(std::int32_t oid, double originalStart, co
 bool VdirSource::Delete(std::int32_t oid) {
     std::lock_guard lock(mutex_);
     const Entry entry = registry_.FindOid(oid);
-    if (!entry) return false;
+    if (!entry)
+        return false;
     const std::string key = Key(entry->directory, entry->fileName);
-    if (unlink((DirectoryPath(entry->directory) + "/" + entry->fileName).c_str()) != 0 && errno != ENOENT) return false;
+    if (unlink((DirectoryPath(entry->directory) + "/" + entry->fileName).c_str()) != 0 && errno != ENOENT)
+        return false;
     watcher_.ExpectLocal(key, {kMsgItemDeletedLocal, oid, entry->folder});
     registry_.Unpublish(key);
     return true;
@@ -257,19 +296,23 @@ bool VdirSource::Delete(std::int32_t oid) {
 std::int32_t VdirSource::Copy(std::int32_t oid) {
     std::lock_guard lock(mutex_);
     const Entry entry = registry_.FindOid(oid);
-    if (!entry || entry->folder == kFolderContacts) return -1;
+    if (!entry || entry->folder == kFolderContacts)
+        return -1;
     std::string text, out;
     const std::string uid = IcsWriter::MakeUid();
     if (!io_.ReadWholeFile(DirectoryPath(entry->directory) + "/" + entry->fileName, text) ||
         !IcsWriter::ReplaceUid(text, uid, out))
         return -1;
     const std::string fileName = uid + ".ics";
-    if (!io_.WriteAtomically(entry->directory, fileName, out)) return -1;
+    if (!io_.WriteAtomically(entry->directory, fileName, out))
+        return -1;
     bool exists = false;
     auto copy = std::make_shared<StoredItem>(io_.ReadFile(entry->directory, fileName, exists));
-    if (!copy->readable) return -1;
+    if (!copy->readable)
+        return -1;
     registry_.Publish(copy);
-    watcher_.ExpectLocal(Key(entry->directory, fileName), {kMsgItemCreatedLocal, copy->record.oid, copy->folder});
+    watcher_.ExpectLocal(Key(entry->directory, fileName),
+                         {kMsgItemCreatedLocal, copy->record.oid, copy->folder});
     return copy->record.oid;
 }
 
@@ -295,19 +338,23 @@ void VdirSource::UpdateWatcher() {
     watcher_.Update(open);
 }
 
-bool VdirSource::IsSynchronizing() { return SyncState::IsSynchronizerRunning(); }
+bool VdirSource::IsSynchronizing() {
+    return SyncState::IsSynchronizerRunning();
+}
 
 std::vector<std::u16string> VdirSource::GetCategoryNames() {
     std::lock_guard lock(mutex_);
     std::set<std::u16string> names;
     for (const auto& [key, item] : registry_.GetFiles())
-        if (item->readable && !item->record.categories.empty()) names.insert(item->record.categories);
+        if (item->readable && !item->record.categories.empty())
+            names.insert(item->record.categories);
     return {names.begin(), names.end()};
 }
 
 int VdirSource::GetSkippedCount() {
     std::lock_guard lock(mutex_);
-    return static_cast<int>(std::count_if(registry_.GetFiles().begin(), registry_.GetFiles().end(), [](const auto& pair) { return !pair.second->readable; }));
+    return static_cast<int>(std::count_if(registry_.GetFiles().begin(), registry_.GetFiles().end(),
+                                          [](const auto& pair) { return !pair.second->readable; }));
 }
 
 StoreSummary VdirSource::Summarize() {
@@ -319,9 +366,12 @@ StoreSummary VdirSource::Summarize() {
             summary.skipped.push_back({DirectoryPath(item->directory) + "/" + item->fileName, item->problem});
             continue;
         }
-        if (item->folder == kFolderCalendar) ++summary.appointments;
-        else if (item->folder == kFolderTasks) ++summary.tasks;
-        else if (item->folder == kFolderContacts) ++summary.contacts;
+        if (item->folder == kFolderCalendar)
+            ++summary.appointments;
+        else if (item->folder == kFolderTasks)
+            ++summary.tasks;
+        else if (item->folder == kFolderContacts)
+            ++summary.contacts;
     }
     std::sort(summary.skipped.begin(), summary.skipped.end());
     return summary;
@@ -330,7 +380,8 @@ StoreSummary VdirSource::Summarize() {
 bool VdirSource::ExportItem(std::int32_t oid, std::string& text) {
     const std::string path = FilePath(oid);
     std::string content;
-    if (path.empty() || !io_.ReadWholeFile(path, content)) return false;
+    if (path.empty() || !io_.ReadWholeFile(path, content))
+        return false;
     if (GetItemKind(oid) == kItemContact) {
         text = std::move(content);
         return true;
@@ -347,31 +398,40 @@ bool VdirSource::MayRemindIn(const StoredItem& item, double from, double before)
     // item far from the window needs no reading of its file. Open tasks are
     // always read: a snoozed reminder of one long overdue comes back now.
     const PimRecord& record = item.record;
-    if (item.folder == kFolderTasks) return !record.complete;
+    if (item.folder == kFolderTasks)
+        return !record.complete;
     const double margin = IcsAlarms::kMaxOffsetDays;
     const double start = record.start;
-    if (start > before + margin) return false;
-    if (item.series) return item.seriesEnd == kNoDate || item.seriesEnd >= from - margin;
+    if (start > before + margin)
+        return false;
+    if (item.series)
+        return item.seriesEnd == kNoDate || item.seriesEnd >= from - margin;
     return start + item.longest >= from - margin && record.end >= from - margin;
 }
 
 void VdirSource::ReadAlarmsLocked(StoredItem& item) {
     item.alarmsRead = true;
     std::string text;
-    if (!io_.ReadWholeFile(DirectoryPath(item.directory) + "/" + item.fileName, text) || !IcsAlarms::MayHaveAlarms(text))
+    if (!io_.ReadWholeFile(DirectoryPath(item.directory) + "/" + item.fileName, text) ||
+        !IcsAlarms::MayHaveAlarms(text))
         return;
     auto alarms = std::make_shared<IcsAlarms>();
-    if (alarms->Parse(text)) item.alarms = std::move(alarms);
+    if (alarms->Parse(text))
+        item.alarms = std::move(alarms);
 }
 
 std::vector<Reminder> VdirSource::GetReminders(double from, double before) {
     std::vector<Reminder> out;
     std::lock_guard lock(mutex_);
     for (const auto& [key, item] : registry_.GetFiles()) {
-        if (!item->readable || (item->folder != kFolderCalendar && item->folder != kFolderTasks)) continue;
-        if (!MayRemindIn(*item, from, before)) continue;
-        if (!item->alarmsRead) ReadAlarmsLocked(*item);
-        if (!item->alarms) continue;
+        if (!item->readable || (item->folder != kFolderCalendar && item->folder != kFolderTasks))
+            continue;
+        if (!MayRemindIn(*item, from, before))
+            continue;
+        if (!item->alarmsRead)
+            ReadAlarmsLocked(*item);
+        if (!item->alarms)
+            continue;
         if (item->remindersFrom != from || item->remindersBefore != before) {
             item->reminders.clear();
             std::shared_ptr<const IcsItem> series = item->series ? GetParsedLocked(item) : nullptr;
@@ -382,9 +442,12 @@ std::vector<Reminder> VdirSource::GetReminders(double from, double before) {
         out.insert(out.end(), item->reminders.begin(), item->reminders.end());
     }
     std::sort(out.begin(), out.end(), [](const Reminder& a, const Reminder& b) {
-        if (a.moment != b.moment) return a.moment < b.moment;
-        if (a.oid != b.oid) return a.oid < b.oid;
-        if (a.occurrence != b.occurrence) return a.occurrence < b.occurrence;
+        if (a.moment != b.moment)
+            return a.moment < b.moment;
+        if (a.oid != b.oid)
+            return a.oid < b.oid;
+        if (a.occurrence != b.occurrence)
+            return a.occurrence < b.occurrence;
         return a.alarm < b.alarm;
     });
     return out;
@@ -394,7 +457,8 @@ SaveResult VdirSource::RewriteItem(std::int32_t oid,
                                    const std::function<bool(std::string_view, std::string&)>& change) {
     std::lock_guard lock(mutex_);
     const Entry entry = registry_.FindOid(oid);
-    if (!entry) return SaveResult::NotFound;
+    if (!entry)
+        return SaveResult::NotFound;
     const std::string key = Key(entry->directory, entry->fileName);
     if (!io_.StampMatches(*entry)) {
         // Someone else changed the file: keep theirs and read it again.
@@ -402,9 +466,11 @@ SaveResult VdirSource::RewriteItem(std::int32_t oid,
         return SaveResult::ChangedOnDisk;
     }
     std::string text, out;
-    if (!io_.ReadWholeFile(DirectoryPath(entry->directory) + "/" + entry->fileName, text) || !change(text, out))
+    if (!io_.ReadWholeFile(DirectoryPath(entry->directory) + "/" + entry->fileName, text) ||
+        !change(text, out))
         return SaveResult::Failed;
-    if (!io_.WriteAtomically(entry->directory, entry->fileName, out)) return SaveResult::Failed;
+    if (!io_.WriteAtomically(entry->directory, entry->fileName, out))
+        return SaveResult::Failed;
     bool exists = false;
     registry_.Publish(std::make_shared<StoredItem>(io_.ReadFile(entry->directory, entry->fileName, exists)));
     watcher_.ExpectLocal(key, {kMsgItemChangedLocal, oid, entry->folder});
@@ -430,8 +496,10 @@ constexpr std::size_t kMaxUidFileName = 120;
 std::string ImportFileName(const std::string& uid) {
     bool plain = !uid.empty() && uid.size() <= kMaxUidFileName && uid[0] != '.';
     for (char c : uid)
-        if (!std::isalnum(static_cast<unsigned char>(c)) && c != '-' && c != '_' && c != '.' && c != '@') plain = false;
-    if (plain) return uid + ".ics";
+        if (!std::isalnum(static_cast<unsigned char>(c)) && c != '-' && c != '_' && c != '.' && c != '@')
+            plain = false;
+    if (plain)
+        return uid + ".ics";
     char name[32];
     std::snprintf(name, sizeof name, "import-%08x.ics", static_cast<unsigned>(VdirSource::HashUid(uid)));
     return name;
@@ -460,20 +528,25 @@ std::vector<SaveResult> VdirSource::ImportFiles(const std::vector<ImportFile>& f
         std::set<std::string> taken; // file names of this batch
         for (std::size_t i = 0; i < files.size(); ++i) {
             const ImportFile& file = files[i];
-            Pending item{i, DirectoryOfFolder(file.folder == kFolderTasks ? kFolderTasks : kFolderCalendar), "", "", {}, {}};
+            Pending item{i,  DirectoryOfFolder(file.folder == kFolderTasks ? kFolderTasks : kFolderCalendar),
+                         "", "",
+                         {}, {}};
             if (const Entry holder = registry_.FindUid(file.uid)) {
                 // The item is here already: its file takes the new version.
-                if (holder->folder == kFolderContacts) continue;
+                if (holder->folder == kFolderContacts)
+                    continue;
                 item.directory = holder->directory;
                 item.fileName = holder->fileName;
                 item.replaced = holder;
             } else {
                 item.fileName = ImportFileName(file.uid);
                 // Never over a file of another UID (or one we could not read).
-                for (int n = 1; registry_.HasFile(Key(item.directory, item.fileName)) || taken.count(item.fileName); ++n)
+                for (int n = 1;
+                     registry_.HasFile(Key(item.directory, item.fileName)) || taken.count(item.fileName); ++n)
                     item.fileName = ImportFileName(file.uid + "#" + std::to_string(n));
             }
-            if (!taken.insert(item.fileName).second) continue; // the same UID twice in one batch
+            if (!taken.insert(item.fileName).second)
+                continue; // the same UID twice in one batch
             pending.push_back(std::move(item));
         }
     }
@@ -481,15 +554,18 @@ std::vector<SaveResult> VdirSource::ImportFiles(const std::vector<ImportFile>& f
     std::vector<Pending> written;
     for (Pending& item : pending) {
         const std::string dir = DirectoryPath(item.directory);
-        if (!Paths::MakeDirs(dir)) continue;
+        if (!Paths::MakeDirs(dir))
+            continue;
         item.temp = dir + "/." + item.fileName + ".tmp";
         const std::string& text = files[item.index].text;
         const int fd = open(item.temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-        if (fd < 0) continue;
+        if (fd < 0)
+            continue;
         std::size_t done = 0;
         while (done < text.size()) {
             const ssize_t n = write(fd, text.data() + done, text.size() - done);
-            if (n <= 0) break;
+            if (n <= 0)
+                break;
             done += static_cast<std::size_t>(n);
         }
         if (close(fd) != 0 || done != text.size()) {
@@ -498,20 +574,24 @@ std::vector<SaveResult> VdirSource::ImportFiles(const std::vector<ImportFile>& f
         }
         written.push_back(std::move(item));
     }
-    if (written.empty()) return results;
+    if (written.empty())
+        return results;
     const int rootFd = open(io_.Root().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     const bool synced = rootFd >= 0 && syncfs(rootFd) == 0;
-    if (rootFd >= 0) close(rootFd);
+    if (rootFd >= 0)
+        close(rootFd);
     if (!synced) {
         Log::Error("store: cannot sync the imported files: %s", std::strerror(errno));
-        for (const Pending& item : written) unlink(item.temp.c_str());
+        for (const Pending& item : written)
+            unlink(item.temp.c_str());
         return results;
     }
     // Read back without holding the store: a rename keeps size and time,
     // so the entry stays true to the file once it is in place.
     for (Pending& item : written) {
         bool exists = false;
-        item.entry = std::make_shared<StoredItem>(io_.ReadFile(item.directory, "." + item.fileName + ".tmp", exists));
+        item.entry =
+            std::make_shared<StoredItem>(io_.ReadFile(item.directory, "." + item.fileName + ".tmp", exists));
         item.entry->fileName = item.fileName;
     }
     // Renamed into place under the lock, unless someone changed the file meanwhile.
@@ -531,10 +611,11 @@ std::vector<SaveResult> VdirSource::ImportFiles(const std::vector<ImportFile>& f
         }
         const Entry& entry = item.entry;
         registry_.Publish(entry);
-        if (!entry->readable) continue;
+        if (!entry->readable)
+            continue;
         results[item.index] = SaveResult::Saved;
-        watcher_.ExpectLocal(key, {item.replaced ? kMsgItemChangedLocal : kMsgItemCreatedLocal, entry->record.oid,
-                                  entry->folder});
+        watcher_.ExpectLocal(key, {item.replaced ? kMsgItemChangedLocal : kMsgItemCreatedLocal,
+                                   entry->record.oid, entry->folder});
     }
     return results;
 }

@@ -95,7 +95,9 @@ private:
     using Entry = OidRegistry::Entry;
 
     std::string DirectoryPath(int directory) const { return io_.DirectoryPath(directory); }
-    static std::string Key(int directory, const std::string& fileName) { return VdirFileIo::Key(directory, fileName); }
+    static std::string Key(int directory, const std::string& fileName) {
+        return VdirFileIo::Key(directory, fileName);
+    }
     // Reads an entry's file again after someone else changed it.
     void Reread(const Entry& entry);
     void SaveIndexLocked();
@@ -104,7 +106,8 @@ private:
     static bool MayRemindIn(const StoredItem& item, double from, double before);
     // Rewrites an item's file through `change` (existing text to new text),
     // with the same checks as Save.
-    SaveResult RewriteItem(std::int32_t oid, const std::function<bool(std::string_view, std::string&)>& change);
+    SaveResult RewriteItem(std::int32_t oid,
+                           const std::function<bool(std::string_view, std::string&)>& change);
     void UpdateWatcher();
 
     VdirFileIo io_;

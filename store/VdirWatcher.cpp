@@ -11,14 +11,18 @@ namespace mirodate {
 VdirWatcher::VdirWatcher(std::mutex& storeMutex, OidRegistry& registry, const VdirFileIo& io)
     : storeMutex_(storeMutex), registry_(registry), io_(io) {}
 
-VdirWatcher::~VdirWatcher() { watcher_.Stop(); }
+VdirWatcher::~VdirWatcher() {
+    watcher_.Stop();
+}
 
 void VdirWatcher::SetSink(PimSource::NotificationSink sink) {
     std::lock_guard lock(sinkMutex_);
     sink_ = std::move(sink);
 }
 
-void VdirWatcher::SetOrigins(int folderId, int origins) { notifyOrigins_[folderId] = origins; }
+void VdirWatcher::SetOrigins(int folderId, int origins) {
+    notifyOrigins_[folderId] = origins;
+}
 
 void VdirWatcher::Update(bool storeOpen) {
     bool wanted = false;
@@ -31,10 +35,12 @@ void VdirWatcher::Update(bool storeOpen) {
     }
     if (wanted && !watcher_.IsRunning()) {
         std::vector<std::string> directories;
-        for (int d = 0; d < VdirFileIo::kDirectoryCount; ++d) directories.push_back(io_.DirectoryPath(d));
-        watcher_.Start(directories, [this](int directory, const std::string& name, DirectoryWatcher::Change change) {
-            OnFileEvent(directory, name, change);
-        });
+        for (int d = 0; d < VdirFileIo::kDirectoryCount; ++d)
+            directories.push_back(io_.DirectoryPath(d));
+        watcher_.Start(directories,
+                       [this](int directory, const std::string& name, DirectoryWatcher::Change change) {
+                           OnFileEvent(directory, name, change);
+                       });
     } else if (!wanted && watcher_.IsRunning()) {
         Stop();
     }
@@ -47,11 +53,13 @@ void VdirWatcher::Stop() {
 }
 
 void VdirWatcher::ExpectLocal(const std::string& key, const PimNotification& notification) {
-    if (watcher_.IsRunning()) pendingLocal_[key] = notification;
+    if (watcher_.IsRunning())
+        pendingLocal_[key] = notification;
 }
 
 void VdirWatcher::OnFileEvent(int directory, const std::string& fileName, DirectoryWatcher::Change change) {
-    if (!VdirFileIo::IsItemFile(fileName)) return;
+    if (!VdirFileIo::IsItemFile(fileName))
+        return;
     std::vector<PimNotification> notifications;
     {
         std::lock_guard lock(storeMutex_);
@@ -64,16 +72,18 @@ void VdirWatcher::OnFileEvent(int directory, const std::string& fileName, Direct
         } else if (change == DirectoryWatcher::Change::Written) {
             bool exists = false;
             auto fresh = std::make_shared<StoredItem>(io_.ReadFile(directory, fileName, exists));
-            if (!exists) return;
+            if (!exists)
+                return;
             const bool known = current != nullptr;
-            if (known && current->size == fresh->size && current->mtimeNs == fresh->mtimeNs) return;
+            if (known && current->size == fresh->size && current->mtimeNs == fresh->mtimeNs)
+                return;
             const bool wasReadable = known && current->readable;
             const std::int32_t oldOid = wasReadable ? current->record.oid : -1;
             const int oldFolder = known ? current->folder : 0;
             registry_.Publish(fresh);
             if (fresh->readable)
-                notifications.push_back(
-                    {wasReadable ? kMsgItemChangedRemote : kMsgItemCreatedRemote, fresh->record.oid, fresh->folder});
+                notifications.push_back({wasReadable ? kMsgItemChangedRemote : kMsgItemCreatedRemote,
+                                         fresh->record.oid, fresh->folder});
             else if (wasReadable)
                 notifications.push_back({kMsgItemDeletedRemote, oldOid, oldFolder});
         } else if (current) {
@@ -92,8 +102,10 @@ void VdirWatcher::OnFileEvent(int directory, const std::string& fileName, Direct
 
 void VdirWatcher::Notify(const std::vector<PimNotification>& notifications) {
     std::lock_guard lock(sinkMutex_);
-    if (!sink_) return;
-    for (const auto& notification : notifications) sink_(notification);
+    if (!sink_)
+        return;
+    for (const auto& notification : notifications)
+        sink_(notification);
 }
 
 } // namespace mirodate

@@ -70,9 +70,10 @@ std::shared_ptr<SharedZone> Find(Cache& cache, const std::string& text, icalcomp
         if (!made)
             return nullptr;
         if (cache.byText.size() >= ZoneCache::kMaxZones) {
-            auto oldest = std::min_element(cache.byText.begin(), cache.byText.end(), [](const auto& a, const auto& b) {
-                return a.second->lastUse < b.second->lastUse;
-            });
+            auto oldest =
+                std::min_element(cache.byText.begin(), cache.byText.end(), [](const auto& a, const auto& b) {
+                    return a.second->lastUse < b.second->lastUse;
+                });
             cache.byText.erase(oldest);
         }
         it = cache.byText.emplace(text, std::move(made)).first;
@@ -145,7 +146,8 @@ ZoneCache::Aliases ZoneCache::Share(icalcomponent* root) {
     std::lock_guard lock(cache.mutex);
     for (std::size_t i = 0; i < found.size(); ++i) {
         const icaltimezone* zone = found[i].first;
-        if (texts[i].empty() || std::find(aliases.zones_.begin(), aliases.zones_.end(), zone) != aliases.zones_.end())
+        if (texts[i].empty() ||
+            std::find(aliases.zones_.begin(), aliases.zones_.end(), zone) != aliases.zones_.end())
             continue;
         std::shared_ptr<SharedZone> shared = Find(cache, texts[i], found[i].second);
         if (!shared)

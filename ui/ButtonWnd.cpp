@@ -21,7 +21,8 @@ constexpr int kTooltipFontHeight = 12;
 ButtonWnd::ButtonWnd() = default;
 
 ButtonWnd::~ButtonWnd() {
-    if (window && IsWindow(window)) DestroyWindow(window);
+    if (window && IsWindow(window))
+        DestroyWindow(window);
     window = nullptr;
 }
 
@@ -32,7 +33,8 @@ HWND ButtonWnd::Create(HWND parent, const std::u16string& text, int x, int y, in
     textFormat = kDefaultTextFormat;
     value_ = value;
     BaseWnd::Create(parent, kButtonWndClass, WS_CHILD | WS_VISIBLE, text, x, y, width, height);
-    if (!window) return nullptr;
+    if (!window)
+        return nullptr;
     EnsureBackBuffer();
     LOGFONT lf;
     DefaultFont(lf);
@@ -46,7 +48,8 @@ void ButtonWnd::EnsureBackBuffer() {
     RECT client;
     GetClientRect(window, &client);
     const int width = std::max(1, client.right), height = std::max(1, client.bottom);
-    if (backBuffer_.Width() == width && backBuffer_.Height() == height) return;
+    if (backBuffer_.Width() == width && backBuffer_.Height() == height)
+        return;
     backDc_.reset();
     backBuffer_ = Bitmap(width, height);
     backDc_ = std::make_unique<Dc>(backBuffer_);
@@ -56,12 +59,14 @@ void ButtonWnd::EnsureBackBuffer() {
 
 void ButtonWnd::Invalidate() {
     pictureValid = false;
-    if (window && IsWindow(window)) Redraw(false);
+    if (window && IsWindow(window))
+        Redraw(false);
 }
 
 void ButtonWnd::SetLabel(const std::u16string& text) {
     label = text;
-    if (window) SetWindowText(window, text);
+    if (window)
+        SetWindowText(window, text);
     Invalidate();
 }
 
@@ -108,7 +113,8 @@ void ButtonWnd::SetTextFormat(UINT format, bool multi) {
 // ---- painting --------------------------------------------------------------
 
 void ButtonWnd::OnPaint(HDC dc) {
-    if (!dc || !window) return;
+    if (!dc || !window)
+        return;
     EnsureBackBuffer();
     const int width = backBuffer_.Width(), height = backBuffer_.Height();
     if (!pictureValid) {
@@ -118,7 +124,8 @@ void ButtonWnd::OnPaint(HDC dc) {
         const COLORREF top = pressed ? pressedGradientColor : gradientColor;
         back.FillSolidRect(0, 0, width, height, background);
         const bool useGradient = gradient && top != background;
-        if (useGradient) DrawGradient(back, RECT{0, 0, width, height + 1}, background, top, 0);
+        if (useGradient)
+            DrawGradient(back, RECT{0, 0, width, height + 1}, background, top, 0);
 
         if (picture) {
             back.StretchBlt(0, 0, width, height, *picture, 0, 0, picture->Width(), picture->Height());
@@ -129,11 +136,15 @@ void ButtonWnd::OnPaint(HDC dc) {
             back.TransparentImage((width - w) / 2, (height - h) / 2, w, h, *icon, source.left, source.top,
                                   source.Width(), source.Height(), kKeyColor);
         } else {
-            if (rightSeparator) back.Line(width - 1, 1, width - 1, height, kRightSeparator);
-            if (leftSeparator) back.Line(0, 1, 0, height, kLeftSeparator);
+            if (rightSeparator)
+                back.Line(width - 1, 1, width - 1, height, kRightSeparator);
+            if (leftSeparator)
+                back.Line(0, 1, 0, height, kLeftSeparator);
             UINT format = textFormat | DT_NOPREFIX;
-            if (multiLine) format &= ~DT_VCENTER;
-            else format |= DT_VCENTER;
+            if (multiLine)
+                format &= ~DT_VCENTER;
+            else
+                format |= DT_VCENTER;
             const int inset = kLabelInset;
             RECT area{inset, inset, width - inset, height - inset};
             if (useGradient) {
@@ -148,7 +159,8 @@ void ButtonWnd::OnPaint(HDC dc) {
 }
 
 void ButtonWnd::DrawLabel(Dc& dc, const RECT& rect, UINT format, COLORREF color) {
-    if (label.empty()) return;
+    if (label.empty())
+        return;
     if (!font_) {
         LOGFONT lf;
         DefaultFont(lf);
@@ -164,17 +176,21 @@ void ButtonWnd::DrawLabel(Dc& dc, const RECT& rect, UINT format, COLORREF color)
 }
 
 void ButtonWnd::OnSize(UINT, UINT) {
-    if (window) EnsureBackBuffer();
+    if (window)
+        EnsureBackBuffer();
 }
 
 // ---- input -----------------------------------------------------------------
 
 LRESULT ButtonWnd::OnPointerDown(int button, int x, int y, WPARAM) {
-    if (button != 0) return 0;
+    if (button != 0)
+        return 0;
     KillTimer(window, kLongPressTimer);
     SetCapture(window);
-    if (icon || picture) SetTimer(window, kTooltipTimer, kTooltipDelay);
-    if (longPress) SetTimer(window, kLongPressTimer, kLongPressDelay);
+    if (icon || picture)
+        SetTimer(window, kTooltipTimer, kTooltipDelay);
+    if (longPress)
+        SetTimer(window, kLongPressTimer, kLongPressDelay);
     pressPoint = POINT{x, y};
     pressed = true;
     Invalidate();
@@ -182,11 +198,13 @@ LRESULT ButtonWnd::OnPointerDown(int button, int x, int y, WPARAM) {
 }
 
 void ButtonWnd::OnPointerMove(int x, int y, WPARAM) {
-    if (!pressed) return;
+    if (!pressed)
+        return;
     RECT client;
     GetClientRect(window, &client);
     const int distance = std::abs(x - pressPoint.x) + std::abs(y - pressPoint.y);
-    if (distance > std::min(client.right, client.bottom)) CancelPress();
+    if (distance > std::min(client.right, client.bottom))
+        CancelPress();
 }
 
 void ButtonWnd::CancelPress() {
@@ -198,13 +216,15 @@ void ButtonWnd::CancelPress() {
 }
 
 LRESULT ButtonWnd::OnPointerUp(int button, int, int, WPARAM) {
-    if (button != 0) return 0;
+    if (button != 0)
+        return 0;
     const bool wasPressed = pressed;
     KillTimer(window, kLongPressTimer);
     KillTimer(window, kTooltipTimer);
     tooltip_.Hide();
     pressed = false; // before letting go, so that losing the capture changes nothing
-    if (GetCapture() == window) ReleaseCapture();
+    if (GetCapture() == window)
+        ReleaseCapture();
     Invalidate();
     const DWORD now = GetTickCount();
     if (wasPressed && now - lastClickTime > kClickInterval) {
@@ -215,7 +235,8 @@ LRESULT ButtonWnd::OnPointerUp(int button, int, int, WPARAM) {
 }
 
 void ButtonWnd::OnCaptureChanged(HWND newCapture) {
-    if (newCapture == window) return;
+    if (newCapture == window)
+        return;
     tooltip_.Hide();
     KillTimer(window, kTooltipTimer);
     if (pressed) {
@@ -233,7 +254,8 @@ void ButtonWnd::OnTimer(UINT_PTR id) {
     } else if (id == kTooltipTimer) {
         KillTimer(window, kTooltipTimer);
         const std::u16string text = label.empty() ? GetWindowText(window) : label;
-        if (!text.empty()) tooltip_.Show(text);
+        if (!text.empty())
+            tooltip_.Show(text);
     }
 }
 

@@ -31,18 +31,23 @@ ContextMenu::ContextMenu(DialogWnd* owner_, std::vector<ContextMenuItem> items_,
 
 ContextMenu::~ContextMenu() {
     list.SetMenuOpen(false);
-    if (window && IsWindow(window)) DestroyWindow(window);
+    if (window && IsWindow(window))
+        DestroyWindow(window);
     window = nullptr;
 }
 
-int ContextMenu::OpenCount() { return g_openMenus; }
+int ContextMenu::OpenCount() {
+    return g_openMenus;
+}
 
 void ContextMenu::SetFixedTop(int top) {
     fixedTop = top;
     hasFixedTop = true;
 }
 
-HWND ContextMenu::Open() { return CreateModeless(owner ? owner->GetHwnd() : nullptr); }
+HWND ContextMenu::Open() {
+    return CreateModeless(owner ? owner->GetHwnd() : nullptr);
+}
 
 BOOL ContextMenu::OnInitDialog() {
     ++g_openMenus;
@@ -56,8 +61,10 @@ BOOL ContextMenu::OnInitDialog() {
     height_ = height;
 
     int x = screenWidth / 2 - width / 2 + Scale(kCentreShift);
-    if (horizontalAlignment < 0) x = 0;
-    if (horizontalAlignment > 0) x = screenWidth - width + Scale(kRightShift);
+    if (horizontalAlignment < 0)
+        x = 0;
+    if (horizontalAlignment > 0)
+        x = screenWidth - width + Scale(kRightShift);
     SetWindowText(window, kContextMenuTitle);
     MoveWindow(window, x, screenHeight, width, height, false);
 
@@ -108,7 +115,8 @@ void ContextMenu::OnDialogReady() {
 }
 
 int ContextMenu::TargetTop() const {
-    if (hasFixedTop) return fixedTop;
+    if (hasFixedTop)
+        return fixedTop;
     return GetScreenHeight() - ScreenBars::MenuBarHeight() - height_;
 }
 
@@ -127,7 +135,8 @@ void ContextMenu::OnTimer(UINT_PTR id) {
         step = std::clamp(step, Scale(1), remaining);
         MoveWindow(window, rect.left, rect.top - step, rect.Width(), rect.Height(), true);
         UpdateWindow(window);
-        if (rect.top - step > target) return;
+        if (rect.top - step > target)
+            return;
     } else if (remaining < 0) {
         MoveWindow(window, rect.left, target, rect.Width(), rect.Height(), true);
     }
@@ -144,21 +153,24 @@ void ContextMenu::FinishOpening() {
 void ContextMenu::OnMenuOpened() {}
 
 LRESULT ContextMenu::OnNotify(UINT_PTR, NMHDR* header) {
-    if (!header || header->hwndFrom != list.GetHwnd() || header->code != NM_LIST_ROW_CHOSEN) return 0;
+    if (!header || header->hwndFrom != list.GetHwnd() || header->code != NM_LIST_ROW_CHOSEN)
+        return 0;
     const DWORD now = GetTickCount();
     if (now - lastChoiceTime < kChoiceGuard) {
         // A repeated tap: answered 1 (through the dialog's result word) and dropped.
         SetWindowLongPtr(window, DWL_MSGRESULT, 1);
         return 1;
     }
-    if (chosen_ || closing_ || items.empty() || list.Selected() < 0) return 0;
+    if (chosen_ || closing_ || items.empty() || list.Selected() < 0)
+        return 0;
     Choose();
     return 0;
 }
 
 void ContextMenu::Choose() {
     const int index = list.Selected();
-    if (index < 0 || index >= static_cast<int>(items.size()) || !items[index].enabled) return;
+    if (index < 0 || index >= static_cast<int>(items.size()) || !items[index].enabled)
+        return;
     lastChoiceTime = GetTickCount();
     chosenCommand = items[index].command;
     chosen_ = true;
@@ -177,23 +189,30 @@ void ContextMenu::DeliverChoice(UINT command) {
 }
 
 void ContextMenu::OnKeyDown(UINT key, UINT flags) {
-    if (flags == kIgnoredKeyFlags || chosen_ || closing_) return;
+    if (flags == kIgnoredKeyFlags || chosen_ || closing_)
+        return;
     const int count = static_cast<int>(items.size());
     switch (key) {
     case VK_UP:
-        if (count == 0) return;
+        if (count == 0)
+            return;
         list.SetSelected(list.Selected() <= 0 ? count - 1 : list.Selected() - 1);
         break;
     case VK_DOWN:
-        if (count == 0) return;
+        if (count == 0)
+            return;
         list.SetSelected(list.Selected() < 0 || list.Selected() >= count - 1 ? 0 : list.Selected() + 1);
         break;
     case VK_RETURN:
-        if (count > 0 && list.Selected() >= 0 && GetTickCount() - lastChoiceTime > kChoiceGuard) Choose();
+        if (count > 0 && list.Selected() >= 0 && GetTickCount() - lastChoiceTime > kChoiceGuard)
+            Choose();
         break;
     case VK_LEFT:
-    case VK_RIGHT: CloseWithoutChoice(); break;
-    default: break;
+    case VK_RIGHT:
+        CloseWithoutChoice();
+        break;
+    default:
+        break;
     }
 }
 
@@ -201,14 +220,18 @@ void ContextMenu::OnKeyDown(UINT key, UINT flags) {
 void ContextMenu::OnCommand(UINT, UINT, HWND) {}
 
 void ContextMenu::OnClose() {
-    if (chosen_ && owner) return; // the owner deletes a menu that was chosen from
+    if (chosen_ && owner)
+        return; // the owner deletes a menu that was chosen from
     delete this;
 }
 
-void ContextMenu::OnScreenReset() { CloseWithoutChoice(); }
+void ContextMenu::OnScreenReset() {
+    CloseWithoutChoice();
+}
 
 void ContextMenu::CloseWithoutChoice() {
-    if (closing_ || chosen_) return;
+    if (closing_ || chosen_)
+        return;
     closing_ = true;
     KillTimer(window, kSlideTimer);
     list.SetMenuOpen(false);

@@ -7,8 +7,8 @@
 
 #include <algorithm>
 #include <cairo.h>
-#include <cstddef>
 #include <cmath>
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <pango/pangocairo.h>
@@ -78,8 +78,10 @@ LayoutPtr MakeLayout(const Font& font, const std::string& utf8) {
     const LOGFONT& lf = font.GetLogFont();
     if (lf.lfUnderline || lf.lfStrikeOut) {
         PangoAttrList* attrs = pango_attr_list_new();
-        if (lf.lfUnderline) pango_attr_list_insert(attrs, pango_attr_underline_new(PANGO_UNDERLINE_SINGLE));
-        if (lf.lfStrikeOut) pango_attr_list_insert(attrs, pango_attr_strikethrough_new(TRUE));
+        if (lf.lfUnderline)
+            pango_attr_list_insert(attrs, pango_attr_underline_new(PANGO_UNDERLINE_SINGLE));
+        if (lf.lfStrikeOut)
+            pango_attr_list_insert(attrs, pango_attr_strikethrough_new(TRUE));
         pango_layout_set_attributes(layout.get(), attrs);
         pango_attr_list_unref(attrs);
     }
@@ -93,32 +95,49 @@ Dc::Dc(Bitmap& target) : target_(&target) {
     cairo_surface_t* surface =
         target.Surface() ? target.Surface() : cairo_image_surface_create(CAIRO_FORMAT_RGB24, 1, 1);
     cr_ = cairo_create(surface);
-    if (!target.Surface()) cairo_surface_destroy(surface);
+    if (!target.Surface())
+        cairo_surface_destroy(surface);
     cairo_set_antialias(cr_, CAIRO_ANTIALIAS_NONE);
 }
 
 Dc::~Dc() {
     cairo_destroy(cr_);
-    if (target_->Surface()) cairo_surface_flush(target_->Surface());
+    if (target_->Surface())
+        cairo_surface_flush(target_->Surface());
 }
 
-int Dc::Width() const { return target_->Width(); }
-int Dc::Height() const { return target_->Height(); }
+int Dc::Width() const {
+    return target_->Width();
+}
+int Dc::Height() const {
+    return target_->Height();
+}
 
 void Dc::IntersectClip(const RECT& rect) {
     cairo_rectangle(cr_, rect.left, rect.top, std::max(0, rect.Width()), std::max(0, rect.Height()));
     cairo_clip(cr_);
 }
 
-void Dc::ResetClip() { cairo_reset_clip(cr_); }
+void Dc::ResetClip() {
+    cairo_reset_clip(cr_);
+}
 
-COLORREF Dc::SetTextColor(COLORREF color) { return std::exchange(textColor_, color); }
-int Dc::SetBkMode(int mode) { return std::exchange(bkMode_, mode); }
-COLORREF Dc::SetBkColor(COLORREF color) { return std::exchange(bkColor_, color); }
-const Font* Dc::SelectFont(const Font* font) { return std::exchange(font_, font); }
+COLORREF Dc::SetTextColor(COLORREF color) {
+    return std::exchange(textColor_, color);
+}
+int Dc::SetBkMode(int mode) {
+    return std::exchange(bkMode_, mode);
+}
+COLORREF Dc::SetBkColor(COLORREF color) {
+    return std::exchange(bkColor_, color);
+}
+const Font* Dc::SelectFont(const Font* font) {
+    return std::exchange(font_, font);
+}
 
 void Dc::FillRect(const RECT& rect, COLORREF color) {
-    if (rect.IsEmpty()) return;
+    if (rect.IsEmpty())
+        return;
     SetColor(cr_, color);
     cairo_rectangle(cr_, rect.left, rect.top, rect.Width(), rect.Height());
     cairo_fill(cr_);
@@ -129,13 +148,15 @@ void Dc::FillSolidRect(int x, int y, int width, int height, COLORREF color) {
 }
 
 void Dc::FrameRect(const RECT& rect, COLORREF color, int penWidth) {
-    if (rect.IsEmpty() || penWidth <= 0) return;
+    if (rect.IsEmpty() || penWidth <= 0)
+        return;
     SetColor(cr_, color);
     cairo_set_fill_rule(cr_, CAIRO_FILL_RULE_EVEN_ODD);
     cairo_rectangle(cr_, rect.left, rect.top, rect.Width(), rect.Height());
     const int inner = 2 * penWidth;
     if (rect.Width() > inner && rect.Height() > inner)
-        cairo_rectangle(cr_, rect.left + penWidth, rect.top + penWidth, rect.Width() - inner, rect.Height() - inner);
+        cairo_rectangle(cr_, rect.left + penWidth, rect.top + penWidth, rect.Width() - inner,
+                        rect.Height() - inner);
     cairo_fill(cr_);
     cairo_set_fill_rule(cr_, CAIRO_FILL_RULE_WINDING);
 }
@@ -149,8 +170,10 @@ void RoundedPath(cairo_t* cr, double x, double y, double w, double h, double rx,
         return;
     }
     cairo_new_sub_path(cr);
-    const double corners[4][3] = {{x + w - rx, y + ry, -M_PI / 2}, {x + w - rx, y + h - ry, 0},
-                                  {x + rx, y + h - ry, M_PI / 2}, {x + rx, y + ry, M_PI}};
+    const double corners[4][3] = {{x + w - rx, y + ry, -M_PI / 2},
+                                  {x + w - rx, y + h - ry, 0},
+                                  {x + rx, y + h - ry, M_PI / 2},
+                                  {x + rx, y + ry, M_PI}};
     for (const auto& c : corners) {
         cairo_save(cr);
         cairo_translate(cr, c[0], c[1]);
@@ -180,7 +203,8 @@ void FillAndStroke(cairo_t* cr, std::optional<COLORREF> fill, std::optional<COLO
 
 void Dc::RoundRect(const RECT& rect, int ellipseWidth, int ellipseHeight, std::optional<COLORREF> fill,
                    std::optional<COLORREF> pen, int penWidth) {
-    if (rect.IsEmpty()) return;
+    if (rect.IsEmpty())
+        return;
     cairo_save(cr_);
     cairo_set_antialias(cr_, CAIRO_ANTIALIAS_DEFAULT);
     // The outline runs inside the rectangle, along the pixel centres.
@@ -197,11 +221,13 @@ void Dc::Ellipse(const RECT& rect, std::optional<COLORREF> fill, std::optional<C
 
 void Dc::Polygon(const std::vector<POINT>& points, std::optional<COLORREF> fill, std::optional<COLORREF> pen,
                  int penWidth) {
-    if (points.size() < 2) return;
+    if (points.size() < 2)
+        return;
     cairo_save(cr_);
     cairo_set_antialias(cr_, CAIRO_ANTIALIAS_DEFAULT);
     cairo_move_to(cr_, points[0].x + 0.5, points[0].y + 0.5);
-    for (size_t i = 1; i < points.size(); ++i) cairo_line_to(cr_, points[i].x + 0.5, points[i].y + 0.5);
+    for (size_t i = 1; i < points.size(); ++i)
+        cairo_line_to(cr_, points[i].x + 0.5, points[i].y + 0.5);
     cairo_close_path(cr_);
     FillAndStroke(cr_, fill, pen, penWidth);
     cairo_restore(cr_);
@@ -233,7 +259,8 @@ void Dc::Line(int x1, int y1, int x2, int y2, COLORREF color, int penWidth) {
 }
 
 void Dc::GradientFillVertical(const RECT& rect, COLORREF top, COLORREF bottom) {
-    if (rect.IsEmpty()) return;
+    if (rect.IsEmpty())
+        return;
     // Pixel centres: the first row is exactly `top`, as the gradient fill of
     // the platform drew it, and each row below moves 1/height towards `bottom`.
     cairo_pattern_t* pattern = cairo_pattern_create_linear(0, rect.top + 0.5, 0, rect.bottom + 0.5);
@@ -248,7 +275,8 @@ void Dc::GradientFillVertical(const RECT& rect, COLORREF top, COLORREF bottom) {
 }
 
 void Dc::BitBlt(int x, int y, int width, int height, const Bitmap& source, int sourceX, int sourceY) {
-    if (!source.Surface() || width <= 0 || height <= 0) return;
+    if (!source.Surface() || width <= 0 || height <= 0)
+        return;
     cairo_save(cr_);
     cairo_rectangle(cr_, x, y, width, height);
     cairo_clip(cr_);
@@ -268,7 +296,8 @@ namespace {
 // Paints `surface` (a part of it) stretched over the destination rectangle.
 void PaintStretched(cairo_t* cr, cairo_surface_t* surface, int x, int y, int width, int height, int sourceX,
                     int sourceY, int sourceWidth, int sourceHeight, cairo_filter_t filter, double alpha) {
-    if (width <= 0 || height <= 0 || sourceWidth <= 0 || sourceHeight <= 0) return;
+    if (width <= 0 || height <= 0 || sourceWidth <= 0 || sourceHeight <= 0)
+        return;
     cairo_save(cr);
     cairo_rectangle(cr, x, y, width, height);
     cairo_clip(cr);
@@ -287,7 +316,8 @@ void PaintStretched(cairo_t* cr, cairo_surface_t* surface, int x, int y, int wid
 
 void Dc::StretchBlt(int x, int y, int width, int height, const Bitmap& source, int sourceX, int sourceY,
                     int sourceWidth, int sourceHeight) {
-    if (!source.Surface()) return;
+    if (!source.Surface())
+        return;
     const bool same = width == sourceWidth && height == sourceHeight;
     PaintStretched(cr_, source.Surface(), x, y, width, height, sourceX, sourceY, sourceWidth, sourceHeight,
                    same ? CAIRO_FILTER_NEAREST : CAIRO_FILTER_BILINEAR, 1.0);
@@ -295,10 +325,12 @@ void Dc::StretchBlt(int x, int y, int width, int height, const Bitmap& source, i
 
 void Dc::TransparentImage(int x, int y, int width, int height, const Bitmap& source, int sourceX, int sourceY,
                           int sourceWidth, int sourceHeight, COLORREF keyColor) {
-    if (!source.Surface() || sourceWidth <= 0 || sourceHeight <= 0) return;
+    if (!source.Surface() || sourceWidth <= 0 || sourceHeight <= 0)
+        return;
     // The part of the source as a picture with alpha: key pixels become holes.
     Bitmap masked(sourceWidth, sourceHeight, Bitmap::Format::Argb);
-    if (!masked.Surface()) return;
+    if (!masked.Surface())
+        return;
     cairo_surface_flush(source.Surface());
     cairo_surface_flush(masked.Surface());
     unsigned char* out = cairo_image_surface_get_data(masked.Surface());
@@ -314,19 +346,22 @@ void Dc::TransparentImage(int x, int y, int width, int height, const Bitmap& sou
         for (int col = 0; col < sourceWidth; ++col) {
             const int sx = sourceX + col;
             dst[col] = 0;
-            if (sx < 0 || sy < 0 || sx >= source.Width() || sy >= source.Height()) continue;
+            if (sx < 0 || sy < 0 || sx >= source.Width() || sy >= source.Height())
+                continue;
             if (wide) {
-                const std::uint32_t v =
-                    reinterpret_cast<const std::uint32_t*>(in + static_cast<std::ptrdiff_t>(sy) * inStride)[sx];
+                const std::uint32_t v = reinterpret_cast<const std::uint32_t*>(
+                    in + static_cast<std::ptrdiff_t>(sy) * inStride)[sx];
                 if (source.HasAlpha()) {
                     // Keyed pictures are opaque; a transparent pixel stays a hole.
-                    if ((v >> 24) == 0) continue;
+                    if ((v >> 24) == 0)
+                        continue;
                     if ((v >> 24) != 0xFF) {
                         dst[col] = v;
                         continue;
                     }
                 }
-                if ((v & 0xFFFFFF) != key) dst[col] = 0xFF000000u | v;
+                if ((v & 0xFFFFFF) != key)
+                    dst[col] = 0xFF000000u | v;
             } else {
                 const COLORREF c = source.GetPixel(sx, sy);
                 if (c != keyColor)
@@ -343,7 +378,8 @@ void Dc::TransparentImage(int x, int y, int width, int height, const Bitmap& sou
 
 void Dc::AlphaBlend(int x, int y, int width, int height, const Bitmap& source, int sourceX, int sourceY,
                     int sourceWidth, int sourceHeight, int alpha) {
-    if (!source.Surface()) return;
+    if (!source.Surface())
+        return;
     alpha = std::clamp(alpha, 0, 255);
     const bool same = width == sourceWidth && height == sourceHeight;
     PaintStretched(cr_, source.Surface(), x, y, width, height, sourceX, sourceY, sourceWidth, sourceHeight,
@@ -351,7 +387,8 @@ void Dc::AlphaBlend(int x, int y, int width, int height, const Bitmap& source, i
 }
 
 void Dc::DrawIcon(int x, int y, const Bitmap& icon) {
-    if (!icon.Surface()) return;
+    if (!icon.Surface())
+        return;
     cairo_save(cr_);
     cairo_set_source_surface(cr_, icon.Surface(), x, y);
     cairo_rectangle(cr_, x, y, icon.Width(), icon.Height());
@@ -368,7 +405,8 @@ int Dc::DrawText(const std::u16string& text, RECT& rect, UINT format) {
     PangoLayout* pl = layout.get();
     const int boxWidth = std::max(0, rect.Width());
     const bool single = (format & DT_SINGLELINE) != 0;
-    if (single) pango_layout_set_single_paragraph_mode(pl, TRUE);
+    if (single)
+        pango_layout_set_single_paragraph_mode(pl, TRUE);
     if ((format & DT_WORDBREAK) && !single) {
         pango_layout_set_width(pl, boxWidth * PANGO_SCALE);
         pango_layout_set_wrap(pl, PANGO_WRAP_WORD_CHAR);
@@ -386,7 +424,8 @@ int Dc::DrawText(const std::u16string& text, RECT& rect, UINT format) {
     const int textHeight = logical.height;
 
     if (format & DT_CALCRECT) {
-        if (!(format & DT_WORDBREAK) || single) rect.right = rect.left + textWidth;
+        if (!(format & DT_WORDBREAK) || single)
+            rect.right = rect.left + textWidth;
         rect.bottom = rect.top + textHeight;
         return textHeight;
     }
@@ -432,12 +471,14 @@ SIZE Dc::GetTextExtent(const std::u16string& text) {
 }
 
 COLORREF Dc::GetPixel(int x, int y) const {
-    if (target_->Surface()) cairo_surface_flush(target_->Surface());
+    if (target_->Surface())
+        cairo_surface_flush(target_->Surface());
     return target_->GetPixel(x, y);
 }
 
 void Dc::SetPixel(int x, int y, COLORREF color) {
-    if (target_->Surface()) cairo_surface_flush(target_->Surface());
+    if (target_->Surface())
+        cairo_surface_flush(target_->Surface());
     target_->SetPixel(x, y, color);
 }
 

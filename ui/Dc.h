@@ -66,7 +66,8 @@ public:
     // colour may be left out (no fill, no outline).
     void RoundRect(const RECT& rect, int ellipseWidth, int ellipseHeight, std::optional<COLORREF> fill,
                    std::optional<COLORREF> pen, int penWidth = 1);
-    void Ellipse(const RECT& rect, std::optional<COLORREF> fill, std::optional<COLORREF> pen, int penWidth = 1);
+    void Ellipse(const RECT& rect, std::optional<COLORREF> fill, std::optional<COLORREF> pen,
+                 int penWidth = 1);
     void Polygon(const std::vector<POINT>& points, std::optional<COLORREF> fill, std::optional<COLORREF> pen,
                  int penWidth = 1);
     // A line from (x1, y1) towards (x2, y2), the end point left out as the

@@ -38,7 +38,8 @@ std::u16string TextOfCopyData(const COPYDATASTRUCT& data) {
     std::u16string text((data.cbData + 1) / 2, u'\0');
     std::memcpy(text.data(), data.lpData, data.cbData);
     const size_t end = text.find(u'\0');
-    if (end != std::u16string::npos) text.resize(end);
+    if (end != std::u16string::npos)
+        text.resize(end);
     return text;
 }
 } // namespace
@@ -48,9 +49,13 @@ DialogWnd::DialogWnd() {
     ++g_livePages;
 }
 
-DialogWnd::~DialogWnd() { --g_livePages; }
+DialogWnd::~DialogWnd() {
+    --g_livePages;
+}
 
-int DialogWnd::LivePageCount() { return g_livePages; }
+int DialogWnd::LivePageCount() {
+    return g_livePages;
+}
 
 BOOL DialogWnd::OnInitDialog() {
     shellActivateInfo = SHACTIVATEINFO();
@@ -62,15 +67,17 @@ BOOL DialogWnd::OnInitDialog() {
 }
 
 void DialogWnd::OnTimer(UINT_PTR id) {
-    if (id != kDialogReadyTimer) return;
+    if (id != kDialogReadyTimer)
+        return;
     KillTimer(window, kDialogReadyTimer);
     OnDialogReady();
 }
 
 LRESULT DialogWnd::OnActivate(UINT state, BOOL minimized, HWND other) {
-    Shell::HandleActivate(window, MAKEWPARAM(static_cast<int>(state), minimized), reinterpret_cast<LPARAM>(other),
-                          &shellActivateInfo);
-    if (state == WA_ACTIVE || state == WA_CLICKACTIVE) ApplyFullScreen();
+    Shell::HandleActivate(window, MAKEWPARAM(static_cast<int>(state), minimized),
+                          reinterpret_cast<LPARAM>(other), &shellActivateInfo);
+    if (state == WA_ACTIVE || state == WA_CLICKACTIVE)
+        ApplyFullScreen();
     return 0;
 }
 
@@ -78,7 +85,8 @@ void DialogWnd::ApplyFullScreen() {
     const bool hideTaskBar = Shell::HideTaskBar();
     DWORD flags;
     if (hideTaskBar)
-        flags = showInputPanelButton ? SHFS_HIDETASKBAR | SHFS_SHOWSIPBUTTON : SHFS_HIDETASKBAR | SHFS_HIDESIPBUTTON;
+        flags = showInputPanelButton ? SHFS_HIDETASKBAR | SHFS_SHOWSIPBUTTON
+                                     : SHFS_HIDETASKBAR | SHFS_HIDESIPBUTTON;
     else
         flags = showInputPanelButton ? SHFS_SHOWSIPBUTTON : SHFS_HIDESIPBUTTON;
     Shell::FullScreen(window, flags);
@@ -94,12 +102,13 @@ void DialogWnd::ApplyFullScreen() {
 }
 
 void DialogWnd::HandleDeferredCommand(WPARAM wParam, LPARAM lParam) {
-    if (auto* object = reinterpret_cast<BaseWnd*>(lParam)) delete object;
+    if (auto* object = reinterpret_cast<BaseWnd*>(lParam))
+        delete object;
     OnDeferredCommand(static_cast<UINT>(wParam));
 }
 
 bool DialogWnd::DispatchApplication(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, bool dialog,
-                                     LRESULT& result) {
+                                    LRESULT& result) {
     result = 0;
     if (message == WM_DEFERRED_COMMAND) {
         HandleDeferredCommand(wParam, lParam);
@@ -130,7 +139,8 @@ bool DialogWnd::DispatchApplication(HWND hwnd, UINT message, WPARAM wParam, LPAR
     }
     if (message == WM_COPYDATA) {
         const auto* data = reinterpret_cast<const COPYDATASTRUCT*>(lParam);
-        if (!data || data->cbData == 0 || !data->lpData) return false;
+        if (!data || data->cbData == 0 || !data->lpData)
+            return false;
         result = OnCommandText(TextOfCopyData(*data)) ? 1 : 0;
         return result != 0;
     }
@@ -142,12 +152,14 @@ bool DialogWnd::DispatchApplication(HWND hwnd, UINT message, WPARAM wParam, LPAR
 }
 
 LRESULT DialogWnd::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (LRESULT result; DispatchApplication(hwnd, message, wParam, lParam, false, result)) return result;
+    if (LRESULT result; DispatchApplication(hwnd, message, wParam, lParam, false, result))
+        return result;
     return BaseWnd::WindowProc(hwnd, message, wParam, lParam);
 }
 
 INT_PTR DialogWnd::DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (LRESULT result; DispatchApplication(hwnd, message, wParam, lParam, true, result)) return result;
+    if (LRESULT result; DispatchApplication(hwnd, message, wParam, lParam, true, result))
+        return result;
     return BaseWnd::DialogProc(hwnd, message, wParam, lParam);
 }
 
@@ -157,7 +169,9 @@ void DialogWnd::OnScreenReset() {}
 void DialogWnd::OnDialogReady() {}
 void DialogWnd::OnStoreChanged(const StoreChange&) {}
 void DialogWnd::OnItemNotification(const PimNotification&) {}
-bool DialogWnd::OnCommandText(const std::u16string&) { return false; }
+bool DialogWnd::OnCommandText(const std::u16string&) {
+    return false;
+}
 
 void DialogWnd::OnCloseAll() {
     if (!modal) {

@@ -72,7 +72,8 @@ private:
     void HandleDeferredCommand(WPARAM wParam, LPARAM lParam);
     // Decodes the program's own messages into the operations above; false
     // for any other message. `result` is what the message returns.
-    bool DispatchApplication(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, bool dialog, LRESULT& result);
+    bool DispatchApplication(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, bool dialog,
+                             LRESULT& result);
     void ApplyFullScreen();
 };
 

@@ -13,14 +13,18 @@ constexpr COLORREF kInsideKey = RGB(255, 124, 128);
 } // namespace
 
 void DrawBitmap(Dc& dc, const Bitmap* bitmap, int x, int y, int width, int height) {
-    if (!bitmap || bitmap->IsNull()) return;
-    if (width == -1) width = bitmap->Width();
-    if (height == -1) height = bitmap->Height();
+    if (!bitmap || bitmap->IsNull())
+        return;
+    if (width == -1)
+        width = bitmap->Width();
+    if (height == -1)
+        height = bitmap->Height();
     dc.BitBlt(x, y, width, height, *bitmap, 0, 0);
 }
 
 void DrawTransparentBitmap(Dc& dc, const Bitmap* bitmap, int x, int y, int width, int height) {
-    if (!bitmap || bitmap->IsNull()) return;
+    if (!bitmap || bitmap->IsNull())
+        return;
     if (width == -1 && height == -1) {
         width = bitmap->Width();
         height = bitmap->Height();
@@ -30,9 +34,11 @@ void DrawTransparentBitmap(Dc& dc, const Bitmap* bitmap, int x, int y, int width
 
 void DrawTransparentIcon(Dc& dc, const Bitmap* icon, int x, int y, int width, int height, int sourceWidth,
                          int sourceHeight) {
-    if (!icon || icon->IsNull() || sourceWidth <= 0 || sourceHeight <= 0) return;
+    if (!icon || icon->IsNull() || sourceWidth <= 0 || sourceHeight <= 0)
+        return;
     Surface16 surface;
-    if (!surface.Create(sourceWidth, sourceHeight)) return;
+    if (!surface.Create(sourceWidth, sourceHeight))
+        return;
     surface.GetDc().FillSolidRect(0, 0, sourceWidth, sourceHeight, kKeyColor);
     surface.GetDc().DrawIcon(0, 0, *icon);
     // The key as the 16-bit surface stores it, which is not exactly RGB(0,128,128).
@@ -41,12 +47,15 @@ void DrawTransparentIcon(Dc& dc, const Bitmap* icon, int x, int y, int width, in
 }
 
 void DrawShaded(Dc& dc, int x, int y, int width, int height, const Surface16& source) {
-    if (!source.IsValid()) return;
-    dc.AlphaBlend(x, y, width, height, source.GetBitmap(), 0, 0, source.Width(), source.Height(), kShadeAlpha);
+    if (!source.IsValid())
+        return;
+    dc.AlphaBlend(x, y, width, height, source.GetBitmap(), 0, 0, source.Width(), source.Height(),
+                  kShadeAlpha);
 }
 
 void DrawGradient(Dc& dc, const RECT& rect, COLORREF bottomColor, COLORREF topColor, int offset) {
-    if (rect.IsEmpty()) return;
+    if (rect.IsEmpty())
+        return;
     int middle = rect.top + rect.Height() / 2 + offset;
     middle = std::max(rect.top, std::min(rect.bottom, middle));
     dc.GradientFillVertical(RECT{rect.left, rect.top, rect.right, middle}, topColor, bottomColor);
@@ -55,7 +64,8 @@ void DrawGradient(Dc& dc, const RECT& rect, COLORREF bottomColor, COLORREF topCo
 
 void DrawRoundGradient(Dc& dc, const RECT& rect, int cornerRadius, COLORREF edgeColor, COLORREF middleColor) {
     const int width = rect.Width(), height = rect.Height();
-    if (width <= 0 || height <= 0) return;
+    if (width <= 0 || height <= 0)
+        return;
     // Work picture 1: the gradient; work picture 2: the rounded shape in the
     // inside key on the outside key. Where the shape is outside, the
     // gradient pixel becomes the key colour and so a hole.
@@ -72,15 +82,17 @@ void DrawRoundGradient(Dc& dc, const RECT& rect, int cornerRadius, COLORREF edge
     }
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
-            if (mask.GetPixel(x, y) != kInsideKey) gradient.SetPixel(x, y, kKeyColor);
+            if (mask.GetPixel(x, y) != kInsideKey)
+                gradient.SetPixel(x, y, kKeyColor);
     dc.TransparentImage(rect.left, rect.top, width, height, gradient, 0, 0, width, height, kKeyColor);
 }
 
 Bitmap CopyBitmap(const Bitmap* bitmap, const Dc& dc) {
-    if (!bitmap || bitmap->IsNull()) return Bitmap();
-    const Bitmap::Format format =
-        dc.Target().IsNull() ? Bitmap::Format::Rgb : dc.Target().GetFormat();
-    Bitmap copy(bitmap->Width(), bitmap->Height(), format == Bitmap::Format::Rgb565 ? format : bitmap->GetFormat());
+    if (!bitmap || bitmap->IsNull())
+        return Bitmap();
+    const Bitmap::Format format = dc.Target().IsNull() ? Bitmap::Format::Rgb : dc.Target().GetFormat();
+    Bitmap copy(bitmap->Width(), bitmap->Height(),
+                format == Bitmap::Format::Rgb565 ? format : bitmap->GetFormat());
     Dc target(copy);
     target.BitBlt(0, 0, bitmap->Width(), bitmap->Height(), *bitmap, 0, 0);
     return copy;

@@ -24,16 +24,20 @@ Font::Font(const LOGFONT& logFont) : logFont_(logFont) {
         pixelSize_ = static_cast<int>(std::min<long long>(-height, kMaxPixelSize));
     else if (height > 0)
         pixelSize_ = static_cast<int>(std::min(height * kCellToCharHeight + 0.5, double{kMaxPixelSize}));
-    if (pixelSize_ <= 0) pixelSize_ = kDefaultPixelSize;
+    if (pixelSize_ <= 0)
+        pixelSize_ = kDefaultPixelSize;
     description_ = pango_font_description_new();
     const std::string face = logFont.lfFaceName.empty() ? "Sans" : Utf16ToUtf8(logFont.lfFaceName);
     pango_font_description_set_family(description_, face.c_str());
     pango_font_description_set_absolute_size(description_, pixelSize_ * PANGO_SCALE);
-    pango_font_description_set_weight(description_, static_cast<PangoWeight>(logFont.lfWeight > 0 ? logFont.lfWeight
-                                                                                                 : FW_NORMAL));
-    pango_font_description_set_style(description_, logFont.lfItalic ? PANGO_STYLE_ITALIC : PANGO_STYLE_NORMAL);
+    pango_font_description_set_weight(
+        description_, static_cast<PangoWeight>(logFont.lfWeight > 0 ? logFont.lfWeight : FW_NORMAL));
+    pango_font_description_set_style(description_,
+                                     logFont.lfItalic ? PANGO_STYLE_ITALIC : PANGO_STYLE_NORMAL);
 }
 
-Font::~Font() { pango_font_description_free(description_); }
+Font::~Font() {
+    pango_font_description_free(description_);
+}
 
 } // namespace mirodate

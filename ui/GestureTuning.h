@@ -8,15 +8,15 @@ namespace mirodate {
 
 struct GestureTuning {
     int kineticEnabled = 1;
-    int dragThreshold = 16;    // a single vertical move above this starts a drag
-    int dragJitter = 6;        // while dragging, moves of this size or less are ignored
-    int swipeThreshold = 80;   // |dx| above this (and above |dy|) is a horizontal swipe
+    int dragThreshold = 16;       // a single vertical move above this starts a drag
+    int dragJitter = 6;           // while dragging, moves of this size or less are ignored
+    int swipeThreshold = 80;      // |dx| above this (and above |dy|) is a horizontal swipe
     double flingMinVelocity = 10; // smallest release velocity that flings; also "still moving"
     UINT bounceDuration = 300;
     UINT revealDuration = 400;
     UINT revealFastDuration = 50;
     UINT longTapDelay = 700;
-    UINT stillTime = 100;      // a finger still for longer than this before lifting gives no fling
+    UINT stillTime = 100; // a finger still for longer than this before lifting gives no fling
     UINT flingTick = 25;
     double friction = 2.0 / 15.0; // share of the velocity lost per fling tick
     double flingStop = 1.0;

@@ -19,10 +19,10 @@ namespace mirodate {
 struct ScriptAction {
     enum class Kind { Input, Wait, Screenshot, Quit };
     Kind kind = Kind::Input;
-    DisplayEvent event;         // Input
+    DisplayEvent event;             // Input
     std::uint32_t milliseconds = 0; // Wait
-    std::string path;           // Screenshot
-    int line = 0;               // where it came from, for messages
+    std::string path;               // Screenshot
+    int line = 0;                   // where it came from, for messages
 };
 
 class HeadlessScript {

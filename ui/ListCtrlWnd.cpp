@@ -34,9 +34,11 @@ HWND ListCtrlWnd::Create(HWND parent, int x, int y, int width, int height, int r
 
 void ListCtrlWnd::SetRows(std::vector<ListRow> rows) {
     rows_ = std::move(rows);
-    if (selected_ >= Count()) selected_ = -1;
+    if (selected_ >= Count())
+        selected_ = -1;
     scrollTop_ = std::clamp(scrollTop_, 0, MaxScroll());
-    if (window) InvalidateRect(window, nullptr, false);
+    if (window)
+        InvalidateRect(window, nullptr, false);
 }
 
 const ListRow* ListCtrlWnd::Row(int index) const {
@@ -46,12 +48,14 @@ const ListRow* ListCtrlWnd::Row(int index) const {
 void ListCtrlWnd::SetHeader(const std::u16string& text, const Font* font) {
     header_ = text;
     headerFont_ = font;
-    if (window) InvalidateRect(window, nullptr, false);
+    if (window)
+        InvalidateRect(window, nullptr, false);
 }
 
 void ListCtrlWnd::SetColors(const ListColors& colors) {
     colors_ = colors;
-    if (window) InvalidateRect(window, nullptr, false);
+    if (window)
+        InvalidateRect(window, nullptr, false);
 }
 
 void ListCtrlWnd::SetIconStrip(const Bitmap* strip, int size) {
@@ -66,7 +70,8 @@ int ListCtrlWnd::VisibleRows() const {
 }
 
 int ListCtrlWnd::MaxScroll() const {
-    if (!window) return 0;
+    if (!window)
+        return 0;
     RECT client;
     GetClientRect(window, &client);
     return std::max(0, ContentHeight() - client.bottom);
@@ -79,28 +84,35 @@ void ListCtrlWnd::SetSelected(int index) {
         RECT client;
         GetClientRect(window, &client);
         const int top = (selected_ + 1) * rowHeight_;
-        if (top < scrollTop_) scrollTop_ = top;
-        if (top + rowHeight_ > scrollTop_ + client.bottom) scrollTop_ = top + rowHeight_ - client.bottom;
+        if (top < scrollTop_)
+            scrollTop_ = top;
+        if (top + rowHeight_ > scrollTop_ + client.bottom)
+            scrollTop_ = top + rowHeight_ - client.bottom;
         scrollTop_ = std::clamp(scrollTop_, 0, MaxScroll());
     }
-    if (window) Redraw(false);
+    if (window)
+        Redraw(false);
 }
 
 void ListCtrlWnd::SetFirstVisibleRow(int row) {
     scrollTop_ = std::clamp(row * rowHeight_, 0, MaxScroll());
-    if (window) Redraw(false);
+    if (window)
+        Redraw(false);
 }
 
 int ListCtrlWnd::RowAt(int y) const {
     const int row = (y + scrollTop_) / rowHeight_;
-    if (y + scrollTop_ < 0 || row < 1 || row > Count()) return -1;
+    if (y + scrollTop_ < 0 || row < 1 || row > Count())
+        return -1;
     return row - 1;
 }
 
 void ListCtrlWnd::SetMenuOpen(bool open) {
     menuOpen_ = open;
-    if (open) SetCapture(window);
-    else if (GetCapture() == window) ReleaseCapture();
+    if (open)
+        SetCapture(window);
+    else if (GetCapture() == window)
+        ReleaseCapture();
 }
 
 void ListCtrlWnd::ClosePopup() {
@@ -111,7 +123,8 @@ void ListCtrlWnd::ClosePopup() {
 // ---- painting --------------------------------------------------------------
 
 void ListCtrlWnd::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     RECT client;
     GetClientRect(window, &client);
     dc->FillRect(client, colors_.background);
@@ -119,7 +132,8 @@ void ListCtrlWnd::OnPaint(HDC dc) {
     const int first = scrollTop_ / rowHeight_;
     for (int row = first; row <= Count(); ++row) {
         const int top = row * rowHeight_ - scrollTop_;
-        if (top >= client.bottom) break;
+        if (top >= client.bottom)
+            break;
         const RECT rect{0, top, client.right, top + rowHeight_};
         const int index = row - 1;
         const bool selected = index >= 0 && index == selected_;
@@ -128,7 +142,8 @@ void ListCtrlWnd::OnPaint(HDC dc) {
         else
             DrawGradient(*dc, rect, colors_.backgroundGradient, colors_.background, 0);
         COLORREF color = selected ? colors_.textSelected : colors_.text;
-        if (index >= 0 && !rows_[index].enabled) color = colors_.textDisabled;
+        if (index >= 0 && !rows_[index].enabled)
+            color = colors_.textDisabled;
         int textLeft = Scale(kTextInset);
         if (row == 0) {
             dc->SelectFont(headerFont_);
@@ -137,11 +152,12 @@ void ListCtrlWnd::OnPaint(HDC dc) {
             const ListRow& item = rows_[index];
             if (item.icon >= 0 && iconStrip_ && iconSize_ > 0 &&
                 (item.icon + 1) * iconSize_ <= iconStrip_->Width()) {
-                dc->TransparentImage(textLeft, top + (rowHeight_ - iconSize_) / 2, iconSize_, iconSize_, *iconStrip_,
-                                     item.icon * iconSize_, 0, iconSize_, iconSize_, kKeyColor);
+                dc->TransparentImage(textLeft, top + (rowHeight_ - iconSize_) / 2, iconSize_, iconSize_,
+                                     *iconStrip_, item.icon * iconSize_, 0, iconSize_, iconSize_, kKeyColor);
                 textLeft += iconSize_ + Scale(kTextInset);
             }
-            if (item.checked) DrawCheck(*dc, rect, color);
+            if (item.checked)
+                DrawCheck(*dc, rect, color);
             else if (item.mark == ListRow::kMarkAscending || item.mark == ListRow::kMarkDescending)
                 DrawSortMark(*dc, rect, color, item.mark == ListRow::kMarkDescending);
         }
@@ -174,24 +190,29 @@ void ListCtrlWnd::DrawSortMark(Dc& dc, const RECT& row, COLORREF color, bool des
 // ---- input -----------------------------------------------------------------
 
 LRESULT ListCtrlWnd::OnPointerDown(int button, int x, int y, WPARAM) {
-    if (button != 0) return 0;
+    if (button != 0)
+        return 0;
     RECT client;
     GetClientRect(window, &client);
     if (!client.Contains(x, y)) {
-        if (menuOpen_) ClosePopup();
+        if (menuOpen_)
+            ClosePopup();
         return 0;
     }
     tracking_ = true;
     dragged_ = false;
     pressY_ = y;
     pressScroll_ = scrollTop_;
-    if (!menuOpen_) SetCapture(window);
+    if (!menuOpen_)
+        SetCapture(window);
     return 0;
 }
 
 void ListCtrlWnd::OnPointerMove(int, int y, WPARAM) {
-    if (!tracking_) return;
-    if (!dragged_ && std::abs(y - pressY_) <= Scale(kDragStart)) return;
+    if (!tracking_)
+        return;
+    if (!dragged_ && std::abs(y - pressY_) <= Scale(kDragStart))
+        return;
     dragged_ = true;
     const int top = std::clamp(pressScroll_ - (y - pressY_), 0, MaxScroll());
     if (top != scrollTop_) {
@@ -201,23 +222,29 @@ void ListCtrlWnd::OnPointerMove(int, int y, WPARAM) {
 }
 
 LRESULT ListCtrlWnd::OnPointerUp(int button, int x, int y, WPARAM) {
-    if (button != 0 || !tracking_) return 0;
+    if (button != 0 || !tracking_)
+        return 0;
     tracking_ = false;
-    if (!menuOpen_ && GetCapture() == window) ReleaseCapture();
+    if (!menuOpen_ && GetCapture() == window)
+        ReleaseCapture();
     RECT client;
     GetClientRect(window, &client);
-    if (dragged_ || !client.Contains(x, y)) return 0;
+    if (dragged_ || !client.Contains(x, y))
+        return 0;
     const int index = RowAt(y);
-    if (index < 0 || !rows_[index].enabled) return 0;
+    if (index < 0 || !rows_[index].enabled)
+        return 0;
     SetSelected(index);
     NotifyParent(NM_LIST_ROW_CHOSEN);
     return 0;
 }
 
 void ListCtrlWnd::OnCaptureChanged(HWND newCapture) {
-    if (newCapture == window) return;
+    if (newCapture == window)
+        return;
     tracking_ = false;
-    if (menuOpen_) ClosePopup();
+    if (menuOpen_)
+        ClosePopup();
 }
 
 void ListCtrlWnd::OnKeyDown(UINT key, UINT flags) {

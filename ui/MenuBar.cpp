@@ -16,7 +16,8 @@ struct StripCache {
 
 SkinPictureRef CurrentStripPicture() {
     const SkinPictureRef& skin = SkinStyles::Current().menuBar.icons;
-    if (skin) return skin;
+    if (skin)
+        return skin;
     return MenuBarIcons::Builtin(IsHighResolution());
 }
 } // namespace
@@ -54,7 +55,8 @@ bool MenuBar::Create(HWND parent, const std::vector<MenuBarEntry>& entries, int 
         button->SetLongPress(entries_[i].longPress);
         if (picture && !strip.IsNull()) {
             const RECT source = MenuBarIcons::IconRect(*picture, entries_[i].icon);
-            if (!source.IsEmpty()) button->SetIcon(&strip, source, source.Width(), source.Height());
+            if (!source.IsEmpty())
+                button->SetIcon(&strip, source, source.Width(), source.Height());
         }
         buttons_.push_back(std::move(button));
     }
@@ -64,7 +66,8 @@ bool MenuBar::Create(HWND parent, const std::vector<MenuBarEntry>& entries, int 
 
 void MenuBar::MoveTo(int x, int y, int width, int height) {
     height_ = height;
-    if (buttons_.empty()) return;
+    if (buttons_.empty())
+        return;
     const int count = static_cast<int>(buttons_.size());
     const int each = width / count;
     for (int i = 0; i < count; ++i) {
@@ -75,7 +78,8 @@ void MenuBar::MoveTo(int x, int y, int width, int height) {
 }
 
 void MenuBar::Relabel() {
-    for (size_t i = 0; i < buttons_.size(); ++i) buttons_[i]->SetLabel(Lang(entries_[i].langKey));
+    for (size_t i = 0; i < buttons_.size(); ++i)
+        buttons_[i]->SetLabel(Lang(entries_[i].langKey));
 }
 
 ButtonWnd* MenuBar::Button(int index) const {
@@ -84,7 +88,8 @@ ButtonWnd* MenuBar::Button(int index) const {
 
 int MenuBar::IndexOf(HWND button) const {
     for (int i = 0; i < Count(); ++i)
-        if (buttons_[i]->GetHwnd() == button) return i;
+        if (buttons_[i]->GetHwnd() == button)
+            return i;
     return -1;
 }
 

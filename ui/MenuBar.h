@@ -28,7 +28,8 @@ public:
 
     // One button per entry, left to right, sharing `width` (the last one
     // takes what the division leaves). A height of 0 takes the skin's.
-    bool Create(HWND parent, const std::vector<MenuBarEntry>& entries, int x, int y, int width, int height = 0);
+    bool Create(HWND parent, const std::vector<MenuBarEntry>& entries, int x, int y, int width,
+                int height = 0);
     // Places the bar again (screen rotation).
     void MoveTo(int x, int y, int width, int height);
     // Reads the captions again from the language table.

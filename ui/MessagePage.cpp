@@ -24,8 +24,10 @@ constexpr size_t kMaxText = 4000;
 
 MessagePage::MessagePage(std::u16string text, std::vector<std::u16string> buttons)
     : text_(std::move(text)), labels_(std::move(buttons)) {
-    if (text_.size() > kMaxText) text_.resize(kMaxText);
-    if (labels_.empty()) labels_.push_back(Lang("OK"));
+    if (text_.size() > kMaxText)
+        text_.resize(kMaxText);
+    if (labels_.empty())
+        labels_.push_back(Lang("OK"));
 }
 
 MessagePage::~MessagePage() = default;
@@ -36,7 +38,8 @@ int MessagePage::Ask(HWND owner, const std::u16string& text, std::vector<std::u1
     const INT_PTR result = page.DoModal(owner);
     const int count = static_cast<int>(page.labels_.size());
     // Closed without a choice: the last button, which cancels.
-    if (result < 1 || result > count) return count;
+    if (result < 1 || result > count)
+        return count;
     return static_cast<int>(result);
 }
 
@@ -48,7 +51,9 @@ int MessagePage::AllSingleCancel(HWND owner, const std::u16string& text) {
     return Ask(owner, text, {Lang("All"), Lang("Single"), Lang("Cancel")});
 }
 
-void MessagePage::Tell(HWND owner, const std::u16string& text) { Ask(owner, text, {Lang("OK")}); }
+void MessagePage::Tell(HWND owner, const std::u16string& text) {
+    Ask(owner, text, {Lang("OK")});
+}
 
 void MessagePage::SetOpenObserver(std::function<void(MessagePage&)> observer) {
     OpenObserver() = std::move(observer);
@@ -95,22 +100,26 @@ BOOL MessagePage::OnInitDialog() {
 }
 
 void MessagePage::OnDialogReady() {
-    if (OpenObserver()) OpenObserver()(*this);
+    if (OpenObserver())
+        OpenObserver()(*this);
 }
 
 RECT MessagePage::ButtonScreenRect(int index) const {
     RECT rect{};
-    if (index < 0 || index >= static_cast<int>(buttons_.size())) return rect;
+    if (index < 0 || index >= static_cast<int>(buttons_.size()))
+        return rect;
     GetWindowRect(buttons_[static_cast<size_t>(index)]->GetHwnd(), &rect);
     return rect;
 }
 
 void MessagePage::Answer(int number) {
-    if (window) EndDialog(window, number);
+    if (window)
+        EndDialog(window, number);
 }
 
 void MessagePage::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     const InputFormsStyle& style = SkinStyles::Current().inputForms;
     RECT client;
     GetClientRect(window, &client);
@@ -126,16 +135,22 @@ void MessagePage::OnPaint(HDC dc) {
 
 void MessagePage::OnCommand(UINT, UINT, HWND control) {
     for (size_t i = 0; i < buttons_.size(); ++i)
-        if (buttons_[i]->GetHwnd() == control) Answer(static_cast<int>(i) + 1);
+        if (buttons_[i]->GetHwnd() == control)
+            Answer(static_cast<int>(i) + 1);
 }
 
 void MessagePage::OnKeyDown(UINT key, UINT) {
     const int count = static_cast<int>(buttons_.size());
-    if (key == VK_RETURN) Answer(1);
-    else if (key == VK_ESCAPE) Answer(count);
-    else if (key >= '1' && key < '1' + static_cast<UINT>(count)) Answer(static_cast<int>(key - '0'));
+    if (key == VK_RETURN)
+        Answer(1);
+    else if (key == VK_ESCAPE)
+        Answer(count);
+    else if (key >= '1' && key < '1' + static_cast<UINT>(count))
+        Answer(static_cast<int>(key - '0'));
 }
 
-void MessagePage::OnClose() { Answer(static_cast<int>(buttons_.size())); }
+void MessagePage::OnClose() {
+    Answer(static_cast<int>(buttons_.size()));
+}
 
 } // namespace mirodate

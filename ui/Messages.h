@@ -58,17 +58,17 @@ constexpr UINT WM_USER = 0x0400;
 constexpr UINT WM_APP = 0x8000;
 
 // The program's own messages.
-constexpr UINT WM_POOM_CREATED_LOCAL = 0x8100;  // wParam item id, lParam folder
+constexpr UINT WM_POOM_CREATED_LOCAL = 0x8100; // wParam item id, lParam folder
 constexpr UINT WM_POOM_DELETED_LOCAL = 0x8101;
 constexpr UINT WM_POOM_CHANGED_LOCAL = 0x8102;
 constexpr UINT WM_POOM_CREATED_REMOTE = 0x8105;
 constexpr UINT WM_POOM_DELETED_REMOTE = 0x8106;
 constexpr UINT WM_POOM_CHANGED_REMOTE = 0x8107;
-constexpr UINT NM_LIST_ROW_CHOSEN = 0x812E;     // notify code: a list row was chosen
-constexpr UINT WM_CLOSE_POPUP = 0x8134;         // close a pop-up
-constexpr UINT NM_LIST_HEADER_TAP = 0x8135;     // notify code: tap in a list's header band
-constexpr UINT WM_DEFERRED_COMMAND = 0x8163;    // wParam command id, lParam object to delete or 0
-constexpr UINT NM_LONG_PRESS = 0x8190;          // notify code: long press
+constexpr UINT NM_LIST_ROW_CHOSEN = 0x812E;  // notify code: a list row was chosen
+constexpr UINT WM_CLOSE_POPUP = 0x8134;      // close a pop-up
+constexpr UINT NM_LIST_HEADER_TAP = 0x8135;  // notify code: tap in a list's header band
+constexpr UINT WM_DEFERRED_COMMAND = 0x8163; // wParam command id, lParam object to delete or 0
+constexpr UINT NM_LONG_PRESS = 0x8190;       // notify code: long press
 // Registered (named) messages take numbers from here upwards.
 constexpr UINT kFirstRegisteredMessage = 0xC000;
 

@@ -39,9 +39,12 @@ void Paint(HWND window, unsigned state) {
     GetClientRect(window, &client);
     const DWORD style = static_cast<DWORD>(GetWindowLongPtr(window, GWL_STYLE));
     UINT itemState = 0;
-    if (state & kPressed) itemState |= ODS_SELECTED;
-    if (GetFocus() == window) itemState |= ODS_FOCUS;
-    if (style & WS_DISABLED) itemState |= ODS_DISABLED;
+    if (state & kPressed)
+        itemState |= ODS_SELECTED;
+    if (GetFocus() == window)
+        itemState |= ODS_FOCUS;
+    if (style & WS_DISABLED)
+        itemState |= ODS_DISABLED;
     const int id = GetDlgCtrlID(window);
     if ((style & 0xF) == BS_OWNERDRAW) {
         DRAWITEMSTRUCT item;
@@ -70,7 +73,9 @@ void Paint(HWND window, unsigned state) {
 LRESULT PushButtonControl::WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     unsigned& state = States()[window];
     switch (message) {
-    case WM_PAINT: Paint(window, state); return 0;
+    case WM_PAINT:
+        Paint(window, state);
+        return 0;
     case WM_LBUTTONDOWN:
     case WM_LBUTTONDBLCLK:
         state |= kPressed | kTracking;
@@ -85,11 +90,13 @@ LRESULT PushButtonControl::WindowProc(HWND window, UINT message, WPARAM wParam, 
                 state |= kPressed;
             else
                 state &= ~kPressed;
-            if (before != state) Redraw(window);
+            if (before != state)
+                Redraw(window);
         }
         return 0;
     case WM_LBUTTONUP: {
-        if (!(state & kTracking)) return 0;
+        if (!(state & kTracking))
+            return 0;
         const bool click = Inside(window, lParam);
         state &= ~(kPressed | kTracking);
         ReleaseCapture();
@@ -107,7 +114,9 @@ LRESULT PushButtonControl::WindowProc(HWND window, UINT message, WPARAM wParam, 
         return 0;
     case WM_SETFOCUS:
     case WM_KILLFOCUS:
-    case WM_ENABLE: Redraw(window); return 0;
+    case WM_ENABLE:
+        Redraw(window);
+        return 0;
     case BM_SETSTATE:
         if (wParam)
             state |= kPressed;
@@ -115,9 +124,13 @@ LRESULT PushButtonControl::WindowProc(HWND window, UINT message, WPARAM wParam, 
             state &= ~kPressed;
         Redraw(window);
         return 0;
-    case BM_GETSTATE: return ((state & kPressed) ? BST_PUSHED : 0) | (GetFocus() == window ? BST_FOCUS : 0);
-    case WM_NCDESTROY: States().erase(window); return 0;
-    default: return DefWindowProc(window, message, wParam, lParam);
+    case BM_GETSTATE:
+        return ((state & kPressed) ? BST_PUSHED : 0) | (GetFocus() == window ? BST_FOCUS : 0);
+    case WM_NCDESTROY:
+        States().erase(window);
+        return 0;
+    default:
+        return DefWindowProc(window, message, wParam, lParam);
     }
 }
 

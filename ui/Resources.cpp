@@ -19,10 +19,18 @@ const Bitmap* Find(const std::map<UINT, Bitmap>& map, UINT id) {
 }
 } // namespace
 
-void Resources::SetBitmap(UINT id, Bitmap bitmap) { Bitmaps()[id] = std::move(bitmap); }
-const Bitmap* Resources::GetBitmap(UINT id) { return Find(Bitmaps(), id); }
-void Resources::SetIcon(UINT id, Bitmap icon) { Icons()[id] = std::move(icon); }
-const Bitmap* Resources::GetIcon(UINT id) { return Find(Icons(), id); }
+void Resources::SetBitmap(UINT id, Bitmap bitmap) {
+    Bitmaps()[id] = std::move(bitmap);
+}
+const Bitmap* Resources::GetBitmap(UINT id) {
+    return Find(Bitmaps(), id);
+}
+void Resources::SetIcon(UINT id, Bitmap icon) {
+    Icons()[id] = std::move(icon);
+}
+const Bitmap* Resources::GetIcon(UINT id) {
+    return Find(Icons(), id);
+}
 void Resources::Clear() {
     Bitmaps().clear();
     Icons().clear();

@@ -16,11 +16,16 @@ constexpr int kDeltaNotRead = -999;
 int g_fontSizeDelta = kDeltaNotRead;
 } // namespace
 
-void SetHighResolution(bool highResolution) { g_highResolution = highResolution; }
-bool IsHighResolution() { return g_highResolution; }
+void SetHighResolution(bool highResolution) {
+    g_highResolution = highResolution;
+}
+bool IsHighResolution() {
+    return g_highResolution;
+}
 
 int Scale(int n) {
-    if (n == 0) return g_highResolution ? 1 : 0;
+    if (n == 0)
+        return g_highResolution ? 1 : 0;
     return g_highResolution ? 2 * n : n;
 }
 
@@ -40,11 +45,13 @@ void DefaultFont(LOGFONT& logFont) {
     logFont.lfWeight = FW_NORMAL;
     logFont.lfFaceName = kSystemFontFace;
     const std::u16string family = Settings::GetFontFamily();
-    if (!family.empty() && family != u"*auto*") logFont.lfFaceName = family;
+    if (!family.empty() && family != u"*auto*")
+        logFont.lfFaceName = family;
 }
 
 int FontSizeDelta() {
-    if (g_fontSizeDelta == kDeltaNotRead) g_fontSizeDelta = Settings::GetFontSizeDelta();
+    if (g_fontSizeDelta == kDeltaNotRead)
+        g_fontSizeDelta = Settings::GetFontSizeDelta();
     return g_fontSizeDelta;
 }
 

@@ -8,7 +8,8 @@
 
 namespace mirodate {
 
-ScriptPlayer::ScriptPlayer(WindowManager& windows, HeadlessDisplay& display, std::vector<ScriptAction> actions)
+ScriptPlayer::ScriptPlayer(WindowManager& windows, HeadlessDisplay& display,
+                           std::vector<ScriptAction> actions)
     : windows_(windows), display_(display), actions_(std::move(actions)) {}
 
 void ScriptPlayer::Attach() {
@@ -34,14 +35,17 @@ void ScriptPlayer::OnIdle(std::optional<std::uint32_t> msUntilNextTimer) {
     while (next_ < actions_.size()) {
         const ScriptAction& action = actions_[next_++];
         switch (action.kind) {
-        case ScriptAction::Kind::Input: display_.Inject(action.event); return;
+        case ScriptAction::Kind::Input:
+            display_.Inject(action.event);
+            return;
         case ScriptAction::Kind::Wait:
             waiting_ = true;
             waitUntil_ = clock.GetTickCount() + action.milliseconds;
             return;
         case ScriptAction::Kind::Screenshot:
             if (!windows_.WriteScreenshot(action.path)) {
-                std::fprintf(stderr, "mirodate: script line %d: cannot write %s\n", action.line, action.path.c_str());
+                std::fprintf(stderr, "mirodate: script line %d: cannot write %s\n", action.line,
+                             action.path.c_str());
                 status_ = 1;
                 finished_ = true;
                 windows_.PostQuitMessage(status_);

@@ -29,8 +29,8 @@ TabColors TabColors::FromSkin() {
 
 HWND TabCtrl::Create(HWND owner_, const RECT& rect) {
     owner = owner_;
-    return BaseWnd::Create(owner_, kTabCtrlClass, WS_CHILD | WS_VISIBLE, u"", rect.left, rect.top, rect.Width(),
-                           rect.Height());
+    return BaseWnd::Create(owner_, kTabCtrlClass, WS_CHILD | WS_VISIBLE, u"", rect.left, rect.top,
+                           rect.Width(), rect.Height());
 }
 
 void TabCtrl::AddTab(const std::u16string& label) {
@@ -51,15 +51,18 @@ void TabCtrl::SetColors(const TabColors& colors) {
 
 void TabCtrl::Invalidate() {
     surfaceValid_ = false;
-    if (window && IsWindow(window)) Redraw(false);
+    if (window && IsWindow(window))
+        Redraw(false);
 }
 
 void TabCtrl::LayoutTabs() {
-    if (tabs.empty() || !window) return;
+    if (tabs.empty() || !window)
+        return;
     RECT client;
     GetClientRect(window, &client);
     const int width = client.right / TabCount();
-    for (int i = 0; i < TabCount(); ++i) tabs[i].rect = RECT{i * width, 0, (i + 1) * width, client.bottom};
+    for (int i = 0; i < TabCount(); ++i)
+        tabs[i].rect = RECT{i * width, 0, (i + 1) * width, client.bottom};
 }
 
 void TabCtrl::OnSize(UINT, UINT) {
@@ -68,16 +71,19 @@ void TabCtrl::OnSize(UINT, UINT) {
 }
 
 void TabCtrl::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     RECT client;
     GetClientRect(window, &client);
-    const bool sized = surface_.IsValid() && surface_.Width() == client.right && surface_.Height() == client.bottom;
+    const bool sized =
+        surface_.IsValid() && surface_.Width() == client.right && surface_.Height() == client.bottom;
     if (sized && surfaceValid_) {
         dc->BitBlt(0, 0, client.right, client.bottom, surface_.GetBitmap(), 0, 0);
         return;
     }
     if (!sized) {
-        if (!surface_.Create(client.right, client.bottom)) return;
+        if (!surface_.Create(client.right, client.bottom))
+            return;
         LayoutTabs();
     }
     Dc& out = surface_.GetDc();
@@ -110,11 +116,14 @@ void TabCtrl::OnPaint(HDC dc) {
 }
 
 LRESULT TabCtrl::OnPointerDown(int button, int x, int y, WPARAM) {
-    if (button != 0) return 0;
+    if (button != 0)
+        return 0;
     int hit = -1;
     for (int i = 0; i < TabCount(); ++i)
-        if (tabs[i].rect.Contains(x, y)) hit = i;
-    if (hit == selectedTab) return 0;
+        if (tabs[i].rect.Contains(x, y))
+            hit = i;
+    if (hit == selectedTab)
+        return 0;
     // A press beside every tab clears the selection, and the parent hears of it too.
     selectedTab = hit;
     Invalidate();

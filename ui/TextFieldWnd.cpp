@@ -338,7 +338,8 @@ void TextFieldWnd::OnKeyDown(UINT key, UINT) {
     case VK_ESCAPE:
         // A field has nothing to cancel itself: Escape is the page's, which
         // closes or goes back, also while the caret is in one of its fields.
-        if (HWND parent = GetParent(window)) SendMessage(parent, WM_KEYDOWN, key, 0);
+        if (HWND parent = GetParent(window))
+            SendMessage(parent, WM_KEYDOWN, key, 0);
         return;
     case VK_LEFT:
         if (buffer_.HasSelection() && !shift)

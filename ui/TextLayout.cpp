@@ -43,8 +43,10 @@ TextLayout::TextLayout(const std::u16string& text, const Font& font, int width, 
     const LOGFONT& logFont = font.GetLogFont();
     if (logFont.lfUnderline || logFont.lfStrikeOut) {
         PangoAttrList* attrs = pango_attr_list_new();
-        if (logFont.lfUnderline) pango_attr_list_insert(attrs, pango_attr_underline_new(PANGO_UNDERLINE_SINGLE));
-        if (logFont.lfStrikeOut) pango_attr_list_insert(attrs, pango_attr_strikethrough_new(TRUE));
+        if (logFont.lfUnderline)
+            pango_attr_list_insert(attrs, pango_attr_underline_new(PANGO_UNDERLINE_SINGLE));
+        if (logFont.lfStrikeOut)
+            pango_attr_list_insert(attrs, pango_attr_strikethrough_new(TRUE));
         pango_layout_set_attributes(layout_, attrs);
         pango_attr_list_unref(attrs);
     }
@@ -55,7 +57,8 @@ TextLayout::TextLayout(const std::u16string& text, const Font& font, int width, 
         else
             pango_layout_set_ellipsize(layout_, PANGO_ELLIPSIZE_END);
     }
-    if (!wrap) pango_layout_set_single_paragraph_mode(layout_, TRUE);
+    if (!wrap)
+        pango_layout_set_single_paragraph_mode(layout_, TRUE);
     PangoRectangle logical;
     pango_layout_get_pixel_extents(layout_, nullptr, &logical);
     width_ = logical.width;
@@ -64,7 +67,8 @@ TextLayout::TextLayout(const std::u16string& text, const Font& font, int width, 
 }
 
 TextLayout::~TextLayout() {
-    if (layout_) g_object_unref(layout_);
+    if (layout_)
+        g_object_unref(layout_);
 }
 
 TextLayout::TextLayout(TextLayout&& other) noexcept
@@ -73,7 +77,8 @@ TextLayout::TextLayout(TextLayout&& other) noexcept
 
 TextLayout& TextLayout::operator=(TextLayout&& other) noexcept {
     if (this != &other) {
-        if (layout_) g_object_unref(layout_);
+        if (layout_)
+            g_object_unref(layout_);
         layout_ = std::exchange(other.layout_, nullptr);
         width_ = other.width_;
         height_ = other.height_;
@@ -83,7 +88,8 @@ TextLayout& TextLayout::operator=(TextLayout&& other) noexcept {
 }
 
 void TextLayout::Draw(Dc& dc, int x, int y, COLORREF color) const {
-    if (!layout_) return;
+    if (!layout_)
+        return;
     cairo_t* cr = dc.Cairo();
     cairo_save(cr);
     cairo_set_source_rgb(cr, GetRValue(color) / 255.0, GetGValue(color) / 255.0, GetBValue(color) / 255.0);

@@ -27,7 +27,8 @@ HWND TooltipWnd::Create(HWND button_, const Font* font_) {
 }
 
 void TooltipWnd::Show(const std::u16string& text) {
-    if (!window || !IsWindow(button)) return;
+    if (!window || !IsWindow(button))
+        return;
     text_ = text;
     Bitmap scratch(1, 1);
     Dc measure(scratch);
@@ -57,11 +58,13 @@ void TooltipWnd::Show(const std::u16string& text) {
 }
 
 void TooltipWnd::Hide() {
-    if (window && IsWindowVisible(window)) ShowWindow(window, SW_HIDE);
+    if (window && IsWindowVisible(window))
+        ShowWindow(window, SW_HIDE);
 }
 
 void TooltipWnd::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     RECT client;
     GetClientRect(window, &client);
     const int w = client.right, h = client.bottom;
@@ -73,8 +76,8 @@ void TooltipWnd::OnPaint(HDC dc) {
     const int tip = Scale(kTipHeight);
     const int body = h - 1 - tip;
     const int point = w / 2 + tipOffset;
-    const std::vector<POINT> balloon{{0, 0},         {w - 1, 0},         {w - 1, body},    {point + tip, body},
-                                     {point, h - 1}, {point - tip, body}, {0, body},       {0, 0}};
+    const std::vector<POINT> balloon{{0, 0},         {w - 1, 0},          {w - 1, body}, {point + tip, body},
+                                     {point, h - 1}, {point - tip, body}, {0, body},     {0, 0}};
     dc->Polygon(balloon, kBalloonFill, kBalloonOutline);
 
     dc->SelectFont(font);

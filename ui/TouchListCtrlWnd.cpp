@@ -39,7 +39,8 @@ TouchListCtrlWnd::~TouchListCtrlWnd() {
     // The window goes first, so that no message reaches a half-destroyed list;
     // a list that is going away closes no pop-up.
     popupBody_ = false;
-    if (window && IsWindow(window)) DestroyWindow(window);
+    if (window && IsWindow(window))
+        DestroyWindow(window);
     window = nullptr;
 }
 
@@ -50,9 +51,11 @@ HWND TouchListCtrlWnd::Create(HWND parent, int x, int y, int width, int height, 
     headerTaps_ = headerTaps;
     withBorder_ = withBorder;
     DWORD style = WS_CHILD | WS_VISIBLE;
-    if (withBorder) style |= WS_BORDER;
+    if (withBorder)
+        style |= WS_BORDER;
     BaseWnd::Create(parent, kTouchListCtrlClass, style, u"", x, y, width, height);
-    if (!window) return nullptr;
+    if (!window)
+        return nullptr;
     scroller_ = std::make_unique<TouchScroller>(window, *this, 1);
     scroller_->SetStripWidth(Scale(kStripWidth));
     UpdateViewport();
@@ -60,7 +63,8 @@ HWND TouchListCtrlWnd::Create(HWND parent, int x, int y, int width, int height, 
 }
 
 void TouchListCtrlWnd::UpdateViewport() {
-    if (!scroller_) return;
+    if (!scroller_)
+        return;
     RECT client;
     GetClientRect(window, &client);
     const int inset = withBorder_ ? 1 : 0;
@@ -85,15 +89,19 @@ void TouchListCtrlWnd::SetHeaderText(const std::u16string& text) {
 
 void TouchListCtrlWnd::SetHeaderFont(const Font* font) {
     customHeaderFont_ = font;
-    if (window) InvalidateRect(window, nullptr, false);
+    if (window)
+        InvalidateRect(window, nullptr, false);
 }
 
 void TouchListCtrlWnd::SetColors(const TouchListColors& colors) {
     colors_ = colors;
-    if (window) InvalidateRect(window, nullptr, false);
+    if (window)
+        InvalidateRect(window, nullptr, false);
 }
 
-void TouchListCtrlWnd::SetPopupBody(bool popup) { popupBody_ = popup; }
+void TouchListCtrlWnd::SetPopupBody(bool popup) {
+    popupBody_ = popup;
+}
 
 // ---- items -----------------------------------------------------------------
 
@@ -131,11 +139,13 @@ void TouchListCtrlWnd::OnLongTap(int) {}
 void TouchListCtrlWnd::OnScrolled(int, int) {}
 
 void TouchListCtrlWnd::InvalidateViewport() {
-    if (window && scroller_) InvalidateRect(window, &scroller_->Viewport(), false);
+    if (window && scroller_)
+        InvalidateRect(window, &scroller_->Viewport(), false);
 }
 
 void TouchListCtrlWnd::RefreshViewport() {
-    if (!window || !scroller_) return;
+    if (!window || !scroller_)
+        return;
     const RECT& viewport = scroller_->Viewport();
     InvalidateRect(window, &viewport, false);
     UpdateWindow(window);
@@ -144,7 +154,8 @@ void TouchListCtrlWnd::RefreshViewport() {
 // ---- painting --------------------------------------------------------------
 
 void TouchListCtrlWnd::OnPaint(HDC dc) {
-    if (!dc || !scroller_) return;
+    if (!dc || !scroller_)
+        return;
     RECT client;
     GetClientRect(window, &client);
     const RECT& viewport = scroller_->Viewport();
@@ -160,23 +171,28 @@ void TouchListCtrlWnd::OnPaint(HDC dc) {
     dc->FillRect(viewport, colors_.background);
     const int count = scroller_->Count();
     int index = std::max(0, scroller_->HitTest(0));
-    if (scroller_->Position() < 0) index = 0;
+    if (scroller_->Position() < 0)
+        index = 0;
     for (; index < count; ++index) {
         const int top = viewport.top + scroller_->ItemTop(index);
-        if (top >= viewport.bottom || top >= clipBottom) break;
+        if (top >= viewport.bottom || top >= clipBottom)
+            break;
         TouchListItem* item = scroller_->Item(index);
         const int bottom = top + item->Height();
-        if (bottom <= viewport.top || bottom <= clipTop) continue;
+        if (bottom <= viewport.top || bottom <= clipTop)
+            continue;
         item->Draw(*dc, RECT{viewport.left, top, viewport.right, bottom});
     }
     DrawStrip(*dc);
     cairo_restore(cr);
-    if (withBorder_) dc->FrameRect(client, colors_.border);
+    if (withBorder_)
+        dc->FrameRect(client, colors_.border);
 }
 
 void TouchListCtrlWnd::DrawHeader(Dc& dc, const RECT& rect) {
     dc.FillRect(rect, colors_.headerBackground);
-    if (headerText_.empty()) return;
+    if (headerText_.empty())
+        return;
     if (!headerFont_) {
         LOGFONT lf;
         DefaultFont(lf);
@@ -196,15 +212,17 @@ void TouchListCtrlWnd::DrawStrip(Dc& dc) {
     const RECT& viewport = scroller_->Viewport();
     const int height = viewport.Height() - 2 * Scale(kStripMargin);
     const int total = scroller_->TotalHeight();
-    if (total <= viewport.Height() || height <= 0) return;
-    const int thumb = std::max(Scale(kMinThumbHeight), static_cast<int>(static_cast<long long>(height) *
-                                                                        viewport.Height() / total));
+    if (total <= viewport.Height() || height <= 0)
+        return;
+    const int thumb = std::max(Scale(kMinThumbHeight),
+                               static_cast<int>(static_cast<long long>(height) * viewport.Height() / total));
     const int range = std::max(0, height - thumb);
     const int position = std::clamp(scroller_->Position(), 0, scroller_->MaxPosition());
-    const int top = viewport.top + Scale(kStripMargin) +
-                    (scroller_->MaxPosition() ? static_cast<int>(static_cast<long long>(range) * position /
-                                                                  scroller_->MaxPosition())
-                                              : 0);
+    const int top =
+        viewport.top + Scale(kStripMargin) +
+        (scroller_->MaxPosition()
+             ? static_cast<int>(static_cast<long long>(range) * position / scroller_->MaxPosition())
+             : 0);
     const int right = viewport.right - Scale(kStripMargin) / 2;
     dc.FillSolidRect(right - Scale(kThumbWidth), top, Scale(kThumbWidth), thumb, colors_.strip);
 }
@@ -212,7 +230,8 @@ void TouchListCtrlWnd::DrawStrip(Dc& dc) {
 // ---- input -----------------------------------------------------------------
 
 LRESULT TouchListCtrlWnd::OnPointerDown(int button, int x, int y, WPARAM) {
-    if (button != 0 || !scroller_ || !IsWindowEnabled(window)) return 0;
+    if (button != 0 || !scroller_ || !IsWindowEnabled(window))
+        return 0;
     RECT client;
     GetClientRect(window, &client);
     if (popupBody_ && !client.Contains(x, y)) {
@@ -224,42 +243,53 @@ LRESULT TouchListCtrlWnd::OnPointerDown(int button, int x, int y, WPARAM) {
 }
 
 void TouchListCtrlWnd::OnPointerMove(int x, int y, WPARAM) {
-    if (!scroller_ || !IsWindowEnabled(window)) return;
+    if (!scroller_ || !IsWindowEnabled(window))
+        return;
     scroller_->OnMove(x, y);
 }
 
 LRESULT TouchListCtrlWnd::OnPointerUp(int button, int x, int y, WPARAM) {
-    if (button != 0 || !scroller_) return 0;
+    if (button != 0 || !scroller_)
+        return 0;
     const HWND self = window;
     ownRelease_ = true;
     scroller_->OnRelease(x, y);
-    if (!IsWindow(self)) return 0; // a click closed the page
+    if (!IsWindow(self))
+        return 0; // a click closed the page
     ownRelease_ = false;
-    if (popupBody_ && GetCapture() != window) SetCapture(window);
-    if (scroller_->TakeHeaderTap()) NotifyParent(NM_LIST_HEADER_TAP);
+    if (popupBody_ && GetCapture() != window)
+        SetCapture(window);
+    if (scroller_->TakeHeaderTap())
+        NotifyParent(NM_LIST_HEADER_TAP);
     return 0;
 }
 
 LRESULT TouchListCtrlWnd::OnMouseWheel(UINT, short delta, int, int) {
-    if (!scroller_) return 0;
+    if (!scroller_)
+        return 0;
     scroller_->SetPosition(scroller_->Position() - delta * Scale(kWheelStep) / kWheelNotch);
     return 0;
 }
 
 void TouchListCtrlWnd::OnCaptureChanged(HWND newCapture) {
-    if (!scroller_ || newCapture == window) return;
-    if (ownRelease_) return;
+    if (!scroller_ || newCapture == window)
+        return;
+    if (ownRelease_)
+        return;
     scroller_->OnCaptureLost();
-    if (popupBody_) SendMessage(GetParent(window), WM_CLOSE_POPUP, 0, 0);
+    if (popupBody_)
+        SendMessage(GetParent(window), WM_CLOSE_POPUP, 0, 0);
 }
 
 void TouchListCtrlWnd::OnTimer(UINT_PTR id) {
-    if (scroller_) scroller_->OnTimer(id);
+    if (scroller_)
+        scroller_->OnTimer(id);
 }
 
 void TouchListCtrlWnd::OnSize(UINT, UINT) {
     UpdateViewport();
-    if (window) InvalidateRect(window, nullptr, false);
+    if (window)
+        InvalidateRect(window, nullptr, false);
 }
 
 } // namespace mirodate

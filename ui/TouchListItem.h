@@ -13,10 +13,16 @@ class Dc;
 class TouchListItem {
 public:
     virtual ~TouchListItem() = default;
-    virtual void Highlight(int x, int y) { (void)x, (void)y; highlighted_ = true; }
+    virtual void Highlight(int x, int y) {
+        (void)x, (void)y;
+        highlighted_ = true;
+    }
     virtual void RemoveHighlight() { highlighted_ = false; }
     virtual void Click(HWND list, int x, int y) { (void)list, (void)x, (void)y; }
-    virtual bool AcceptsLongTap(HWND list) { (void)list; return false; }
+    virtual bool AcceptsLongTap(HWND list) {
+        (void)list;
+        return false;
+    }
     // Paints the row into `rect` (the row's place in the list window); the
     // context is clipped to the visible part of the list.
     virtual void Draw(Dc& dc, const RECT& rect) = 0;

@@ -22,7 +22,9 @@ TouchScroller::TouchScroller(HWND window_, TouchScrollerHost& host_, int minRowH
     averageHeight = minRowHeight;
 }
 
-DWORD TouchScroller::Now() const { return GetTickCount(); }
+DWORD TouchScroller::Now() const {
+    return GetTickCount();
+}
 
 // ---- items and layout ------------------------------------------------------
 
@@ -39,15 +41,20 @@ void TouchScroller::Add(std::unique_ptr<TouchListItem> item) {
 void TouchScroller::Insert(int index, std::unique_ptr<TouchListItem> item) {
     index = std::clamp(index, 0, Count());
     items.insert(items.begin() + index, std::move(item));
-    if (highlighted >= index) ++highlighted;
+    if (highlighted >= index)
+        ++highlighted;
     Layout();
 }
 
 void TouchScroller::Remove(int index) {
-    if (index < 0 || index >= Count()) return;
-    if (highlighted == index) highlighted = -1;
-    else if (highlighted > index) --highlighted;
-    if (longTapIndex == index) CancelLongTap();
+    if (index < 0 || index >= Count())
+        return;
+    if (highlighted == index)
+        highlighted = -1;
+    else if (highlighted > index)
+        --highlighted;
+    if (longTapIndex == index)
+        CancelLongTap();
     items.erase(items.begin() + index);
     Layout();
 }
@@ -68,11 +75,13 @@ TouchListItem* TouchScroller::Item(int index) const {
 void TouchScroller::Layout() {
     offsets.resize(items.size() + 1);
     offsets[0] = 0;
-    for (size_t i = 0; i < items.size(); ++i) offsets[i + 1] = offsets[i] + std::max(0, items[i]->Height());
+    for (size_t i = 0; i < items.size(); ++i)
+        offsets[i + 1] = offsets[i] + std::max(0, items[i]->Height());
     totalHeight = offsets.back();
     averageHeight = items.empty() ? minRowHeight : totalHeight / static_cast<int>(items.size());
     maxPosition = std::max(0, totalHeight - viewport.Height());
-    if (!dragging && !flinging && !animating) position = ClampPosition(position);
+    if (!dragging && !flinging && !animating)
+        position = ClampPosition(position);
 }
 
 void TouchScroller::SetViewport(const RECT& rect) {
@@ -80,34 +89,42 @@ void TouchScroller::SetViewport(const RECT& rect) {
     Layout();
 }
 
-int TouchScroller::ClampPosition(int value) const { return std::clamp(value, 0, maxPosition); }
+int TouchScroller::ClampPosition(int value) const {
+    return std::clamp(value, 0, maxPosition);
+}
 
 int TouchScroller::HitTest(int y) const {
     const int content = position + y;
-    if (items.empty() || content < 0 || content >= totalHeight) return -1;
+    if (items.empty() || content < 0 || content >= totalHeight)
+        return -1;
     // offsets is sorted; the item is the last one starting at or above the point.
     auto it = std::upper_bound(offsets.begin(), offsets.end(), content);
     return static_cast<int>(it - offsets.begin()) - 1;
 }
 
 bool TouchScroller::IsVisible(int index) const {
-    if (index < 0 || index >= Count()) return false;
+    if (index < 0 || index >= Count())
+        return false;
     return offsets[index + 1] > position && offsets[index] < position + viewport.Height();
 }
 
 int TouchScroller::ItemTop(int index) const {
-    if (index < 0 || index > Count()) return 0;
+    if (index < 0 || index > Count())
+        return 0;
     return offsets[index] - position;
 }
 
 // ---- animated and direct scrolling -----------------------------------------
 
 void TouchScroller::Reveal(int index, bool fast) {
-    if (index < 0 || index >= Count()) return;
-    const bool whollyVisible = offsets[index] >= position && offsets[index + 1] <= position + viewport.Height();
+    if (index < 0 || index >= Count())
+        return;
+    const bool whollyVisible =
+        offsets[index] >= position && offsets[index + 1] <= position + viewport.Height();
     const int extra = revealOffset;
     revealOffset = 0;
-    if (whollyVisible) return;
+    if (whollyVisible)
+        return;
     const GestureTuning& t = GestureTuning::Current();
     AnimateTo(ClampPosition(offsets[index] + extra), fast ? t.revealFastDuration : t.revealDuration);
 }
@@ -123,7 +140,8 @@ void TouchScroller::AnimateTo(int target, UINT durationMs) {
         animating = false;
         const int old = position;
         position = target;
-        if (old != position) host.OnScrolled(old, position);
+        if (old != position)
+            host.OnScrolled(old, position);
         host.RefreshViewport();
         return;
     }
@@ -158,7 +176,8 @@ void TouchScroller::SetPosition(int newPosition) {
     StopMotion();
     const int old = position;
     position = ClampPosition(newPosition);
-    if (old != position) host.OnScrolled(old, position);
+    if (old != position)
+        host.OnScrolled(old, position);
     host.RefreshViewport();
 }
 
@@ -174,7 +193,8 @@ void TouchScroller::StopMotion() {
 // ---- highlight and long tap ------------------------------------------------
 
 void TouchScroller::SetHighlight(int index, int viewX, int viewY) {
-    if (index == highlighted) return;
+    if (index == highlighted)
+        return;
     ClearHighlight();
     if (TouchListItem* item = Item(index)) {
         highlighted = index;
@@ -183,12 +203,14 @@ void TouchScroller::SetHighlight(int index, int viewX, int viewY) {
 }
 
 void TouchScroller::ClearHighlight() {
-    if (TouchListItem* item = Item(highlighted)) item->RemoveHighlight();
+    if (TouchListItem* item = Item(highlighted))
+        item->RemoveHighlight();
     highlighted = -1;
 }
 
 void TouchScroller::CancelLongTap() {
-    if (longTapPending) KillTimer(window, kLongTapTimer);
+    if (longTapPending)
+        KillTimer(window, kLongTapTimer);
     longTapPending = false;
     longTapIndex = -1;
 }
@@ -260,9 +282,11 @@ void TouchScroller::OnPress(int x, int y) {
 }
 
 void TouchScroller::OnMove(int x, int y) {
-    if (!pressed || swiped || headerPress) return;
+    if (!pressed || swiped || headerPress)
+        return;
     const GestureTuning& t = GestureTuning::Current();
-    if (y > kWrappedY) y -= kWrapBase;
+    if (y > kWrappedY)
+        y -= kWrapBase;
     const int dx = x - lastX;
     int dy = y - lastY;
 
@@ -294,21 +318,26 @@ void TouchScroller::OnMove(int x, int y) {
     const DWORD now = Now();
     moveAccumulator += dy;
     const bool moving = std::abs(moveAccumulator) > t.flingMinVelocity;
-    if (moving) lastMoveTime = now;
-    if (moving || now - lastMoveTime >= kRestingAfter) moveAccumulator = 0;
+    if (moving)
+        lastMoveTime = now;
+    if (moving || now - lastMoveTime >= kRestingAfter)
+        moveAccumulator = 0;
 
     if (std::abs(dy) <= t.dragThreshold && !dragging) {
-        if (gestureUsed) return;
+        if (gestureUsed)
+            return;
         const int viewY = y - viewport.top;
         const int index = HitTest(viewY);
         if (index != highlighted) {
-            if (index != longTapIndex) CancelLongTap();
+            if (index != longTapIndex)
+                CancelLongTap();
             SetHighlight(index, x - viewport.left, viewY);
             host.RefreshViewport();
         }
         return;
     }
-    if (dragging && std::abs(dy) <= t.dragJitter) return;
+    if (dragging && std::abs(dy) <= t.dragJitter)
+        return;
 
     CancelLongTap();
     ClearHighlight();
@@ -322,10 +351,12 @@ void TouchScroller::OnMove(int x, int y) {
 
 void TouchScroller::ScrollBy(int dy) {
     const int wanted = position - dy;
-    if (wanted < 0 || wanted > maxPosition) dy /= 3; // rubber band beyond either end
+    if (wanted < 0 || wanted > maxPosition)
+        dy /= 3; // rubber band beyond either end
     const int old = position;
     position -= dy;
-    if (old != position) host.OnScrolled(old, position);
+    if (old != position)
+        host.OnScrolled(old, position);
 }
 
 void TouchScroller::OnRelease(int x, int y) {
@@ -335,13 +366,17 @@ void TouchScroller::OnRelease(int x, int y) {
         headerTap = headerTaps && y < headerHeight;
         return;
     }
-    if (!pressed) return;
+    if (!pressed)
+        return;
     pressed = false;
-    if (y > kWrappedY) y -= kWrapBase;
+    if (y > kWrappedY)
+        y -= kWrapBase;
     CancelLongTap();
-    if (GetCapture() == window) ReleaseCapture();
+    if (GetCapture() == window)
+        ReleaseCapture();
     const DWORD now = Now();
-    if (now - lastMoveTime > t.stillTime) stillBeforeRelease = true;
+    if (now - lastMoveTime > t.stillTime)
+        stillBeforeRelease = true;
 
     const int viewX = x - viewport.left, viewY = y - viewport.top;
     if (!flinging && !dragging && position >= 0 && position <= maxPosition) {
@@ -351,7 +386,8 @@ void TouchScroller::OnRelease(int x, int y) {
             return;
         }
         const int index = HitTest(viewY);
-        if (index != highlighted) SetHighlight(index, viewX, viewY);
+        if (index != highlighted)
+            SetHighlight(index, viewX, viewY);
         ClearHighlight();
         host.RefreshViewport();
         if (TouchListItem* item = Item(index))
@@ -368,7 +404,8 @@ void TouchScroller::OnRelease(int x, int y) {
     const DWORD elapsed = std::max<DWORD>(1, now - pressTime);
     velocity = (viewY - pressPoint) * t.velocityScale / elapsed + carriedVelocity;
     velocity = std::clamp(velocity, -t.maxVelocity, t.maxVelocity);
-    if (stripDragging) velocity = 0; // the strip moves the content the other way; it never flings
+    if (stripDragging)
+        velocity = 0; // the strip moves the content the other way; it never flings
 
     if (position < 0 || position > maxPosition) {
         dragging = false;
@@ -388,7 +425,8 @@ void TouchScroller::OnRelease(int x, int y) {
 }
 
 void TouchScroller::OnCaptureLost() {
-    if (!pressed || swiped) return;
+    if (!pressed || swiped)
+        return;
     // Someone else took the pointer (a pop-up opened): the press ends here,
     // without a tap and without a fling.
     pressed = false;
@@ -405,15 +443,20 @@ void TouchScroller::EndDrag() {
     dragging = false;
     CancelLongTap();
     ClearHighlight();
-    if (GetCapture() == window) ReleaseCapture();
+    if (GetCapture() == window)
+        ReleaseCapture();
 }
 
 // ---- timers ----------------------------------------------------------------
 
 bool TouchScroller::OnTimer(UINT_PTR id) {
     switch (id) {
-    case kFlingTimer: FlingTick(); return true;
-    case kAnimationTimer: AnimationTick(); return true;
+    case kFlingTimer:
+        FlingTick();
+        return true;
+    case kAnimationTimer:
+        AnimationTick();
+        return true;
     case kLongTapTimer: {
         const int index = longTapIndex;
         CancelLongTap();
@@ -425,7 +468,8 @@ bool TouchScroller::OnTimer(UINT_PTR id) {
         }
         return true;
     }
-    default: return false;
+    default:
+        return false;
     }
 }
 
@@ -444,7 +488,8 @@ void TouchScroller::FlingTick() {
     const double step = velocity + flingRemainder;
     const int whole = static_cast<int>(step);
     flingRemainder = step - whole;
-    if (whole == 0) return;
+    if (whole == 0)
+        return;
     ScrollBy(whole);
     if (position < 0 || position > maxPosition) {
         // The fling ran into an end: it springs back from there.

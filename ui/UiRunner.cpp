@@ -50,18 +50,22 @@ bool UiRunner::Prepare(std::string& error, int& exitStatus) {
 }
 
 void UiRunner::Post(std::function<void()> task) {
-    if (windows_) windows_->PostTask(std::move(task));
+    if (windows_)
+        windows_->PostTask(std::move(task));
 }
 
 void UiRunner::RequestClose() {
     Post([this] {
-        if (HWND main = windows_->FindWindow(kMainWndClass, nullptr)) windows_->PostMessage(main, WM_CLOSE, 0, 0);
-        else windows_->PostQuitMessage(0);
+        if (HWND main = windows_->FindWindow(kMainWndClass, nullptr))
+            windows_->PostMessage(main, WM_CLOSE, 0, 0);
+        else
+            windows_->PostQuitMessage(0);
     });
 }
 
 int UiRunner::Run(std::function<bool()> stop) {
-    if (!windows_) return 1;
+    if (!windows_)
+        return 1;
     windows_->SetStopCheck(std::move(stop));
     if (options_.createMainWindow) {
         mainWindow_ = options_.createMainWindow();
@@ -74,11 +78,13 @@ int UiRunner::Run(std::function<bool()> stop) {
     }
 
     if (!script_.empty() || !options_.scriptPath.empty()) {
-        player_ = std::make_unique<ScriptPlayer>(*windows_, static_cast<HeadlessDisplay&>(*display_), script_);
+        player_ =
+            std::make_unique<ScriptPlayer>(*windows_, static_cast<HeadlessDisplay&>(*display_), script_);
         player_->Attach();
         const int code = windows_->Run();
         int status = player_->ExitStatus() != 0 ? player_->ExitStatus() : code;
-        if (status == 0 && !options_.screenshotPath.empty() && !windows_->WriteScreenshot(options_.screenshotPath)) {
+        if (status == 0 && !options_.screenshotPath.empty() &&
+            !windows_->WriteScreenshot(options_.screenshotPath)) {
             std::fprintf(stderr, "mirodate: cannot write %s\n", options_.screenshotPath.c_str());
             status = 1;
         }

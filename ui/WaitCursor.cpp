@@ -6,8 +6,12 @@
 
 namespace mirodate {
 
-WaitCursor::WaitCursor() { Wm().GetDisplay().SetBusyCursor(true); }
+WaitCursor::WaitCursor() {
+    Wm().GetDisplay().SetBusyCursor(true);
+}
 
-WaitCursor::~WaitCursor() { Wm().GetDisplay().SetBusyCursor(false); }
+WaitCursor::~WaitCursor() {
+    Wm().GetDisplay().SetBusyCursor(false);
+}
 
 } // namespace mirodate

@@ -79,8 +79,8 @@ public:
     HWND GetOwner(HWND window) const;
     HWND GetDlgItem(HWND parent, int id) const;
     int GetDlgCtrlID(HWND window) const;
-    std::vector<HWND> GetChildren(HWND window) const;    // back to front
-    std::vector<HWND> GetTopLevelWindows() const;       // back to front
+    std::vector<HWND> GetChildren(HWND window) const; // back to front
+    std::vector<HWND> GetTopLevelWindows() const;     // back to front
     LONG_PTR GetWindowLongPtr(HWND window, int index) const;
     LONG_PTR SetWindowLongPtr(HWND window, int index, LONG_PTR value);
     bool EnableWindow(HWND window, bool enable); // returns whether it was disabled

@@ -19,7 +19,9 @@ constexpr int kDaysPerWeek = 7;
 
 AgendaView::AgendaView() : ViewPage(SkinStyles::Current().agendaView), start_(DateTime::Today()) {}
 
-int AgendaView::DayCount() { return Settings::GetAgendaSize() * kDaysPerWeek + 1; }
+int AgendaView::DayCount() {
+    return Settings::GetAgendaSize() * kDaysPerWeek + 1;
+}
 
 std::vector<MenuBarEntry> AgendaView::MenuEntries() const {
     return {{"Menu", MenuBarIcon::Menu},
@@ -29,17 +31,22 @@ std::vector<MenuBarEntry> AgendaView::MenuEntries() const {
             {"MonthView", MenuBarIcon::Month}};
 }
 
-std::u16string AgendaView::Title() const { return Lang("AgendaView"); }
+std::u16string AgendaView::Title() const {
+    return Lang("AgendaView");
+}
 
 void AgendaView::SetStartDate(const DateTime& date) {
     start_ = date.IsValid() ? date.StartOfDay() : DateTime::Today();
     followsToday_ = start_ == DateTime::Today();
-    if (window) Reload();
+    if (window)
+        Reload();
 }
 
 void AgendaView::Reload() {
-    if (!window) return;
-    if (followsToday_) start_ = DateTime::Today();
+    if (!window)
+        return;
+    if (followsToday_)
+        start_ = DateTime::Today();
     BeginFill(list_);
     tomorrowPosition_ = 0;
     const bool everyDay = Settings::GetAgendaMode() != 0;
@@ -53,7 +60,8 @@ void AgendaView::Reload() {
         appointments_.clear();
         tasks_.clear();
         store.GetDayAppointments(day.GetYear(), day.GetMonth(), day.GetDay(), appointments_);
-        if (withTasks) store.GetDayTasks(day.GetYear(), day.GetMonth(), day.GetDay(), tasks_);
+        if (withTasks)
+            store.GetDayTasks(day.GetYear(), day.GetMonth(), day.GetDay(), tasks_);
         if (appointments_.empty() && tasks_.empty() && !everyDay) {
             // Empty days are left out, except the first, which says so.
             if (index == 0) {
@@ -71,8 +79,10 @@ void AgendaView::Reload() {
             // in whole rows, plus one header.
             tomorrowPosition_ = (rowsAdded - 1 - 1) * look_.RowHeight() + look_.HeaderHeight();
         }
-        for (const PimItem& item : appointments_) list_.AddItem(std::make_unique<ItemRow>(look_, item, dayDate));
-        for (const PimItem& task : tasks_) list_.AddItem(std::make_unique<ItemRow>(look_, task, dayDate));
+        for (const PimItem& item : appointments_)
+            list_.AddItem(std::make_unique<ItemRow>(look_, item, dayDate));
+        for (const PimItem& task : tasks_)
+            list_.AddItem(std::make_unique<ItemRow>(look_, task, dayDate));
         rowsAdded += static_cast<int>(appointments_.size() + tasks_.size());
     }
     EndFill(list_);

@@ -26,7 +26,7 @@ protected:
 
 private:
     DateTime start_;
-    bool followsToday_ = true; // started on today: after midnight it starts on the new today
+    bool followsToday_ = true;          // started on today: after midnight it starts on the new today
     std::vector<PimItem> appointments_; // reused by every fill
     std::vector<PimItem> tasks_;
 };

@@ -16,7 +16,8 @@ std::uint16_t DayBar::ToRgb565(COLORREF color) {
 
 void DayBar::Fill(double itemStart, double itemEnd, double dayStart, int width, COLORREF background,
                   COLORREF color, std::uint16_t* pixels) {
-    if (width <= 0) return;
+    if (width <= 0)
+        return;
     std::fill(pixels, pixels + width, ToRgb565(background));
     const double scale = static_cast<double>(width) / kMinutesPerDay;
     // Whole minutes: DATE fractions are not exact.
@@ -28,21 +29,25 @@ void DayBar::Fill(double itemStart, double itemEnd, double dayStart, int width, 
     const int first = static_cast<int>(offset);
     const int count = std::max(1, static_cast<int>(length));
     const std::uint16_t ink = ToRgb565(color);
-    for (int x = std::max(first, 0); x < first + count && x < width; ++x) pixels[x] = ink;
+    for (int x = std::max(first, 0); x < first + count && x < width; ++x)
+        pixels[x] = ink;
 }
 
 bool DayBar::Build(const PimItem& item, double dayStart, int width, COLORREF background, COLORREF color) {
-    if (width <= 0 || !surface_.Create(width, 1)) return false;
+    if (width <= 0 || !surface_.Create(width, 1))
+        return false;
     Fill(item.startValue, item.endValue, dayStart, width, background, color, surface_.Bits());
     surface_.MarkDirty();
     return true;
 }
 
 void DayBar::Draw(Dc& dc, const RECT& rect) const {
-    if (!surface_.IsValid() || rect.IsEmpty()) return;
+    if (!surface_.IsValid() || rect.IsEmpty())
+        return;
     // Row by row, so that every pixel is the bar's own colour (a stretch would blend the edges).
     const int width = std::min(rect.Width(), surface_.Width());
-    for (int y = rect.top; y < rect.bottom; ++y) dc.BitBlt(rect.left, y, width, 1, surface_.GetBitmap(), 0, 0);
+    for (int y = rect.top; y < rect.bottom; ++y)
+        dc.BitBlt(rect.left, y, width, 1, surface_.GetBitmap(), 0, 0);
 }
 
 } // namespace mirodate

@@ -29,7 +29,9 @@ std::vector<MenuBarEntry> DayView::MenuEntries() const {
             {"Back", MenuBarIcon::Back}};
 }
 
-std::u16string DayView::Title() const { return Lang("DayView"); }
+std::u16string DayView::Title() const {
+    return Lang("DayView");
+}
 
 std::u16string DayView::HeaderText(const DateTime& date) {
     // Noon keeps the date clear of any change of clocks.
@@ -53,13 +55,16 @@ void DayView::LayoutLists(const RECT& area) {
 }
 
 void DayView::SetDate(const DateTime& date) {
-    if (!date.IsValid()) return;
+    if (!date.IsValid())
+        return;
     date_ = date.StartOfDay();
-    if (window) Reload();
+    if (window)
+        Reload();
 }
 
 void DayView::Reload() {
-    if (!window) return;
+    if (!window)
+        return;
     Fill(list_);
 }
 
@@ -71,9 +76,12 @@ void DayView::Fill(ViewList& list) {
     tasks_.clear();
     PimStore& store = PimStore::Instance();
     store.GetDayAppointments(date_.GetYear(), date_.GetMonth(), date_.GetDay(), appointments_);
-    if (Settings::IsTaskViewEnabled(u"Day")) store.GetDayTasks(date_.GetYear(), date_.GetMonth(), date_.GetDay(), tasks_);
-    for (const PimItem& item : appointments_) list.AddItem(std::make_unique<ItemRow>(look_, item, dayDate));
-    for (const PimItem& task : tasks_) list.AddItem(std::make_unique<ItemRow>(look_, task, dayDate));
+    if (Settings::IsTaskViewEnabled(u"Day"))
+        store.GetDayTasks(date_.GetYear(), date_.GetMonth(), date_.GetDay(), tasks_);
+    for (const PimItem& item : appointments_)
+        list.AddItem(std::make_unique<ItemRow>(look_, item, dayDate));
+    for (const PimItem& task : tasks_)
+        list.AddItem(std::make_unique<ItemRow>(look_, task, dayDate));
     EndFill(list);
 }
 
@@ -94,14 +102,17 @@ void DayView::ChangeDay(int direction) {
     for (int i = 1; i <= kSlideSteps; ++i) {
         const int shift = -direction * step * i;
         MoveWindow(list_.GetHwnd(), area_.left + shift, area_.top, width, area_.Height(), false);
-        MoveWindow(incoming_.GetHwnd(), area_.left + direction * width + shift, area_.top, width, area_.Height(),
-                   false);
+        MoveWindow(incoming_.GetHwnd(), area_.left + direction * width + shift, area_.top, width,
+                   area_.Height(), false);
         list_.Redraw(false);
         incoming_.Redraw(false);
         Wm().ComposeIfNeeded();
-        if (slideObserver_) slideObserver_(i);
-        if (clock.IsVirtual()) clock.Advance(kSlidePauseMs);
-        else std::this_thread::sleep_for(std::chrono::milliseconds(kSlidePauseMs));
+        if (slideObserver_)
+            slideObserver_(i);
+        if (clock.IsVirtual())
+            clock.Advance(kSlidePauseMs);
+        else
+            std::this_thread::sleep_for(std::chrono::milliseconds(kSlidePauseMs));
     }
     // The visible list takes the new day; the incoming one goes away again.
     Fill(list_);
@@ -113,16 +124,20 @@ void DayView::ChangeDay(int direction) {
 
 void DayView::OnListSwipe(bool toLeft) {
     const DWORD now = GetTickCount();
-    if (flickSeen_ && now - lastFlick_ <= kFlickGuard) return;
+    if (flickSeen_ && now - lastFlick_ <= kFlickGuard)
+        return;
     flickSeen_ = true;
     lastFlick_ = now;
     ChangeDay(toLeft ? 1 : -1);
 }
 
 bool DayView::OnViewKey(UINT key) {
-    if (key == VK_LEFT) PreviousDay();
-    else if (key == VK_RIGHT) NextDay();
-    else return false;
+    if (key == VK_LEFT)
+        PreviousDay();
+    else if (key == VK_RIGHT)
+        NextDay();
+    else
+        return false;
     return true;
 }
 

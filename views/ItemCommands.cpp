@@ -6,8 +6,8 @@
 #include "lang/LanguageTable.h"
 #include "platform/Log.h"
 #include "platform/Settings.h"
-#include "ui/MessagePage.h"
 #include "ui/DialogWnd.h"
+#include "ui/MessagePage.h"
 #include "ui/WinApi.h"
 #include "views/PlatformHandoff.h"
 #include "views/ViewNavigator.h"
@@ -23,7 +23,8 @@ std::vector<ContextMenuItem> ItemCommands::ItemMenu() {
 }
 
 std::vector<ContextMenuItem> ItemCommands::AppMenu() {
-    return {{Lang("Search"), kSearch}, {Lang("Config"), kConfig}, {Lang("About"), kAbout}, {Lang("Exit"), kExit}};
+    return {
+        {Lang("Search"), kSearch}, {Lang("Config"), kConfig}, {Lang("About"), kAbout}, {Lang("Exit"), kExit}};
 }
 
 std::vector<ContextMenuItem> ItemCommands::NewMenu() {
@@ -32,7 +33,8 @@ std::vector<ContextMenuItem> ItemCommands::NewMenu() {
 
 bool ItemCommands::ReportSave(HWND owner, int result, std::int32_t oid) {
     switch (static_cast<SaveResult>(result)) {
-    case SaveResult::Saved: return true;
+    case SaveResult::Saved:
+        return true;
     case SaveResult::ChangedOnDisk: {
         // The store read the file again: gone, or changed by someone else.
         PimSource* source = PimStore::Instance().Source();
@@ -40,8 +42,12 @@ bool ItemCommands::ReportSave(HWND owner, int result, std::int32_t oid) {
         MessagePage::Tell(owner, Lang(gone ? "ItemNotFound" : "ItemChangedOnDisk"));
         return false;
     }
-    case SaveResult::NotFound: MessagePage::Tell(owner, Lang("ItemNotFound")); return false;
-    case SaveResult::Failed: MessagePage::Tell(owner, Lang("ItemNotSaved")); return false;
+    case SaveResult::NotFound:
+        MessagePage::Tell(owner, Lang("ItemNotFound"));
+        return false;
+    case SaveResult::Failed:
+        MessagePage::Tell(owner, Lang("ItemNotSaved"));
+        return false;
     }
     return false;
 }
@@ -56,12 +62,15 @@ void ItemCommands::Refresh(std::int32_t oid, bool task, bool deleted) {
 
 ItemCommands::Outcome ItemCommands::Delete(HWND owner, const PimItem& item) {
     PimSource* source = PimStore::Instance().Source();
-    if (!source || item.oid <= 0) return Outcome::Done;
+    if (!source || item.oid <= 0)
+        return Outcome::Done;
     if (item.IsTask() || !item.isRecurring) {
-        if (!MessagePage::YesNo(owner, Lang("ConfirmDelItem"))) return Outcome::Done;
+        if (!MessagePage::YesNo(owner, Lang("ConfirmDelItem")))
+            return Outcome::Done;
         if (!source->Delete(item.oid)) {
             // Gone already, or the file could not be removed.
-            MessagePage::Tell(owner, Lang(source->GetItemKind(item.oid) == 0 ? "ItemNotFound" : "ItemNotSaved"));
+            MessagePage::Tell(owner,
+                              Lang(source->GetItemKind(item.oid) == 0 ? "ItemNotFound" : "ItemNotSaved"));
             Refresh(item.oid, item.IsTask(), source->GetItemKind(item.oid) == 0);
             return Outcome::Changed;
         }
@@ -70,22 +79,26 @@ ItemCommands::Outcome ItemCommands::Delete(HWND owner, const PimItem& item) {
     }
     switch (MessagePage::AllSingleCancel(owner, Lang("QuestionDeleteAllSeries"))) {
     case 1:
-        if (!source->Delete(item.oid)) MessagePage::Tell(owner, Lang("ItemNotSaved"));
+        if (!source->Delete(item.oid))
+            MessagePage::Tell(owner, Lang("ItemNotSaved"));
         Refresh(item.oid, false, source->GetItemKind(item.oid) == 0);
         return Outcome::Changed;
     case 2: {
         // The occurrence becomes an exception of the series file.
-        ReportSave(owner, static_cast<int>(source->SaveOccurrence(item.oid, item.startValue, nullptr)), item.oid);
+        ReportSave(owner, static_cast<int>(source->SaveOccurrence(item.oid, item.startValue, nullptr)),
+                   item.oid);
         Refresh(item.oid, false, false);
         return Outcome::Changed;
     }
-    default: return Outcome::Done;
+    default:
+        return Outcome::Done;
     }
 }
 
 ItemCommands::Outcome ItemCommands::ToggleComplete(HWND owner, const PimItem& task) {
     PimSource* source = PimStore::Instance().Source();
-    if (!source || !task.IsTask() || task.oid <= 0) return Outcome::Done;
+    if (!source || !task.IsTask() || task.oid <= 0)
+        return Outcome::Done;
     PimRecord record;
     if (!source->GetItemFromOid(task.oid, record)) {
         MessagePage::Tell(owner, Lang("ItemNotFound"));
@@ -100,7 +113,8 @@ ItemCommands::Outcome ItemCommands::ToggleComplete(HWND owner, const PimItem& ta
 
 ItemCommands::Outcome ItemCommands::Duplicate(HWND owner, const PimItem& item) {
     PimSource* source = PimStore::Instance().Source();
-    if (!source || item.oid <= 0) return Outcome::Done;
+    if (!source || item.oid <= 0)
+        return Outcome::Done;
     PimRecord record;
     if (!source->GetItemFromOid(item.oid, record)) {
         MessagePage::Tell(owner, Lang("ItemNotFound"));
@@ -122,21 +136,28 @@ ItemCommands::Outcome ItemCommands::Duplicate(HWND owner, const PimItem& item) {
     PimItem copy = item;
     copy.oid = record.oid;
     copy.isRecurring = false;
-    if (ViewNavigator* navigator = ViewNavigator::Current()) navigator->EditItem(copy, false, true, owner);
+    if (ViewNavigator* navigator = ViewNavigator::Current())
+        navigator->EditItem(copy, false, true, owner);
     return Outcome::Changed;
 }
 
 ItemCommands::Outcome ItemCommands::Edit(HWND owner, const PimItem& item) {
     ViewNavigator* navigator = ViewNavigator::Current();
-    if (!navigator || item.oid <= 0) return Outcome::Done;
+    if (!navigator || item.oid <= 0)
+        return Outcome::Done;
     if (item.IsTask() || !item.isRecurring) {
         navigator->EditItem(item, false, false, owner);
         return Outcome::Changed;
     }
     switch (MessagePage::AllSingleCancel(owner, Lang("QuestionModifyAllSeries"))) {
-    case 1: navigator->EditItem(item, false, false, owner); return Outcome::Changed;
-    case 2: navigator->EditItem(item, true, false, owner); return Outcome::Changed;
-    default: return Outcome::Done;
+    case 1:
+        navigator->EditItem(item, false, false, owner);
+        return Outcome::Changed;
+    case 2:
+        navigator->EditItem(item, true, false, owner);
+        return Outcome::Changed;
+    default:
+        return Outcome::Done;
     }
 }
 
@@ -146,52 +167,73 @@ void ItemCommands::Exit(HWND owner) {
     HWND main = navigator ? navigator->MainWindow() : nullptr;
     if (!Settings::GetCloseOnMinimize()) {
         // Keeps running, out of sight (and so still the reminder service).
-        if (main) ShowWindow(main, SW_MINIMIZE);
-        if (owner && IsWindow(owner)) ShowWindow(owner, SW_MINIMIZE);
+        if (main)
+            ShowWindow(main, SW_MINIMIZE);
+        if (owner && IsWindow(owner))
+            ShowWindow(owner, SW_MINIMIZE);
         return;
     }
-    if (main) ShowWindow(main, SW_MINIMIZE);
+    if (main)
+        ShowWindow(main, SW_MINIMIZE);
     PostQuitMessage(0);
 }
 
-ItemCommands::Outcome ItemCommands::Run(HWND owner, UINT command, const PimItem* item, const DateTime& rowDate) {
+ItemCommands::Outcome ItemCommands::Run(HWND owner, UINT command, const PimItem* item,
+                                        const DateTime& rowDate) {
     ViewNavigator* navigator = ViewNavigator::Current();
     const DateTime date = rowDate.IsValid() ? rowDate : DateTime::Today();
     switch (command) {
     case kNewAppointment:
     case kNewAppointmentHere:
-        if (navigator) navigator->NewAppointment(date, owner);
+        if (navigator)
+            navigator->NewAppointment(date, owner);
         return Outcome::Changed;
     case kNewTask:
     case kNewTaskHere:
-        if (navigator) navigator->NewTask(date, owner);
+        if (navigator)
+            navigator->NewTask(date, owner);
         return Outcome::Changed;
-    case kExit: Exit(owner); return Outcome::Done;
+    case kExit:
+        Exit(owner);
+        return Outcome::Done;
     case kConfig:
-        if (navigator) navigator->OpenConfig(owner);
+        if (navigator)
+            navigator->OpenConfig(owner);
         return Outcome::Done;
     case kAbout:
-        if (navigator) navigator->OpenAbout(owner);
+        if (navigator)
+            navigator->OpenAbout(owner);
         return Outcome::Done;
     case kSearch:
-        if (navigator) navigator->OpenSearch(date);
+        if (navigator)
+            navigator->OpenSearch(date);
         return Outcome::Done;
-    case kOpenPlatformCalendar: PlatformHandoff::OpenPlatformCalendar(owner); return Outcome::Done;
-    default: break;
+    case kOpenPlatformCalendar:
+        PlatformHandoff::OpenPlatformCalendar(owner);
+        return Outcome::Done;
+    default:
+        break;
     }
     // The rest act on the selected item and do nothing without one.
     switch (command) {
-    case kDelete: return item ? Delete(owner, *item) : Outcome::Done;
-    case kEdit: return item ? Edit(owner, *item) : Outcome::Done;
-    case kDuplicate: return item ? Duplicate(owner, *item) : Outcome::Done;
-    case kToggleComplete: return item ? ToggleComplete(owner, *item) : Outcome::Done;
+    case kDelete:
+        return item ? Delete(owner, *item) : Outcome::Done;
+    case kEdit:
+        return item ? Edit(owner, *item) : Outcome::Done;
+    case kDuplicate:
+        return item ? Duplicate(owner, *item) : Outcome::Done;
+    case kToggleComplete:
+        return item ? ToggleComplete(owner, *item) : Outcome::Done;
     case kBeam:
-        if (item) PlatformHandoff::Beam(owner, *item);
+        if (item)
+            PlatformHandoff::Beam(owner, *item);
         return Outcome::Done;
     case kOpenInPlatform:
-        if (item) PlatformHandoff::OpenInPlatformCalendar(owner, *item);
+        if (item)
+            PlatformHandoff::OpenInPlatformCalendar(owner, *item);
         return item ? Outcome::Changed : Outcome::Done;
-    default: return Outcome::Unknown;
+    default:
+        return Outcome::Unknown;
     }
 }
 

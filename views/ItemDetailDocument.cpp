@@ -23,12 +23,16 @@ std::u16string PlainToMarkup(const std::u16string& text) {
     out.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char16_t c = text[i];
-        if (c == u'<') out += u"&lt;";
+        if (c == u'<')
+            out += u"&lt;";
         else if (c == u'\r') {
             out += u"<br>";
-            if (i + 1 < text.size() && text[i + 1] == u'\n') ++i;
-        } else if (c == u'\n') out += u"<br>";
-        else out += c;
+            if (i + 1 < text.size() && text[i + 1] == u'\n')
+                ++i;
+        } else if (c == u'\n')
+            out += u"<br>";
+        else
+            out += c;
     }
     return out;
 }
@@ -38,12 +42,15 @@ std::u16string Font(const std::u16string& color, const std::u16string& inner) {
 }
 
 std::u16string AttendeeBlock(const std::u16string& data, const Linkifier& linkifier) {
-    if (data.empty()) return {};
+    if (data.empty())
+        return {};
     const std::vector<ItemDetailDocument::Attendee> people = ItemDetailDocument::SplitAttendees(data);
-    if (data == ItemDetailDocument::kAttendeesNotLoaded) return u"<br>0 " + Lang("Attendees") + u"<br>";
+    if (data == ItemDetailDocument::kAttendeesNotLoaded)
+        return u"<br>0 " + Lang("Attendees") + u"<br>";
     std::u16string list;
     for (const auto& person : people) {
-        if (!list.empty()) list += u"\n";
+        if (!list.empty())
+            list += u"\n";
         list += person.name + u" (" + person.address + u")";
     }
     return u"<br>" + Lang("Attendees") + u":<br>" + ItemDetailDocument::Linkify(list, linkifier) + u"<br>";
@@ -60,21 +67,23 @@ std::u16string Appointment(const PimRecord& record, const PimItem& item, const I
     const std::u16string categories =
         record.categories.empty() ? Lang("filter.NoCategories") : PlainToMarkup(record.categories);
     const std::u16string notes =
-        record.body.empty() ? Font(memo, u"")
-                            : Font(memo, u"<br><i>" + ItemDetailDocument::Linkify(record.body, linkifier) +
-                                             u"</i><br><br>");
+        record.body.empty()
+            ? Font(memo, u"")
+            : Font(memo, u"<br><i>" + ItemDetailDocument::Linkify(record.body, linkifier) + u"</i><br><br>");
     return Font(colors.text, u"<b>" + ItemDetailDocument::Linkify(record.subject, linkifier) + u"</b><br>" +
                                  location + u"<i>" + time + (time.empty() ? u"" : u"<br>") + u"(" + repeats +
-                                 u", " + categories + u")</i><br>" + AttendeeBlock(record.attendees, linkifier) +
-                                 u"<br>" + notes);
+                                 u", " + categories + u")</i><br>" +
+                                 AttendeeBlock(record.attendees, linkifier) + u"<br>" + notes);
 }
 
 std::u16string Task(const PimRecord& record, const PimItem& item, const ItemDetailColors& colors,
                     const Linkifier& linkifier) {
     const std::u16string memo = ItemDetailDocument::MemoColor(colors.memoText);
     std::u16string due = ItemTexts::DueText(item, DateTime::Today());
-    if (due.empty()) due = Lang("Tasks");
-    if (record.complete) due = u"<s>" + due + u"</s>";
+    if (due.empty())
+        due = Lang("Tasks");
+    if (record.complete)
+        due = u"<s>" + due + u"</s>";
     const std::u16string categories = PlainToMarkup(record.categories);
     const std::u16string title =
         Font(colors.text, u"<b><u>" + ItemDetailDocument::Linkify(record.subject, linkifier) + u"</u></b>");
@@ -98,7 +107,8 @@ ItemDetailColors ItemDetailColors::FromSkin() {
 
 std::u16string ItemDetailDocument::Build(const PimRecord& record, const PimItem& item,
                                          const ItemDetailColors& colors, const Linkifier& linkifier) {
-    return item.IsTask() ? Task(record, item, colors, linkifier) : Appointment(record, item, colors, linkifier);
+    return item.IsTask() ? Task(record, item, colors, linkifier)
+                         : Appointment(record, item, colors, linkifier);
 }
 
 std::u16string ItemDetailDocument::MemoColor(COLORREF color) {
@@ -112,7 +122,8 @@ std::vector<ItemDetailDocument::Attendee> ItemDetailDocument::SplitAttendees(con
     std::size_t start = 0;
     while (start < text.size()) {
         std::size_t end = text.find(kPersonSeparator, start);
-        if (end == std::u16string::npos) end = text.size();
+        if (end == std::u16string::npos)
+            end = text.size();
         const std::u16string entry = text.substr(start, end - start);
         if (!entry.empty()) {
             const std::size_t bar = entry.find(kFieldSeparator);
@@ -135,12 +146,14 @@ std::u16string ItemDetailDocument::Linkify(const std::u16string& text, const Lin
 }
 
 std::u16string ItemDetailDocument::TimeText(const PimItem& item) {
-    if (item.IsTask()) return {};
+    if (item.IsTask())
+        return {};
     const DateTime start(item.startValue);
     const bool oneDay = item.isAllDay ? item.endValue - item.startValue <= 1.0
                                       : start.StartOfDay() == DateTime(item.endValue).StartOfDay();
     const std::u16string range = ItemTexts::TimeRange(item);
-    if (!oneDay) return range;
+    if (!oneDay)
+        return range;
     const DateTime noon(start.GetYear(), start.GetMonth(), start.GetDay(), 12, 0, 0);
     return Locale::FormatDatePicture(noon.ToSystemTime(), u"dddd',' d MMMM yyyy") + u", " + range;
 }

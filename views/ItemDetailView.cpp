@@ -31,7 +31,9 @@ std::vector<MenuBarEntry> ItemDetailView::MenuEntries() const {
     return {{"Menu", MenuBarIcon::Menu}, {"Back", MenuBarIcon::Back}};
 }
 
-std::u16string ItemDetailView::Title() const { return Lang(task_ ? "TaskDetail" : "AppointmentDetail"); }
+std::u16string ItemDetailView::Title() const {
+    return Lang(task_ ? "TaskDetail" : "AppointmentDetail");
+}
 
 std::vector<ContextMenuItem> ItemDetailView::DetailMenu() {
     return {{Lang("Edit"), ItemCommands::kEdit},
@@ -41,8 +43,10 @@ std::vector<ContextMenuItem> ItemDetailView::DetailMenu() {
 }
 
 DateTime ItemDetailView::CurrentDate() const {
-    if (found_ && !item_.IsTask()) return DateTime(item_.startValue).StartOfDay();
-    if (found_ && !occurrence_.IsValid() && !item_.noDueDate) return DateTime(item_.dueDateValue).StartOfDay();
+    if (found_ && !item_.IsTask())
+        return DateTime(item_.startValue).StartOfDay();
+    if (found_ && !occurrence_.IsValid() && !item_.noDueDate)
+        return DateTime(item_.dueDateValue).StartOfDay();
     return occurrence_.IsValid() ? occurrence_.StartOfDay() : DateTime::Today();
 }
 
@@ -65,10 +69,14 @@ void ItemDetailView::LayoutLists(const RECT& area) {
         colors.background = SkinStyles::Current().itemDetailView.colorBg;
         // Links stay readable on a dark background.
         const int luma = (GetRValue(colors.background) * 299 + GetGValue(colors.background) * 587 +
-                          GetBValue(colors.background) * 114) / 1000;
-        if (luma < kDarkBackground) colors.link = kLinkOnDark;
+                          GetBValue(colors.background) * 114) /
+                         1000;
+        if (luma < kDarkBackground)
+            colors.link = kLinkOnDark;
         box_->SetColors(colors);
-        box_->Links().confirm = [this](const std::u16string& text) { return MessagePage::YesNo(window, text); };
+        box_->Links().confirm = [this](const std::u16string& text) {
+            return MessagePage::YesNo(window, text);
+        };
         box_->Links().inform = [this](const std::u16string& text, const std::u16string&) {
             MessagePage::Tell(window, text);
         };
@@ -83,10 +91,12 @@ bool ItemDetailView::ReadItem() {
     PimStore& store = PimStore::Instance();
     PimSource* source = store.Source();
     record_ = PimRecord();
-    if (!source || !source->GetItemFromOid(oid_, record_)) return false;
+    if (!source || !source->GetItemFromOid(oid_, record_))
+        return false;
     task_ = record_.itemKind == kItemTask;
     item_ = PimStore::ItemFromRecord(record_);
-    if (task_ || !occurrence_.IsValid()) return true;
+    if (task_ || !occurrence_.IsValid())
+        return true;
     // A series shows the occurrence of the day it was opened on.
     dayItems_.clear();
     store.GetDayAppointments(occurrence_.GetYear(), occurrence_.GetMonth(), occurrence_.GetDay(), dayItems_);
@@ -99,7 +109,8 @@ bool ItemDetailView::ReadItem() {
 }
 
 void ItemDetailView::Reload() {
-    if (!window || !box_) return;
+    if (!window || !box_)
+        return;
     const bool hadItem = found_;
     found_ = ReadItem();
     refresh_ = false;
@@ -116,7 +127,8 @@ void ItemDetailView::Reload() {
         selectedDate_ = CurrentDate();
         markup_ = ItemDetailDocument::Build(record_, item_, ItemDetailColors::FromSkin(), Linkifier());
     }
-    if (markup_ != box_->GetText()) box_->SetText(markup_);
+    if (markup_ != box_->GetText())
+        box_->SetText(markup_);
 }
 
 void ItemDetailView::OnCommand(UINT id, UINT code, HWND control) {
@@ -137,14 +149,16 @@ void ItemDetailView::OnCommand(UINT id, UINT code, HWND control) {
 }
 
 void ItemDetailView::OnDeferredCommand(UINT id) {
-    if (id == kCancel) return;
+    if (id == kCancel)
+        return;
     ViewPage::OnDeferredCommand(id);
 }
 
 bool ItemDetailView::OnViewKey(UINT key) {
     // The text box scrolls with the arrow keys; the page has no rows.
     if (key == VK_UP || key == VK_DOWN || key == VK_RETURN) {
-        if (box_) box_->OnKeyDown(key, 0);
+        if (box_)
+            box_->OnKeyDown(key, 0);
         return true;
     }
     return false;

@@ -19,8 +19,8 @@ constexpr int kMarkRightInset = 10;
 std::u16string ShownText(const std::u16string& text) {
     std::u16string shown = text.substr(0, kMaxShownSubject);
     // Line breaks would make a second line the row has no room for.
-    std::replace_if(shown.begin(), shown.end(), [](char16_t c) { return c == u'\n' || c == u'\r' || c == u'\t'; },
-                    u' ');
+    std::replace_if(
+        shown.begin(), shown.end(), [](char16_t c) { return c == u'\n' || c == u'\r' || c == u'\t'; }, u' ');
     return shown;
 }
 } // namespace
@@ -32,16 +32,19 @@ ItemRow::ItemRow(const RowLook& look, const PimItem& item, double dayDate)
 }
 
 void ItemRow::EnsureLayout() const {
-    if (laidOut_) return;
+    if (laidOut_)
+        return;
     laidOut_ = true;
     const RowLook& look = look_;
     detailText_ = item_.IsTask() ? ItemTexts::DueText(item_, look.today) : ItemTexts::TimeRange(item_);
     if (!item_.location.empty()) {
-        if (!detailText_.empty()) detailText_ += u"  \u00b7  ";
+        if (!detailText_.empty())
+            detailText_ += u"  \u00b7  ";
         detailText_ += ShownText(item_.location);
     }
     int left = Scale(RowLook::kColorMarkWidth) + Scale(kTextGap);
-    if (item_.IsTask()) left = look.CheckZoneWidth();
+    if (item_.IsTask())
+        left = look.CheckZoneWidth();
     const int textWidth = std::max(look.width - left - Scale(kTextGap), 1);
     subject_ = TextLayout(ShownText(item_.subject), struck_ ? look.StruckSubjectFont() : look.SubjectFont(),
                           textWidth, false);
@@ -72,7 +75,9 @@ bool ItemRow::AcceptsLongTap(HWND) {
     return item_.oid > 0 && (item_.IsTask() || item_.kind == PimItem::kAppointment);
 }
 
-bool ItemRow::InCheckZone(int x) const { return item_.IsTask() && x >= 0 && x < look_.CheckZoneWidth(); }
+bool ItemRow::InCheckZone(int x) const {
+    return item_.IsTask() && x >= 0 && x < look_.CheckZoneWidth();
+}
 
 void ItemRow::DrawCheckBox(Dc& dc, const RECT& zone, COLORREF ink) const {
     const int size = Scale(kCheckBoxSize);
@@ -80,7 +85,8 @@ void ItemRow::DrawCheckBox(Dc& dc, const RECT& zone, COLORREF ink) const {
     const int y = zone.top + (zone.Height() - size) / 2;
     const RECT box{x, y, x + size, y + size};
     dc.FrameRect(box, ink, std::max(1, Scale(1) / 2 + 1));
-    if (!item_.isComplete) return;
+    if (!item_.isComplete)
+        return;
     const int pen = std::max(2, Scale(1));
     dc.Line(x + size / 5, y + size / 2, x + size * 2 / 5, y + size * 4 / 5, ink, pen);
     dc.Line(x + size * 2 / 5, y + size * 4 / 5, x + size - size / 6, y + size / 6, ink, pen);
@@ -103,13 +109,16 @@ void ItemRow::Draw(Dc& dc, const RECT& rect) {
                          rect.Height() - 2 * padding - barHeight, mark);
     }
     subject_.Draw(dc, left, rect.top + padding, ink);
-    detail_.Draw(dc, left, rect.top + padding + subject_.Height(), selected ? look_.textSelected : look_.text);
+    detail_.Draw(dc, left, rect.top + padding + subject_.Height(),
+                 selected ? look_.textSelected : look_.text);
     if (!mark_.empty())
-        markLayout_.Draw(dc, rect.right - Scale(kMarkRightInset) - markLayout_.Width(), rect.top + padding + subject_.Height(),
-                         ink);
+        markLayout_.Draw(dc, rect.right - Scale(kMarkRightInset) - markLayout_.Width(),
+                         rect.top + padding + subject_.Height(), ink);
     const RECT bar{rect.left, rect.bottom - barHeight, rect.right, rect.bottom};
-    if (!dayBar_.IsEmpty()) dayBar_.Draw(dc, bar);
-    else if (look_.separatorStyle != 0) dc.FillSolidRect(rect.left, rect.bottom - 1, rect.Width(), 1, look_.separator);
+    if (!dayBar_.IsEmpty())
+        dayBar_.Draw(dc, bar);
+    else if (look_.separatorStyle != 0)
+        dc.FillSolidRect(rect.left, rect.bottom - 1, rect.Width(), 1, look_.separator);
 }
 
 } // namespace mirodate

@@ -14,7 +14,8 @@ MessageRow::MessageRow(const RowLook& look, const std::u16string& text, double d
 
 void MessageRow::Draw(Dc& dc, const RECT& rect) {
     dc.FillRect(rect, highlighted_ ? look_.selection : look_.background);
-    layout_.Draw(dc, rect.left + (rect.Width() - layout_.Width()) / 2, rect.top + (rect.Height() - layout_.Height()) / 2,
+    layout_.Draw(dc, rect.left + (rect.Width() - layout_.Width()) / 2,
+                 rect.top + (rect.Height() - layout_.Height()) / 2,
                  highlighted_ ? look_.textSelected : look_.text);
 }
 

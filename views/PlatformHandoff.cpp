@@ -24,14 +24,20 @@ std::string FileNameFor(const PimItem& item) {
     std::string name;
     for (char c : Utf16ToUtf8(item.subject)) {
         const auto u = static_cast<unsigned char>(c);
-        if (u >= 0x80 || std::isalnum(u)) name += c;
-        else if (!name.empty() && name.back() != '-') name += '-';
-        if (name.size() >= kMaxNameLength) break;
+        if (u >= 0x80 || std::isalnum(u))
+            name += c;
+        else if (!name.empty() && name.back() != '-')
+            name += '-';
+        if (name.size() >= kMaxNameLength)
+            break;
     }
-    while (!name.empty() && name.back() == '-') name.pop_back();
+    while (!name.empty() && name.back() == '-')
+        name.pop_back();
     // Cut at a character boundary, not inside one.
-    while (!name.empty() && (static_cast<unsigned char>(name.back()) & 0xC0) == 0x80) name.pop_back();
-    if (!name.empty() && (static_cast<unsigned char>(name.back()) & 0xC0) == 0xC0) name.pop_back();
+    while (!name.empty() && (static_cast<unsigned char>(name.back()) & 0xC0) == 0x80)
+        name.pop_back();
+    if (!name.empty() && (static_cast<unsigned char>(name.back()) & 0xC0) == 0xC0)
+        name.pop_back();
     return name.empty() ? std::string(item.IsTask() ? "task" : "appointment") : name;
 }
 
@@ -41,17 +47,20 @@ std::string WriteNewFile(const std::string& dir, const std::string& name, const 
         const std::string path = dir + "/" + name + (n > 1 ? "-" + std::to_string(n) : "") + ".ics";
         const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
         if (fd < 0) {
-            if (errno == EEXIST) continue;
+            if (errno == EEXIST)
+                continue;
             return {};
         }
         size_t written = 0;
         while (written < text.size()) {
             const ssize_t n2 = ::write(fd, text.data() + written, text.size() - written);
-            if (n2 <= 0) break;
+            if (n2 <= 0)
+                break;
             written += static_cast<size_t>(n2);
         }
         const bool ok = written == text.size() && ::close(fd) == 0;
-        if (!ok) ::unlink(path.c_str());
+        if (!ok)
+            ::unlink(path.c_str());
         return ok ? path : std::string();
     }
     return {};
@@ -81,7 +90,8 @@ void PlatformHandoff::OpenContact(HWND owner, const PimItem& item) {
         MessagePage::Tell(owner, Lang("ItemNotFound"));
         return;
     }
-    if (!PlatformServices::Instance().OpenPath(file)) Log::Warning("no program took %s", file.c_str());
+    if (!PlatformServices::Instance().OpenPath(file))
+        Log::Warning("no program took %s", file.c_str());
 }
 
 void PlatformHandoff::Beam(HWND owner, const PimItem& item) {
@@ -100,8 +110,10 @@ void PlatformHandoff::Beam(HWND owner, const PimItem& item) {
     }
     std::u16string message = Lang("BeamSaved");
     const size_t at = message.find(u"%s");
-    if (at != std::u16string::npos) message.replace(at, 2, Utf8ToUtf16(path));
-    else message += u"\n" + Utf8ToUtf16(path);
+    if (at != std::u16string::npos)
+        message.replace(at, 2, Utf8ToUtf16(path));
+    else
+        message += u"\n" + Utf8ToUtf16(path);
     MessagePage::Tell(owner, message);
 }
 

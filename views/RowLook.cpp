@@ -28,8 +28,8 @@ RowLook::RowLook(const TimeViewStyle& style, RowListener* rowListener)
     : text(style.colorText), textSelected(style.colorTextSelected), background(style.colorBg),
       selection(style.colorSelectionMark), headerBackground(style.colorHeaderBg),
       headerGradient(style.colorHeaderGradient), headerText(style.colorHeaderText),
-      separator(style.colorLineSeparator), separatorStyle(style.styleLineSeparator), timeScale(style.colorTimeScale),
-      listener(rowListener) {
+      separator(style.colorLineSeparator), separatorStyle(style.styleLineSeparator),
+      timeScale(style.colorTimeScale), listener(rowListener) {
     subject_ = MakeFont(kSubjectFontHeight, kSubjectWeight, false);
     struckSubject_ = MakeFont(kSubjectFontHeight, kSubjectWeight, true);
     detail_ = MakeFont(kDetailFontHeight, kDetailWeight, false);
@@ -50,6 +50,8 @@ void RowLook::BeginFill(int listWidth, bool colorizeText, bool strikePastEvents)
     today = DateTime::Today();
 }
 
-int RowLook::CheckZoneWidth() const { return rowHeight_ / 2 + Scale(4); }
+int RowLook::CheckZoneWidth() const {
+    return rowHeight_ / 2 + Scale(4);
+}
 
 } // namespace mirodate

@@ -22,7 +22,9 @@ namespace {
 constexpr int kFieldHeight = 24;
 constexpr int kFieldMargin = 3;
 
-bool IsHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+bool IsHighSurrogate(char16_t unit) {
+    return unit >= 0xD800 && unit <= 0xDBFF;
+}
 } // namespace
 
 SearchView::SearchView() : ViewPage(SkinStyles::Current().agendaView), date_(DateTime::Today()) {}
@@ -31,10 +33,13 @@ std::vector<MenuBarEntry> SearchView::MenuEntries() const {
     return {{"OK", MenuBarIcon::Search}, {"Cancel", MenuBarIcon::Back}};
 }
 
-std::u16string SearchView::Title() const { return Lang("Search"); }
+std::u16string SearchView::Title() const {
+    return Lang("Search");
+}
 
 void SearchView::SetDate(const DateTime& date) {
-    if (date.IsValid()) date_ = date.StartOfDay();
+    if (date.IsValid())
+        date_ = date.StartOfDay();
 }
 
 BOOL SearchView::OnInitDialog() {
@@ -52,8 +57,8 @@ BOOL SearchView::OnInitDialog() {
 void SearchView::LayoutLists(const RECT& area) {
     const int margin = Scale(kFieldMargin);
     const int fieldHeight = Scale(kFieldHeight);
-    MoveWindow(field_.GetHwnd(), area.left + margin, area.top + margin, std::max(area.Width() - 2 * margin, 1),
-               fieldHeight, true);
+    MoveWindow(field_.GetHwnd(), area.left + margin, area.top + margin,
+               std::max(area.Width() - 2 * margin, 1), fieldHeight, true);
     const int listTop = std::min(area.bottom, area.top + fieldHeight + 2 * margin);
     MoveWindow(list_.GetHwnd(), area.left, listTop, area.Width(), std::max(area.bottom - listTop, 1), true);
 }
@@ -61,7 +66,8 @@ void SearchView::LayoutLists(const RECT& area) {
 LRESULT SearchView::OnActivate(UINT state, BOOL minimized, HWND other) {
     ViewPage::OnActivate(state, minimized, other);
     // Typing goes to the field whenever the page comes to the front.
-    if ((state == WA_ACTIVE || state == WA_CLICKACTIVE) && field_.GetHwnd()) SetFocus(field_.GetHwnd());
+    if ((state == WA_ACTIVE || state == WA_CLICKACTIVE) && field_.GetHwnd())
+        SetFocus(field_.GetHwnd());
     return 0;
 }
 
@@ -70,7 +76,8 @@ void SearchView::OnCommand(UINT id, UINT code, HWND control) {
         if (code == EN_CHANGE) {
             KillTimer(window, kSearchTimer);
             // With no delay only Enter searches.
-            if (startDelay_ >= 1) SetTimer(window, kSearchTimer, startDelay_);
+            if (startDelay_ >= 1)
+                SetTimer(window, kSearchTimer, startDelay_);
         } else if (code == EN_ENTER) {
             KillTimer(window, kSearchTimer);
             SearchNow();
@@ -97,12 +104,14 @@ void SearchView::OnMenuButton(const std::string& key) {
 }
 
 void SearchView::Reload() {
-    if (!window) return;
+    if (!window)
+        return;
     Fill();
 }
 
 void SearchView::SearchNow() {
-    if (!window) return;
+    if (!window)
+        return;
     Fill();
     list_.Scroller().SetPosition(0);
     list_.RefreshViewport();
@@ -112,7 +121,8 @@ void SearchView::Fill() {
     const std::u16string& text = field_.GetText();
     std::size_t length = std::min(text.size(), kMaxSearchLength);
     // A character is not split in two at the cut.
-    if (length == kMaxSearchLength && length < text.size() && IsHighSurrogate(text[length - 1])) --length;
+    if (length == kMaxSearchLength && length < text.size() && IsHighSurrogate(text[length - 1]))
+        --length;
     searched_.assign(text, 0, length);
     BeginFill(list_);
     appointments_.clear();
@@ -131,19 +141,22 @@ void SearchView::Fill() {
             // One header per day; an item that began earlier stands under its first day.
             const double dayDate = DateTime(item.startValue).StartOfDay().ToDate();
             if (dayDate != lastDay) {
-                const std::u16string caption =
-                    dayDate == todayDate ? Lang("Today") : dayDate == tomorrowDate ? Lang("Tomorrow") : u"";
+                const std::u16string caption = dayDate == todayDate      ? Lang("Today")
+                                               : dayDate == tomorrowDate ? Lang("Tomorrow")
+                                                                         : u"";
                 list_.AddItem(std::make_unique<DayHeaderRow>(look_, dayDate, caption));
                 lastDay = dayDate;
             }
             list_.AddItem(std::make_unique<ItemRow>(look_, item, dayDate));
         }
-        for (const PimItem& task : tasks_) list_.AddItem(std::make_unique<ItemRow>(look_, task, 0.0));
+        for (const PimItem& task : tasks_)
+            list_.AddItem(std::make_unique<ItemRow>(look_, task, 0.0));
         if (appointments_.empty() && tasks_.empty())
             list_.AddItem(std::make_unique<MessageRow>(look_, Lang("NoSearchResult"), todayDate));
     }
     EndFill(list_);
-    if (searchObserver_) searchObserver_();
+    if (searchObserver_)
+        searchObserver_();
 }
 
 } // namespace mirodate

@@ -21,25 +21,34 @@ constexpr int kSortMenuKeys[] = {TaskSorter::kByDueDate, TaskSorter::kByStartDat
 
 const char* SortKeyName(int key) {
     switch (key) {
-    case TaskSorter::kByDueDate: return "DueDate";
-    case TaskSorter::kByPriority: return "Priority";
-    case TaskSorter::kBySubject: return "Subject";
-    case TaskSorter::kByStatus: return "Status";
-    default: return "StartDate";
+    case TaskSorter::kByDueDate:
+        return "DueDate";
+    case TaskSorter::kByPriority:
+        return "Priority";
+    case TaskSorter::kBySubject:
+        return "Subject";
+    case TaskSorter::kByStatus:
+        return "Status";
+    default:
+        return "StartDate";
     }
 }
 
-int StoredOrder() { return TaskSorter::ClampOrder(Settings::GetTaskSort()); }
+int StoredOrder() {
+    return TaskSorter::ClampOrder(Settings::GetTaskSort());
+}
 
 // High and low priority are marked; normal, the usual case, is left plain.
 std::u16string PriorityMark(int importance) {
-    if (importance != PimItem::kImportanceLow && importance != PimItem::kImportanceHigh) return {};
+    if (importance != PimItem::kImportanceLow && importance != PimItem::kImportanceHigh)
+        return {};
     return importance == PimItem::kImportanceHigh ? Lang("Priority_2") : Lang("Priority_0");
 }
 } // namespace
 
 TasksView::TasksView(const DateTime& date)
-    : ViewPage(SkinStyles::Current().agendaView), date_(date.IsValid() ? date.StartOfDay() : DateTime::Today()) {}
+    : ViewPage(SkinStyles::Current().agendaView),
+      date_(date.IsValid() ? date.StartOfDay() : DateTime::Today()) {}
 
 std::vector<MenuBarEntry> TasksView::MenuEntries() const {
     return {{"Menu", MenuBarIcon::Menu},
@@ -57,16 +66,19 @@ std::u16string TasksView::Title() const {
 }
 
 void TasksView::SetDate(const DateTime& date) {
-    if (date.IsValid()) date_ = date.StartOfDay();
+    if (date.IsValid())
+        date_ = date.StartOfDay();
 }
 
 void TasksView::Reload() {
-    if (!window) return;
+    if (!window)
+        return;
     BeginFill(list_);
     tasks_.clear();
     PimStore::Instance().QueryAllTasks(tasks_);
     TaskSorter::Sort(tasks_, StoredOrder());
-    if (tasks_.empty()) list_.AddItem(std::make_unique<MessageRow>(look_, Lang("NoTasks"), date_.ToDate()));
+    if (tasks_.empty())
+        list_.AddItem(std::make_unique<MessageRow>(look_, Lang("NoTasks"), date_.ToDate()));
     for (const PimItem& task : tasks_) {
         auto row = std::make_unique<ItemRow>(look_, task, 0.0);
         row->SetMark(PriorityMark(task.importance));
@@ -88,13 +100,20 @@ std::vector<ContextMenuItem> TasksView::SortMenu(int order) {
     return items;
 }
 
-void TasksView::OpenSortMenu() { OpenContextMenu(SortMenu(Settings::GetTaskSort())); }
+void TasksView::OpenSortMenu() {
+    OpenContextMenu(SortMenu(Settings::GetTaskSort()));
+}
 
-void TasksView::OnTitleTap() { OpenSortMenu(); }
-void TasksView::OnTitleHold() { OpenSortMenu(); }
+void TasksView::OnTitleTap() {
+    OpenSortMenu();
+}
+void TasksView::OnTitleHold() {
+    OpenSortMenu();
+}
 
 bool TasksView::OnViewCommand(UINT command) {
-    if (command < kCmdSortFirst || command > kCmdSortLast) return false;
+    if (command < kCmdSortFirst || command > kCmdSortLast)
+        return false;
     const int order = TaskSorter::Choose(StoredOrder(), static_cast<int>(command - kCmdSortFirst));
     Settings::SetNumber("TaskSort", order);
     title_.SetLabel(Title());

@@ -6,7 +6,11 @@ namespace {
 ViewNavigator* g_navigator = nullptr;
 }
 
-ViewNavigator* ViewNavigator::Current() { return g_navigator; }
-void ViewNavigator::SetCurrent(ViewNavigator* navigator) { g_navigator = navigator; }
+ViewNavigator* ViewNavigator::Current() {
+    return g_navigator;
+}
+void ViewNavigator::SetCurrent(ViewNavigator* navigator) {
+    g_navigator = navigator;
+}
 
 } // namespace mirodate

@@ -29,8 +29,10 @@ ViewPage::ViewPage(const TimeViewStyle& style) : look_(style, this), list_(*this
 ViewPage::~ViewPage() = default;
 
 HWND ViewPage::Open(HWND owner) {
-    if (!CreateModeless(owner)) return nullptr;
-    if (!filledDay_.IsValid()) Reload();
+    if (!CreateModeless(owner))
+        return nullptr;
+    if (!filledDay_.IsValid())
+        Reload();
     SetForegroundWindow(window);
     return window;
 }
@@ -60,7 +62,8 @@ BOOL ViewPage::OnInitDialog() {
 }
 
 void ViewPage::Layout() {
-    if (!window) return;
+    if (!window)
+        return;
     RECT client;
     GetClientRect(window, &client);
     const int top = ScreenBars::TopBarHeight() > 0 ? ScreenBars::TopBarHeight() : Scale(kTitleHeight);
@@ -86,7 +89,8 @@ void ViewPage::Relabel() {
 }
 
 void ViewPage::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     RECT client;
     GetClientRect(window, &client);
     dc->FillRect(client, look_.background);
@@ -97,7 +101,8 @@ void ViewPage::BeginFill(TouchListCtrlWnd& list) {
     GetClientRect(list.GetHwnd(), &client);
     look_.BeginFill(client.Width(), colorize_, Settings::GetStrikeThroughPastEvents());
     list.ClearItems();
-    if (&list == &list_) selected_ = -1;
+    if (&list == &list_)
+        selected_ = -1;
 }
 
 void ViewPage::EndFill(TouchListCtrlWnd& list) {
@@ -108,7 +113,8 @@ void ViewPage::EndFill(TouchListCtrlWnd& list) {
 
 bool ViewPage::PassTapGuard() {
     const DWORD now = GetTickCount();
-    if (tapSeen_ && now - lastTap_ < kTapGuard) return false;
+    if (tapSeen_ && now - lastTap_ < kTapGuard)
+        return false;
     tapSeen_ = true;
     lastTap_ = now;
     return true;
@@ -117,10 +123,12 @@ bool ViewPage::PassTapGuard() {
 // ---- rows ------------------------------------------------------------------
 
 void ViewPage::OnRowTap(ViewRow& row, int x, int) {
-    if (!PassTapGuard()) return;
+    if (!PassTapGuard())
+        return;
     const PimItem* item = row.Item();
     selectedItem_.reset();
-    if (item) selectedItem_ = *item;
+    if (item)
+        selectedItem_ = *item;
     selectedDate_ = row.DayDate() > 0 ? DateTime(row.DayDate()) : CurrentDate();
     // What the tap does is decided now and done once the list has let go.
     pendingRowType_ = row.RowType();
@@ -139,7 +147,8 @@ void ViewPage::OpenTappedRow() {
             PlatformHandoff::OpenContact(window, item);
             return;
         }
-        if (item.oid == -1 || item.oid == -2) return;
+        if (item.oid == -1 || item.oid == -2)
+            return;
         if (ViewNavigator* navigator = ViewNavigator::Current())
             navigator->OpenItemDetail(item.oid, item.IsTask(), selectedDate_);
         return;
@@ -153,21 +162,25 @@ void ViewPage::OpenTappedRow() {
 }
 
 void ViewPage::OnHeaderTap(const DateTime& date) {
-    if (ViewNavigator* navigator = ViewNavigator::Current()) navigator->OpenDayView(date);
+    if (ViewNavigator* navigator = ViewNavigator::Current())
+        navigator->OpenDayView(date);
 }
 
 void ViewPage::OnListHold(int index) {
-    if (!PassTapGuard()) return;
+    if (!PassTapGuard())
+        return;
     list_.Scroller().EndDrag();
     list_.Redraw(false);
     auto* row = dynamic_cast<ViewRow*>(list_.Item(index));
-    if (!row || !row->Item()) return;
+    if (!row || !row->Item())
+        return;
     OpenItemPopup(*row->Item(), row->DayDate());
 }
 
 void ViewPage::OpenItemPopup(const PimItem& item, double dayDate) {
     // Only items of the store have actions; birthdays and anniversaries none.
-    if (item.oid <= 0 || item.kind == PimItem::kBirthday || item.kind == PimItem::kAnniversary) return;
+    if (item.oid <= 0 || item.kind == PimItem::kBirthday || item.kind == PimItem::kAnniversary)
+        return;
     selectedItem_ = item;
     selectedDate_ = dayDate > 0 ? DateTime(dayDate) : CurrentDate();
     OpenContextMenu(ItemCommands::ItemMenu());
@@ -182,18 +195,23 @@ void ViewPage::OnListSwipe(bool) {}
 
 void ViewPage::SelectRowItem(int index) {
     auto* row = dynamic_cast<ViewRow*>(list_.Item(index));
-    if (!row) return;
+    if (!row)
+        return;
     selectedItem_.reset();
-    if (row->Item()) selectedItem_ = *row->Item();
+    if (row->Item())
+        selectedItem_ = *row->Item();
     selectedDate_ = row->DayDate() > 0 ? DateTime(row->DayDate()) : CurrentDate();
 }
 
 void ViewPage::SelectRow(int index) {
     const int count = list_.ItemCount();
-    if (count == 0) return;
-    if (TouchListItem* old = list_.Item(selected_)) old->RemoveHighlight();
+    if (count == 0)
+        return;
+    if (TouchListItem* old = list_.Item(selected_))
+        old->RemoveHighlight();
     selected_ = ((index % count) + count) % count;
-    if (TouchListItem* row = list_.Item(selected_)) row->Highlight(0, 0);
+    if (TouchListItem* row = list_.Item(selected_))
+        row->Highlight(0, 0);
     list_.Reveal(selected_, true);
     list_.RefreshViewport();
 }
@@ -209,7 +227,8 @@ void ViewPage::OnDeferredCommand(UINT id) {
 }
 
 void ViewPage::RunCommand(UINT command) {
-    if (OnViewCommand(command)) return;
+    if (OnViewCommand(command))
+        return;
     if (command == ItemCommands::kToday) {
         ScrollToToday();
         return;
@@ -220,14 +239,20 @@ void ViewPage::RunCommand(UINT command) {
     }
     const PimItem* item = selectedItem_ ? &*selectedItem_ : nullptr;
     const HWND self = window;
-    switch (ItemCommands::Run(window, command, item, selectedDate_.IsValid() ? selectedDate_ : CurrentDate())) {
+    switch (
+        ItemCommands::Run(window, command, item, selectedDate_.IsValid() ? selectedDate_ : CurrentDate())) {
     case ItemCommands::Outcome::Changed:
-        if (!IsWindow(self)) return;
+        if (!IsWindow(self))
+            return;
         refresh_ = true;
-        if (IsWindowVisible(window)) Reload();
+        if (IsWindowVisible(window))
+            Reload();
         break;
-    case ItemCommands::Outcome::Unknown: CloseView(); break;
-    case ItemCommands::Outcome::Done: break;
+    case ItemCommands::Outcome::Unknown:
+        CloseView();
+        break;
+    case ItemCommands::Outcome::Done:
+        break;
     }
 }
 
@@ -244,8 +269,10 @@ void ViewPage::ScrollToTomorrow() {
 }
 
 void ViewPage::CloseView() {
-    if (window) ShowWindow(window, SW_HIDE);
-    if (closeHandler_) closeHandler_(*this);
+    if (window)
+        ShowWindow(window, SW_HIDE);
+    if (closeHandler_)
+        closeHandler_(*this);
 }
 
 void ViewPage::OnMenuButton(const std::string&) {}
@@ -257,16 +284,19 @@ void ViewPage::OnCommand(UINT, UINT, HWND control) {
     }
     const int index = menuBar_.IndexOf(control);
     const std::vector<MenuBarEntry> entries = MenuEntries();
-    if (index < 0 || index >= static_cast<int>(entries.size())) return;
+    if (index < 0 || index >= static_cast<int>(entries.size()))
+        return;
     const std::string& key = entries[static_cast<size_t>(index)].langKey;
     ViewNavigator* navigator = ViewNavigator::Current();
     const DateTime date = CurrentDate();
     if (key == "Menu") {
         OpenContextMenu(ItemCommands::AppMenu());
     } else if (key == "Filter") {
-        if (navigator && navigator->OpenFilter(window)) Reload();
+        if (navigator && navigator->OpenFilter(window))
+            Reload();
     } else if (key == "Tasks") {
-        if (navigator) navigator->OpenTasksView(date);
+        if (navigator)
+            navigator->OpenTasksView(date);
     } else if (key == "New") {
         selectedDate_ = date;
         OpenContextMenu(ItemCommands::NewMenu());
@@ -274,24 +304,28 @@ void ViewPage::OnCommand(UINT, UINT, HWND control) {
         selectedDate_ = date;
         RunCommand(ItemCommands::kNewTask);
     } else if (key == "Back" || key == "MonthView") {
-        if (key == "MonthView" && navigator) navigator->HideWeekAndAgenda();
+        if (key == "MonthView" && navigator)
+            navigator->HideWeekAndAgenda();
         CloseView();
     } else if (key == "WeekView" || key == "AgendaView") {
         CloseView();
-        if (navigator) (key == "WeekView") ? navigator->ShowWeekView(date) : navigator->ShowAgendaView(date);
+        if (navigator)
+            (key == "WeekView") ? navigator->ShowWeekView(date) : navigator->ShowAgendaView(date);
     } else {
         OnMenuButton(key);
     }
 }
 
 LRESULT ViewPage::OnNotify(UINT_PTR, NMHDR* header) {
-    if (header && header->hwndFrom == title_.GetHwnd() && header->code == NM_LONG_PRESS) OnTitleHold();
+    if (header && header->hwndFrom == title_.GetHwnd() && header->code == NM_LONG_PRESS)
+        OnTitleHold();
     return 0;
 }
 
 void ViewPage::OnTitleTap() {
     // The title takes the user back to the month.
-    if (ViewNavigator* navigator = ViewNavigator::Current()) navigator->HideWeekAndAgenda();
+    if (ViewNavigator* navigator = ViewNavigator::Current())
+        navigator->HideWeekAndAgenda();
     CloseView();
 }
 
@@ -299,15 +333,24 @@ void ViewPage::OnTitleHold() {
     OpenContextMenu({{Lang("Today"), ItemCommands::kToday}, {Lang("Tomorrow"), ItemCommands::kTomorrow}});
 }
 
-bool ViewPage::OnViewCommand(UINT) { return false; }
+bool ViewPage::OnViewCommand(UINT) {
+    return false;
+}
 
-bool ViewPage::OnViewKey(UINT) { return false; }
+bool ViewPage::OnViewKey(UINT) {
+    return false;
+}
 
 void ViewPage::OnKeyDown(UINT key, UINT) {
-    if (OnViewKey(key)) return;
+    if (OnViewKey(key))
+        return;
     switch (key) {
-    case VK_UP: SelectRow(selected_ < 0 ? list_.ItemCount() - 1 : selected_ - 1); break;
-    case VK_DOWN: SelectRow(selected_ + 1); break;
+    case VK_UP:
+        SelectRow(selected_ < 0 ? list_.ItemCount() - 1 : selected_ - 1);
+        break;
+    case VK_DOWN:
+        SelectRow(selected_ + 1);
+        break;
     case VK_RETURN:
         if (auto* row = dynamic_cast<ViewRow*>(list_.Item(selected_))) {
             SelectRowItem(selected_);
@@ -316,8 +359,11 @@ void ViewPage::OnKeyDown(UINT key, UINT) {
             OpenTappedRow();
         }
         break;
-    case VK_ESCAPE: CloseView(); break;
-    default: break;
+    case VK_ESCAPE:
+        CloseView();
+        break;
+    default:
+        break;
     }
 }
 
@@ -325,21 +371,27 @@ LRESULT ViewPage::OnActivate(UINT state, BOOL minimized, HWND other) {
     DialogWnd::OnActivate(state, minimized, other);
     if (state == WA_ACTIVE || state == WA_CLICKACTIVE) {
         // After midnight the rows' "Today" is yesterday: fill again.
-        if (refresh_ || filledDay_ != DateTime::Today()) Reload();
+        if (refresh_ || filledDay_ != DateTime::Today())
+            Reload();
         SetFocus(window);
     }
     return 0;
 }
 
 void ViewPage::OnShowWindow(BOOL shown) {
-    if (shown && (refresh_ || filledDay_ != DateTime::Today())) Reload();
+    if (shown && (refresh_ || filledDay_ != DateTime::Today()))
+        Reload();
 }
 
 void ViewPage::OnStoreChanged(const StoreChange&) {
-    if (IsWindowVisible(window)) Reload();
-    else refresh_ = true;
+    if (IsWindowVisible(window))
+        Reload();
+    else
+        refresh_ = true;
 }
 
-void ViewPage::OnCloseAll() { CloseView(); }
+void ViewPage::OnCloseAll() {
+    CloseView();
+}
 
 } // namespace mirodate

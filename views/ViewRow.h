@@ -23,7 +23,8 @@ public:
     virtual double DayDate() const { return 0.0; }
 
     void Click(HWND, int x, int y) override {
-        if (look_.listener) look_.listener->OnRowTap(*this, x, y);
+        if (look_.listener)
+            look_.listener->OnRowTap(*this, x, y);
     }
     const RowLook& Look() const { return look_; }
 

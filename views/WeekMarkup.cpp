@@ -19,13 +19,18 @@ constexpr char16_t kActionPrefix[] = u"action:\\\\\\";
 constexpr char16_t kItemTag[] = u"item:";
 constexpr char16_t kRed[] = u"ff0000";
 
-std::u16string Ascii(const char* text) { return std::u16string(text, text + std::char_traits<char>::length(text)); }
+std::u16string Ascii(const char* text) {
+    return std::u16string(text, text + std::char_traits<char>::length(text));
+}
 
-std::u16string Number(long value) { return Ascii(std::to_string(value).c_str()); }
+std::u16string Number(long value) {
+    return Ascii(std::to_string(value).c_str());
+}
 
 // The text up to (not including) the next ':' from `at`, moving past it.
 std::u16string Field(const std::u16string& text, std::size_t& at) {
-    if (at >= text.size()) return {};
+    if (at >= text.size())
+        return {};
     const std::size_t end = std::min(text.find(u':', at), text.size());
     std::u16string field = text.substr(at, end - at);
     at = end + 1;
@@ -33,10 +38,12 @@ std::u16string Field(const std::u16string& text, std::size_t& at) {
 }
 
 bool ParseNumber(const std::u16string& text, long long& value, std::size_t maxDigits) {
-    if (text.empty() || text.size() > maxDigits) return false;
+    if (text.empty() || text.size() > maxDigits)
+        return false;
     value = 0;
     for (char16_t c : text) {
-        if (c < u'0' || c > u'9') return false;
+        if (c < u'0' || c > u'9')
+            return false;
         value = value * 10 + (c - u'0');
     }
     return true;
@@ -49,14 +56,16 @@ public:
     void Appointment(const PimItem& item) {
         const std::u16string color = ColorOf(item);
         std::u16string subject = WeekMarkup::Escape(item.subject);
-        if (options_.strikePast && item.endValue < options_.now.ToDate()) subject = u"<s>" + subject + u"</s>";
+        if (options_.strikePast && item.endValue < options_.now.ToDate())
+            subject = u"<s>" + subject + u"</s>";
         const bool startsToday = std::floor(item.startValue) == std::floor(day_.ToDate());
         const bool timed = !item.isAllDay && item.kind == PimItem::kAppointment;
         std::u16string entry;
         if (timed && startsToday && options_.showTime) {
             const std::u16string time = Locale::FormatShortTime(item.start);
-            entry = color.empty() ? u"<b>" + time + u" " + subject + u"</b>"
-                                  : u"<font color='#" + color + u"'><b>" + time + u" " + subject + u"</b></font>";
+            entry = color.empty()
+                        ? u"<b>" + time + u" " + subject + u"</b>"
+                        : u"<font color='#" + color + u"'><b>" + time + u" " + subject + u"</b></font>";
         } else if (timed) {
             entry = color.empty() ? u"<b>" + subject + u"</b>"
                                   : u"<font color='#" + color + u"'><b>" + subject + u"</b></font>";
@@ -71,7 +80,8 @@ public:
     // (`overdue`): open tasks whose due date has passed, in red on today.
     void Task(const PimItem& task, bool overdue) {
         const std::u16string subject = WeekMarkup::Escape(task.subject);
-        if (!subject.empty() && text_.find(subject) != std::u16string::npos) return;
+        if (!subject.empty() && text_.find(subject) != std::u16string::npos)
+            return;
         std::u16string entry;
         if (overdue) {
             entry = u"<font color='#" + std::u16string(kRed) + u"'><i>" + subject + u"</i></font>";
@@ -85,19 +95,22 @@ public:
     }
 
     std::u16string Finish(WeekMarkup::DayCounts* counts) const {
-        if (counts) *counts = counts_;
+        if (counts)
+            *counts = counts_;
         const std::u16string textColor = WeekMarkup::HexColor(options_.text);
         std::u16string body = text_;
         if (options_.maxEvents >= 0 && counts_.appointments + counts_.tasks > options_.maxEvents) {
             body = u"<font color='#" + textColor + u"'>" + Lang("Appointments") + u": " +
-                   Number(counts_.appointments) + u", " + Lang("Tasks") + u": " + Number(counts_.tasks) + u"</font>";
+                   Number(counts_.appointments) + u", " + Lang("Tasks") + u": " + Number(counts_.tasks) +
+                   u"</font>";
         }
         return u"<font color='#" + textColor + u"'>" + body + u"</font>";
     }
 
 private:
     std::u16string ColorOf(const PimItem& item) const {
-        if (!options_.colorize || item.colors.empty()) return {};
+        if (!options_.colorize || item.colors.empty())
+            return {};
         return WeekMarkup::HexColor(item.colors.front());
     }
 
@@ -140,7 +153,8 @@ std::u16string WeekEntryLink::ToArgument() const {
 
 std::optional<WeekEntryLink> WeekEntryLink::Parse(const std::u16string& argument) {
     const std::u16string tag(kItemTag);
-    if (argument.compare(0, tag.size(), tag) != 0) return std::nullopt;
+    if (argument.compare(0, tag.size(), tag) != 0)
+        return std::nullopt;
     std::size_t at = tag.size();
     const std::u16string oid = Field(argument, at);
     const std::u16string kind = Field(argument, at);
@@ -155,7 +169,8 @@ std::optional<WeekEntryLink> WeekEntryLink::Parse(const std::u16string& argument
     link.task = kind == u"t";
     link.day = DateTime(static_cast<int>(dateValue / 10000), static_cast<int>(dateValue / 100 % 100),
                         static_cast<int>(dateValue % 100));
-    if (!link.day.IsValid()) return std::nullopt;
+    if (!link.day.IsValid())
+        return std::nullopt;
     return link;
 }
 
@@ -163,7 +178,8 @@ std::u16string WeekMarkup::DayBox(const DateTime& day, const std::vector<PimItem
                                   const std::vector<PimItem>& tasks, const WeekMarkupOptions& options,
                                   DayCounts* counts) {
     BoxWriter writer(day, options);
-    for (const PimItem& item : appointments) writer.Appointment(item);
+    for (const PimItem& item : appointments)
+        writer.Appointment(item);
     if (options.tasks) {
         const double dayStart = std::floor(day.ToDate());
         const double today = std::floor(options.now.ToDate());
@@ -176,9 +192,11 @@ std::u16string WeekMarkup::DayBox(const DateTime& day, const std::vector<PimItem
                    std::floor(task.dueDateValue) < today;
         };
         for (const PimItem& task : tasks)
-            if (!task.isComplete && placed(task)) writer.Task(task, false);
+            if (!task.isComplete && placed(task))
+                writer.Task(task, false);
         for (const PimItem& task : tasks)
-            if (overdue(task)) writer.Task(task, true);
+            if (overdue(task))
+                writer.Task(task, true);
     }
     return writer.Finish(counts);
 }
@@ -225,9 +243,12 @@ std::u16string WeekMarkup::Escape(const std::u16string& text) {
     std::u16string out;
     out.reserve(text.size());
     for (char16_t c : text) {
-        if (c == u'<') out += u"&lt;";
-        else if (c == u'&') out += u"&amp;";
-        else out += c;
+        if (c == u'<')
+            out += u"&lt;";
+        else if (c == u'&')
+            out += u"&amp;";
+        else
+            out += c;
     }
     return out;
 }

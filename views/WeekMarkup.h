@@ -21,11 +21,11 @@ struct WeekMarkupOptions {
     // than a box shows without scrolling; beyond it the counts say more.
     static constexpr int kDefaultMaxEvents = 15;
 
-    bool showTime = true;     // "ShowTimeOnWeek"
-    int maxEvents = -1;       // "WeekMaxEvents"; negative: no limit
-    bool tasks = true;        // "ShowTasksByDueDate" or "ShowTasksByStartDate"
-    bool strikePast = false;  // "StrikeThroughPastEvents"
-    bool colorize = false;    // "ColorizeText"
+    bool showTime = true;         // "ShowTimeOnWeek"
+    int maxEvents = -1;           // "WeekMaxEvents"; negative: no limit
+    bool tasks = true;            // "ShowTasksByDueDate" or "ShowTasksByStartDate"
+    bool strikePast = false;      // "StrikeThroughPastEvents"
+    bool colorize = false;        // "ColorizeText"
     COLORREF text = RGB(0, 0, 0); // "colorText" of the week view
     DateTime now;
 

@@ -34,7 +34,9 @@ std::unique_ptr<Font> LabelFont(int weight) {
 }
 } // namespace
 
-WeekView::WeekView() : ViewPage(SkinStyles::Current().weekView) { SetDate(DateTime::Today()); }
+WeekView::WeekView() : ViewPage(SkinStyles::Current().weekView) {
+    SetDate(DateTime::Today());
+}
 
 WeekView::~WeekView() = default;
 
@@ -46,11 +48,14 @@ std::vector<MenuBarEntry> WeekView::MenuEntries() const {
             {"AgendaView", MenuBarIcon::Agenda}};
 }
 
-std::u16string WeekView::Title() const { return WeekMarkup::Title(first_); }
+std::u16string WeekView::Title() const {
+    return WeekMarkup::Title(first_);
+}
 
 void WeekView::SetDate(const DateTime& date) {
     first_ = WeekMarkup::WeekStart(date.IsValid() ? date : DateTime::Today(), Locale::FirstDayOfWeek());
-    if (!window) return;
+    if (!window)
+        return;
     title_.SetLabel(Title());
     SetWindowText(window, Title());
     Reload();
@@ -83,7 +88,9 @@ void WeekView::LayoutLists(const RECT& area) {
             DefaultFont(entryFont);
             entryFont.lfHeight = -std::max(Scale(kEntryFontHeight) + FontSizeDelta(), 6);
             box->SetFont(entryFont);
-            box->Links().confirm = [this](const std::u16string& text) { return MessagePage::YesNo(window, text); };
+            box->Links().confirm = [this](const std::u16string& text) {
+                return MessagePage::YesNo(window, text);
+            };
             box->Links().inform = [this](const std::u16string& text, const std::u16string&) {
                 MessagePage::Tell(window, text);
             };
@@ -91,7 +98,8 @@ void WeekView::LayoutLists(const RECT& area) {
             box->onTapOutsideLink = [this, i](int, int) { OpenDay(i); };
             box->onSwipe = [this](bool left) { OnSwipe(left); };
         } else {
-            MoveWindow(box->GetHwnd(), area.left + label, boxTop, area.Width() - label, bottom - boxTop, true);
+            MoveWindow(box->GetHwnd(), area.left + label, boxTop, area.Width() - label, bottom - boxTop,
+                       true);
         }
     }
 }
@@ -102,22 +110,26 @@ RECT WeekView::LabelRect(int index) const {
 }
 
 void WeekView::Reload() {
-    if (!window || !boxes_[0]) return;
+    if (!window || !boxes_[0])
+        return;
     PimStore& store = PimStore::Instance();
     // A fill that finds the cache taken leaves the boxes as they are.
     std::unique_lock lock(store.CacheLock(), std::try_to_lock);
-    if (!lock.owns_lock() || store.IsBusy()) return;
+    if (!lock.owns_lock() || store.IsBusy())
+        return;
     const WeekMarkupOptions options = WeekMarkupOptions::FromSettings();
     for (int i = 0; i < WeekMarkup::kDaysPerWeek; ++i) {
         const DateTime day = first_ + DateTimeSpan(i, 0, 0, 0);
         appointments_.clear();
         tasks_.clear();
         store.GetDayAppointments(day.GetYear(), day.GetMonth(), day.GetDay(), appointments_);
-        if (options.tasks) store.GetDayTasks(day.GetYear(), day.GetMonth(), day.GetDay(), tasks_);
+        if (options.tasks)
+            store.GetDayTasks(day.GetYear(), day.GetMonth(), day.GetDay(), tasks_);
         auto& box = *boxes_[static_cast<std::size_t>(i)];
         const std::u16string markup =
             WeekMarkup::DayBox(day, appointments_, tasks_, options, &counts_[static_cast<std::size_t>(i)]);
-        if (markup != box.GetText()) box.SetText(markup);
+        if (markup != box.GetText())
+            box.SetText(markup);
     }
     filledDay_ = DateTime::Today();
     refresh_ = false;
@@ -125,7 +137,8 @@ void WeekView::Reload() {
 }
 
 void WeekView::OnPaint(HDC dc) {
-    if (!dc) return;
+    if (!dc)
+        return;
     RECT client;
     GetClientRect(window, &client);
     dc->FillRect(client, look_.separator);
@@ -137,8 +150,9 @@ void WeekView::OnPaint(HDC dc) {
         const RECT label = LabelRect(i);
         dc->GradientFillVertical(label, style.colorHeaderBg, style.colorHeaderGradient);
         const bool isToday = day == today;
-        if (isToday) dc->FillRect(RECT{label.left, label.top, label.left + Scale(kTodayMarkWidth), label.bottom},
-                                  style.colorTimeScale);
+        if (isToday)
+            dc->FillRect(RECT{label.left, label.top, label.left + Scale(kTodayMarkWidth), label.bottom},
+                         style.colorTimeScale);
         // The weekday above the day of the month, both centred in the label.
         const DateTime noon(day.GetYear(), day.GetMonth(), day.GetDay(), 12, 0, 0);
         const int middle = (label.top + label.bottom) / 2;
@@ -148,8 +162,7 @@ void WeekView::OnPaint(HDC dc) {
         dc->DrawText(Locale::DayName(day.GetDayOfWeek(), true), upper, DT_CENTER | DT_BOTTOM | DT_SINGLELINE);
         dc->SelectFont(labelBoldFont_.get());
         RECT lower{label.left, middle, label.right, label.bottom};
-        dc->DrawText(Locale::FormatDatePicture(noon.ToSystemTime(), u"d"), lower,
-                     DT_CENTER | DT_SINGLELINE);
+        dc->DrawText(Locale::FormatDatePicture(noon.ToSystemTime(), u"d"), lower, DT_CENTER | DT_SINGLELINE);
     }
 }
 
@@ -165,14 +178,16 @@ LRESULT WeekView::OnPointerUp(int button, int x, int y, WPARAM keys) {
 }
 
 void WeekView::OpenDay(int index) {
-    if (!PassTapGuard()) return;
+    if (!PassTapGuard())
+        return;
     if (ViewNavigator* navigator = ViewNavigator::Current())
         navigator->OpenDayView(first_ + DateTimeSpan(index, 0, 0, 0));
 }
 
 void WeekView::OpenEntry(const std::u16string& argument) {
     const std::optional<WeekEntryLink> link = WeekEntryLink::Parse(argument);
-    if (!link || link->oid <= 0 || !PassTapGuard()) return;
+    if (!link || link->oid <= 0 || !PassTapGuard())
+        return;
     if (ViewNavigator* navigator = ViewNavigator::Current())
         navigator->OpenItemDetail(link->oid, link->task, link->day);
 }
@@ -183,17 +198,22 @@ void WeekView::ChangeWeek(int weeks) {
 
 void WeekView::OnSwipe(bool toLeft) {
     const DWORD now = GetTickCount();
-    if (swipeSeen_ && now - lastSwipe_ <= kSwipeGuard) return;
+    if (swipeSeen_ && now - lastSwipe_ <= kSwipeGuard)
+        return;
     swipeSeen_ = true;
     lastSwipe_ = now;
     ChangeWeek(toLeft ? 1 : -1);
 }
 
 bool WeekView::OnViewKey(UINT key) {
-    if (key == VK_LEFT) PreviousWeek();
-    else if (key == VK_RIGHT) NextWeek();
-    else if (key == VK_UP || key == VK_DOWN || key == VK_RETURN) return true; // no rows to select
-    else return false;
+    if (key == VK_LEFT)
+        PreviousWeek();
+    else if (key == VK_RIGHT)
+        NextWeek();
+    else if (key == VK_UP || key == VK_DOWN || key == VK_RETURN)
+        return true; // no rows to select
+    else
+        return false;
     return true;
 }
 

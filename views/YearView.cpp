@@ -317,6 +317,8 @@ void YearView::OnStoreChanged(const StoreChange&) {
     InvalidateRect(window, nullptr, false);
 }
 
-void YearView::OnCloseAll() { Close(); }
+void YearView::OnCloseAll() {
+    Close();
+}
 
 } // namespace mirodate

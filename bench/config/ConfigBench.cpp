@@ -48,7 +48,8 @@ double Max(const std::vector<double>& values) {
 
 int main(int argc, char** argv) {
     BenchStoreSetup setup;
-    if (!setup.Prepare("bench_config", argc, argv, 20)) return 1;
+    if (!setup.Prepare("bench_config", argc, argv, 20))
+        return 1;
     const std::string& dir = setup.dir;
     const StoreGeneratorOptions& generator = setup.generator;
     const int runs = setup.runs;

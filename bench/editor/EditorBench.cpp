@@ -23,9 +23,12 @@ using namespace mirodate;
 
 namespace {
 using Steady = std::chrono::steady_clock;
-double Ms(Steady::duration d) { return std::chrono::duration<double, std::milli>(d).count(); }
+double Ms(Steady::duration d) {
+    return std::chrono::duration<double, std::milli>(d).count();
+}
 double Median(std::vector<double> v) {
-    if (v.empty()) return 0.0;
+    if (v.empty())
+        return 0.0;
     std::sort(v.begin(), v.end());
     return v[v.size() / 2];
 }
@@ -33,7 +36,8 @@ double Median(std::vector<double> v) {
 
 int main(int argc, char** argv) {
     BenchStoreSetup setup;
-    if (!setup.Prepare("bench_editor", argc, argv, 20)) return 1;
+    if (!setup.Prepare("bench_editor", argc, argv, 20))
+        return 1;
     const StoreGeneratorOptions& generator = setup.generator;
     HeadlessDisplay display(480, 640);
     WindowManager windows(display);
@@ -85,7 +89,8 @@ int main(int argc, char** argv) {
     }
     std::printf("bench_editor: %d runs on %s\n", setup.runs, generator.root.c_str());
     std::printf("  Edit to first painted editor frame: median %.2f ms (target < 30 ms)\n", Median(opens));
-    std::printf("  OK on a changed appointment to painted month with markers: median %.2f ms (target < 50 ms)\n",
-                Median(saves));
+    std::printf(
+        "  OK on a changed appointment to painted month with markers: median %.2f ms (target < 50 ms)\n",
+        Median(saves));
     return 0;
 }

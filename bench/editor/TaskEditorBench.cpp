@@ -21,18 +21,24 @@ using namespace mirodate;
 
 namespace {
 using Steady = std::chrono::steady_clock;
-double Ms(Steady::duration d) { return std::chrono::duration<double, std::milli>(d).count(); }
+double Ms(Steady::duration d) {
+    return std::chrono::duration<double, std::milli>(d).count();
+}
 double Median(std::vector<double> v) {
-    if (v.empty()) return 0.0;
+    if (v.empty())
+        return 0.0;
     std::sort(v.begin(), v.end());
     return v[v.size() / 2];
 }
-double Worst(const std::vector<double>& v) { return v.empty() ? 0.0 : *std::max_element(v.begin(), v.end()); }
+double Worst(const std::vector<double>& v) {
+    return v.empty() ? 0.0 : *std::max_element(v.begin(), v.end());
+}
 } // namespace
 
 int main(int argc, char** argv) {
     BenchStoreSetup setup;
-    if (!setup.Prepare("bench_taskeditor", argc, argv, 20)) return 1;
+    if (!setup.Prepare("bench_taskeditor", argc, argv, 20))
+        return 1;
     const StoreGeneratorOptions& generator = setup.generator;
     HeadlessDisplay display(480, 640);
     WindowManager windows(display);
@@ -82,8 +88,9 @@ int main(int argc, char** argv) {
         windows.RunFor(600);
     }
     std::printf("bench_taskeditor: %d runs on %s\n", setup.runs, generator.root.c_str());
-    std::printf("  Edit on a task to first painted editor frame: median %.2f ms, worst %.2f ms (target < 30 ms)\n",
-                Median(opens), Worst(opens));
+    std::printf(
+        "  Edit on a task to first painted editor frame: median %.2f ms, worst %.2f ms (target < 30 ms)\n",
+        Median(opens), Worst(opens));
     std::printf("  OK on a changed task to the tasks view painted again: median %.2f ms, worst %.2f ms "
                 "(target < 50 ms)\n",
                 Median(saves), Worst(saves));

@@ -108,8 +108,8 @@ int main(int argc, char** argv) {
     std::ofstream(dir + "/import.ics", std::ios::binary) << MakeFile(events, utc);
 
     HeadlessDisplay display(480, 640);
-    double reading = 0, writing = 0, longestGap = 0, readingGap = 0, longestTurn = 0, finishing = 0, untilMessage = 0,
-           listing = 0;
+    double reading = 0, writing = 0, longestGap = 0, readingGap = 0, longestTurn = 0, finishing = 0,
+           untilMessage = 0, listing = 0;
     int written = 0;
     double userBefore = 0, systemBefore = 0, userAfter = 0, systemAfter = 0;
     {
@@ -189,8 +189,9 @@ int main(int argc, char** argv) {
     std::printf("  import of %d items                 %8.1f ms   target < 3000 ms\n", written, writing);
     std::printf("    processor time meanwhile: ours     %8.1f ms, the kernel's %.1f ms (all threads)\n",
                 userAfter - userBefore, systemAfter - systemBefore);
-    std::printf("  creating %d empty files on the disk  %8.1f ms   (the disk's own share, measured right after)\n",
-                events, bare);
+    std::printf(
+        "  creating %d empty files on the disk  %8.1f ms   (the disk's own share, measured right after)\n",
+        events, bare);
     std::printf("  longest gap between repaints         %8.1f ms   target <= 100 ms (while importing)\n",
                 longestGap);
     std::printf("  longest turn of the window's own work %7.1f ms   (the rest of a gap is waiting for the "
@@ -199,7 +200,8 @@ int main(int argc, char** argv) {
     std::printf(
         "  the turn that ends it                %8.1f ms   (the list filled again, the closing message)\n",
         finishing);
-    std::printf("    of which before the message opens  %8.1f ms   target <= 100 ms (then its own loop paints)\n",
-                untilMessage);
+    std::printf(
+        "    of which before the message opens  %8.1f ms   target <= 100 ms (then its own loop paints)\n",
+        untilMessage);
     return written == events ? 0 : 1;
 }

@@ -77,7 +77,8 @@ int main() {
         int settledOnWhole = 0;
         for (int fling = 0; fling < kFlings; ++fling) {
             const bool up = fling % 2 == 0;
-            const int from = middle + (up ? reach / 2 : -reach / 2), to = middle + (up ? -reach / 2 : reach / 2);
+            const int from = middle + (up ? reach / 2 : -reach / 2),
+                      to = middle + (up ? -reach / 2 : reach / 2);
             pointer(DisplayEvent::Type::PointerDown, from);
             for (int step = 1; step <= 4; ++step) {
                 windows.RunFor(16);
@@ -95,13 +96,13 @@ int main() {
                     frames.push_back(std::chrono::duration<double, std::milli>(t1 - t0).count());
                     cpu.push_back(c1 - c0);
                 }
-
             }
-            if (static_cast<int>(wheel.Offset()) % wheel.RowHeight() == 0) ++settledOnWhole;
+            if (static_cast<int>(wheel.Offset()) % wheel.RowHeight() == 0)
+                ++settledOnWhole;
         }
         const double median = Percentile(frames, 0.5);
-        std::printf("time wheel fling at %dx%d: %d flings, %zu painted frames (%.1f per fling)\n", kWidth, kHeight,
-                    kFlings, frames.size(), static_cast<double>(frames.size()) / kFlings);
+        std::printf("time wheel fling at %dx%d: %d flings, %zu painted frames (%.1f per fling)\n", kWidth,
+                    kHeight, kFlings, frames.size(), static_cast<double>(frames.size()) / kFlings);
         std::printf("frame cost: median %.3f ms (target < %.1f), p99 %.3f ms, worst %.3f ms\n", median,
                     kTargetMedianMs, Percentile(frames, 0.99), Percentile(frames, 1.0));
         // On a loaded machine the wall figures include the scheduler's slices

@@ -40,7 +40,9 @@ public:
     }
 };
 
-double Ms(std::chrono::steady_clock::duration d) { return std::chrono::duration<double, std::milli>(d).count(); }
+double Ms(std::chrono::steady_clock::duration d) {
+    return std::chrono::duration<double, std::milli>(d).count();
+}
 
 void Report(const char* what, std::vector<double> times) {
     std::sort(times.begin(), times.end());

@@ -12,8 +12,8 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <cstdint>
+#include <cstdio>
 #include <functional>
 #include <regex>
 #include <string>
@@ -45,15 +45,21 @@ struct Random {
     }
 };
 
-const char* const kWords[] = {"meeting", "with", "the", "team", "about", "budget", "Besprechung", "für",
-                              "Übergabe", "room", "B2", "call", "bring", "notes", "and", "slides", "lunch",
-                              "at", "12:30", "Größe", "café", "review", "2024-03-15", "v1.2", "ok", "Q3",
-                              "project", "deadline", "is", "Friday", "see", "attached", "agenda", "1st"};
-const char* const kLinks[] = {"http://www.example.com",       "https://intra.example.org/wiki/",
-                              "http://192.168.10.1:8080/",     "anna.berg@example.com",
-                              "support+cal@mail.example.co.uk", "+49 30 12345678",
-                              "(0301) 234-5678",               "030 1234 5678 ext123",
-                              "[/home/anna/notes.txt]",        "0171-2345678"};
+const char* const kWords[] = {
+    "meeting",  "with",  "the",    "team",   "about",      "budget", "Besprechung", "für",   "Übergabe",
+    "room",     "B2",    "call",   "bring",  "notes",      "and",    "slides",      "lunch", "at",
+    "12:30",    "Größe", "café",   "review", "2024-03-15", "v1.2",   "ok",          "Q3",    "project",
+    "deadline", "is",    "Friday", "see",    "attached",   "agenda", "1st"};
+const char* const kLinks[] = {"http://www.example.com",
+                              "https://intra.example.org/wiki/",
+                              "http://192.168.10.1:8080/",
+                              "anna.berg@example.com",
+                              "support+cal@mail.example.co.uk",
+                              "+49 30 12345678",
+                              "(0301) 234-5678",
+                              "030 1234 5678 ext123",
+                              "[/home/anna/notes.txt]",
+                              "0171-2345678"};
 
 std::string MixedText(std::size_t bytes, Random& random) {
     std::string text;
@@ -168,8 +174,8 @@ int main(int argc, char** argv) {
                 "std/ours", "ours/pcre");
 
     const std::pair<const char*, const char16_t*> patterns[] = {
-        {"file", Linkifier::kFilePathPattern},   {"web", Linkifier::kWebAddressPattern},
-        {"mail", Linkifier::kMailAddressPattern}, {"phone1", Linkifier::kPhonePattern},
+        {"file", Linkifier::kFilePathPattern},        {"web", Linkifier::kWebAddressPattern},
+        {"mail", Linkifier::kMailAddressPattern},     {"phone1", Linkifier::kPhonePattern},
         {"phone2", Linkifier::kPhonePatternAnchored},
     };
     if (argc > 1) {
@@ -209,10 +215,11 @@ int main(int argc, char** argv) {
         double stdRatio = stdMs / oursMs;
         double pcreRatio = oursMs / pcreMs;
         targetsMet = targetsMet && stdRatio >= 5.0 && pcreRatio <= 2.0;
-        std::printf("%-10s %8d %10.2f %10.2f %10.2f %8.1fx %8.2fx%s\n", name, oursScan.matches, oursMs, pcreMs,
-                    stdMs, stdRatio, pcreRatio, same ? "" : "  MATCHES DIFFER");
+        std::printf("%-10s %8d %10.2f %10.2f %10.2f %8.1fx %8.2fx%s\n", name, oursScan.matches, oursMs,
+                    pcreMs, stdMs, stdRatio, pcreRatio, same ? "" : "  MATCHES DIFFER");
         if (!same)
-            std::printf("           pcre2 %d matches, std::regex %d matches\n", pcreScan.matches, stdScan.matches);
+            std::printf("           pcre2 %d matches, std::regex %d matches\n", pcreScan.matches,
+                        stdScan.matches);
     }
 
     std::u16string note = Utf8ToUtf16(RealisticNote(random));

@@ -30,9 +30,12 @@ using namespace mirodate;
 using Steady = std::chrono::steady_clock;
 
 namespace {
-double Ms(Steady::duration d) { return std::chrono::duration<double, std::milli>(d).count(); }
+double Ms(Steady::duration d) {
+    return std::chrono::duration<double, std::milli>(d).count();
+}
 double Median(std::vector<double> values) {
-    if (values.empty()) return 0;
+    if (values.empty())
+        return 0;
     std::sort(values.begin(), values.end());
     return values[values.size() / 2];
 }
@@ -44,7 +47,8 @@ public:
 
 // A reminder in the first event or task of every file.
 int AddAlarms(const std::string& root) {
-    static const std::string kAlarm = "BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:Reminder\r\nTRIGGER:-PT15M\r\nEND:VALARM\r\n";
+    static const std::string kAlarm =
+        "BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:Reminder\r\nTRIGGER:-PT15M\r\nEND:VALARM\r\n";
     int count = 0;
     for (const char* folder : {"calendar", "tasks"}) {
         for (const auto& entry : std::filesystem::directory_iterator(root + "/" + folder)) {
@@ -52,8 +56,10 @@ int AddAlarms(const std::string& root) {
             std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
             in.close();
             size_t end = text.find("END:VEVENT");
-            if (end == std::string::npos) end = text.find("END:VTODO");
-            if (end == std::string::npos) continue;
+            if (end == std::string::npos)
+                end = text.find("END:VTODO");
+            if (end == std::string::npos)
+                continue;
             text.insert(end, kAlarm);
             std::ofstream(entry.path(), std::ios::binary) << text;
             ++count;
@@ -65,7 +71,8 @@ int AddAlarms(const std::string& root) {
 
 int main(int argc, char** argv) {
     BenchStoreSetup setup;
-    if (!setup.Prepare("bench_reminders", argc, argv, 50)) return 1;
+    if (!setup.Prepare("bench_reminders", argc, argv, 50))
+        return 1;
     const int alarms = AddAlarms(setup.generator.root);
     std::printf("alarms: %d items with a reminder 15 minutes before\n", alarms);
     SilentNotifier notifier;
@@ -85,7 +92,8 @@ int main(int argc, char** argv) {
         service.Start(nullptr, hooks);
         const double cold = Ms(Steady::now() - coldStart);
         const double now = ReminderService::Now();
-        const auto window = source->GetReminders(std::floor(now), std::floor(now) + ReminderService::kLookAheadDays);
+        const auto window =
+            source->GetReminders(std::floor(now), std::floor(now) + ReminderService::kLookAheadDays);
         std::printf("first schedule: %.1f ms (%zu reminders in the %g-day window)\n", cold, window.size(),
                     ReminderService::kLookAheadDays);
 

@@ -41,7 +41,9 @@ namespace {
 
 const Clock_::time_point g_processStart = Clock_::now();
 
-double Ms(Clock_::duration d) { return std::chrono::duration<double, std::milli>(d).count(); }
+double Ms(Clock_::duration d) {
+    return std::chrono::duration<double, std::milli>(d).count();
+}
 
 double Median(std::vector<double> values) {
     std::sort(values.begin(), values.end());
@@ -50,8 +52,9 @@ double Median(std::vector<double> values) {
 
 // The whole program: a new process to its start-up screenshot, headless.
 double ProgramRun(const std::string& store, const std::string& dir) {
-    const std::string command = std::string(MIRODATE_PROGRAM) + " --headless --virtual-clock --store '" + store +
-                                "' --socket '" + dir + "/bench.sock' --screenshot '" + dir + "/shot.png' >/dev/null";
+    const std::string command = std::string(MIRODATE_PROGRAM) + " --headless --virtual-clock --store '" +
+                                store + "' --socket '" + dir + "/bench.sock' --screenshot '" + dir +
+                                "/shot.png' >/dev/null";
     const auto start = Clock_::now();
     const int status = std::system(command.c_str());
     const double ms = Ms(Clock_::now() - start);
@@ -62,14 +65,18 @@ double ProgramRun(const std::string& store, const std::string& dir) {
 double TimeCommand(const std::string& command, std::size_t* lines = nullptr) {
     const auto start = Clock_::now();
     FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) return -1;
+    if (!pipe)
+        return -1;
     char buffer[65536];
     std::size_t count = 0;
-    while (std::size_t n = std::fread(buffer, 1, sizeof buffer, pipe)) count += std::count(buffer, buffer + n, '\n');
+    while (std::size_t n = std::fread(buffer, 1, sizeof buffer, pipe))
+        count += std::count(buffer, buffer + n, '\n');
     const int status = pclose(pipe);
     const double ms = Ms(Clock_::now() - start);
-    if (lines) *lines = count;
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) std::printf("  (command failed: %s)\n", command.c_str());
+    if (lines)
+        *lines = count;
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+        std::printf("  (command failed: %s)\n", command.c_str());
     return ms;
 }
 
@@ -100,7 +107,8 @@ bool ReportResources() {
 int main(int argc, char** argv) {
     int runs = 5;
     for (int i = 1; i + 1 < argc; ++i)
-        if (std::string(argv[i]) == "--runs") runs = std::max(1, std::atoi(argv[++i]));
+        if (std::string(argv[i]) == "--runs")
+            runs = std::max(1, std::atoi(argv[++i]));
     setenv("TZ", "Europe/Berlin", 1);
     char pattern[] = "/tmp/mirodate-bench-startup-XXXXXX";
     const std::string dir = mkdtemp(pattern);
@@ -147,7 +155,8 @@ int main(int argc, char** argv) {
             screen.Close();
         });
         splash.CreateCentered();
-        while (!main) windows.RunFor(SplashScreen::kLoadTimerPeriod);
+        while (!main)
+            windows.RunFor(SplashScreen::kLoadTimerPeriod);
         windows.RunUntilIdle();
         windows.Compose();
         const auto painted = Clock_::now();
@@ -173,7 +182,8 @@ int main(int argc, char** argv) {
         };
         swipe(-120);
         swipe(120);
-        for (int i = 0; i < 40; ++i) swipes.push_back(swipe(i % 2 ? 120 : -120));
+        for (int i = 0; i < 40; ++i)
+            swipes.push_back(swipe(i % 2 ? 120 : -120));
         main.reset();
         PimStore::Instance().Close();
     }
@@ -185,19 +195,22 @@ int main(int argc, char** argv) {
         std::filesystem::remove(index);
         firstStarts.push_back(ProgramRun(generator.root, dir));
     }
-    for (int i = 0; i < runs; ++i) indexedStarts.push_back(ProgramRun(generator.root, dir));
+    for (int i = 0; i < runs; ++i)
+        indexedStarts.push_back(ProgramRun(generator.root, dir));
 
     // --list of the month, with the index, beside khal warm on the same vdir.
     const SYSTEMTIME today = RealClock().GetLocalTime();
     char from[16], to[16];
     std::snprintf(from, sizeof from, "%04d-%02d-01", today.wYear, today.wMonth);
-    std::snprintf(to, sizeof to, "%04d-%02d-%02d", today.wYear, today.wMonth, DaysInMonth(today.wYear, today.wMonth));
+    std::snprintf(to, sizeof to, "%04d-%02d-%02d", today.wYear, today.wMonth,
+                  DaysInMonth(today.wYear, today.wMonth));
     const std::string list =
         std::string(MIRODATE_PROGRAM) + " --store '" + generator.root + "' --list " + from + " " + to;
     std::size_t listLines = 0;
     TimeCommand(list, &listLines); // the index is current; this warms the page cache
     std::vector<double> lists;
-    for (int i = 0; i < std::max(runs, 7); ++i) lists.push_back(TimeCommand(list));
+    for (int i = 0; i < std::max(runs, 7); ++i)
+        lists.push_back(TimeCommand(list));
     const double listMs = Median(lists);
     double khalWarm = -1;
     std::size_t khalLines = 0;
@@ -206,7 +219,8 @@ int main(int argc, char** argv) {
         const std::string khal = "khal -c '" + config + "' list " + from + " " + to + " 2>/dev/null";
         TimeCommand(khal, &khalLines); // builds khal's cache
         std::vector<double> warm;
-        for (int i = 0; i < 3; ++i) warm.push_back(TimeCommand(khal));
+        for (int i = 0; i < 3; ++i)
+            warm.push_back(TimeCommand(khal));
         khalWarm = Median(warm);
     }
 
@@ -216,18 +230,20 @@ int main(int argc, char** argv) {
     std::printf("first painted month from process start, first start (no index): median of %d %.1f ms "
                 "(target < 300 ms)\n",
                 runs, Median(firstStarts));
-    std::printf("first painted month from process start, index present: median of %d %.1f ms (target < 150 ms)\n",
-                runs, Median(indexedStarts));
-    std::printf("--list %s..%s, new process, index present: median %.1f ms, %zu lines (target < 45 ms)\n", from, to,
-                listMs, listLines);
+    std::printf(
+        "first painted month from process start, index present: median of %d %.1f ms (target < 150 ms)\n",
+        runs, Median(indexedStarts));
+    std::printf("--list %s..%s, new process, index present: median %.1f ms, %zu lines (target < 45 ms)\n",
+                from, to, listMs, listLines);
     if (khalWarm < 0)
         std::printf("khal not installed: no comparison\n");
     else
         std::printf("khal list, same vdir and month, cache warm: median of 3 %.1f ms, %zu lines; "
                     "khal / ours %.1fx (target >= 20x)\n",
                     khalWarm, khalLines, khalWarm / listMs);
-    std::printf("month change by a swipe, cached: median %.2f ms, max %.2f ms over %zu swipes (target < 16 ms)\n",
-                Median(swipes), *std::max_element(swipes.begin(), swipes.end()), swipes.size());
+    std::printf(
+        "month change by a swipe, cached: median %.2f ms, max %.2f ms over %zu swipes (target < 16 ms)\n",
+        Median(swipes), *std::max_element(swipes.begin(), swipes.end()), swipes.size());
     std::filesystem::remove_all(dir);
     return 0;
 }

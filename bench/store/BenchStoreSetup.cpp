@@ -15,7 +15,8 @@ namespace mirodate {
 bool BenchStoreSetup::Prepare(const char* name, int argc, char** argv, int defaultRuns, int minRuns) {
     runs = defaultRuns;
     for (int i = 1; i + 1 < argc; ++i)
-        if (std::string(argv[i]) == "--runs") runs = std::max(minRuns, std::atoi(argv[++i]));
+        if (std::string(argv[i]) == "--runs")
+            runs = std::max(minRuns, std::atoi(argv[++i]));
     setenv("TZ", "Europe/Berlin", 1);
     setenv("LANG", "en_US.UTF-8", 1);
     std::string pattern = std::string("/tmp/mirodate-") + name + "-XXXXXX";
@@ -48,7 +49,8 @@ PimStore& BenchStoreSetup::OpenStore(bool fillMonth) const {
     store.Open(std::make_unique<VdirSource>(generator.root, VdirSource::Options{}));
     Categories::LoadCategoryColors();
     store.SetFilters(u"", u"", false, true, true);
-    if (fillMonth) store.FillMonth(generator.year, generator.month, true, true);
+    if (fillMonth)
+        store.FillMonth(generator.year, generator.month, true, true);
     return store;
 }
 

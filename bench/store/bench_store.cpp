@@ -34,14 +34,18 @@ double Since(Clock_::time_point start) {
 double TimeCommand(const std::string& command, std::size_t* lines = nullptr) {
     const auto start = Clock_::now();
     FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) return -1;
+    if (!pipe)
+        return -1;
     char buffer[65536];
     std::size_t count = 0;
-    while (std::size_t n = std::fread(buffer, 1, sizeof buffer, pipe)) count += std::count(buffer, buffer + n, '\n');
+    while (std::size_t n = std::fread(buffer, 1, sizeof buffer, pipe))
+        count += std::count(buffer, buffer + n, '\n');
     const int status = pclose(pipe);
     const double ms = Since(start);
-    if (lines) *lines = count;
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) std::printf("  (command failed: %s)\n", command.c_str());
+    if (lines)
+        *lines = count;
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+        std::printf("  (command failed: %s)\n", command.c_str());
     return ms;
 }
 
@@ -58,7 +62,8 @@ int main(int argc, char** argv) {
     const std::string root = (work / "vdir").string();
     setenv("XDG_CACHE_HOME", (work / "cache").c_str(), 1);
     setenv("XDG_CONFIG_HOME", (work / "config").c_str(), 1);
-    if (!std::getenv("TZ")) setenv("TZ", "Europe/Berlin", 1);
+    if (!std::getenv("TZ"))
+        setenv("TZ", "Europe/Berlin", 1);
     tzset();
     Settings::UseFile((work / "config/mirodate/settings.conf").string());
 
@@ -83,14 +88,17 @@ int main(int argc, char** argv) {
     std::printf("month: %s to %s, TZ=%s\n\n", from, to, std::getenv("TZ"));
 
     // Open + FillMonth, with no index (first start) and with it.
-    for (const char* label : {"open + FillMonth, no index (first start)", "open + FillMonth, index present"}) {
+    for (const char* label :
+         {"open + FillMonth, no index (first start)", "open + FillMonth, index present"}) {
         PimStore store;
         start = Clock_::now();
-        if (!store.Open(std::make_unique<VdirSource>(root))) return 1;
+        if (!store.Open(std::make_unique<VdirSource>(root)))
+            return 1;
         const double open = Since(start);
         start = Clock_::now();
         store.FillMonth(year, month, true, true);
-        std::printf("%-44s %8.2f ms (open %.2f ms, fill %.2f ms)\n", label, open + Since(start), open, Since(start));
+        std::printf("%-44s %8.2f ms (open %.2f ms, fill %.2f ms)\n", label, open + Since(start), open,
+                    Since(start));
     }
 
     PimStore store;
@@ -110,8 +118,8 @@ int main(int argc, char** argv) {
             total += items.size();
         }
     const double perDay = Since(start) * 1000.0 / (kRounds * lastDay);
-    std::printf("%-44s %8.2f us per day (%.1f items a day; target < 50 us)\n", "one-day query from the cache", perDay,
-                static_cast<double>(total) / (kRounds * lastDay));
+    std::printf("%-44s %8.2f us per day (%.1f items a day; target < 50 us)\n", "one-day query from the cache",
+                perDay, static_cast<double>(total) / (kRounds * lastDay));
 
     std::vector<double> searches;
     std::size_t found = 0;
@@ -122,8 +130,8 @@ int main(int argc, char** argv) {
         searches.push_back(Since(start));
         found = appointments.size() + tasks.size();
     }
-    std::printf("%-44s %8.2f ms (median of 5, %zu matches)\n", "Search(\"meeting\"), a year ahead", Median(searches),
-                found);
+    std::printf("%-44s %8.2f ms (median of 5, %zu matches)\n", "Search(\"meeting\"), a year ahead",
+                Median(searches), found);
 
     // --list of the month, process start to last line.
     const std::string env = "XDG_CACHE_HOME='" + (work / "cache").string() + "' XDG_CONFIG_HOME='" +
@@ -133,7 +141,8 @@ int main(int argc, char** argv) {
     std::filesystem::remove(StoreIndex::PathFor(root));
     const double listNoIndex = TimeCommand(list, &ourLines);
     std::vector<double> lists;
-    for (int i = 0; i < 7; ++i) lists.push_back(TimeCommand(list));
+    for (int i = 0; i < 7; ++i)
+        lists.push_back(TimeCommand(list));
     const double listCold = Median(lists);
     std::printf("%-44s %8.2f ms (%zu lines)\n", "--list month, new process, no index", listNoIndex, ourLines);
     std::printf("%-44s %8.2f ms (median of 7)\n", "--list month, new process, index present", listCold);
@@ -145,20 +154,26 @@ int main(int argc, char** argv) {
         const auto config = work / "khal.conf";
         const auto db = work / "khal.db";
         std::ofstream(config) << "[calendars]\n[[bench]]\npath = " << root << "/calendar\ntype = calendar\n"
-                              << "[locale]\nlocal_timezone = " << std::getenv("TZ") << "\ndefault_timezone = "
-                              << std::getenv("TZ") << "\ntimeformat = %H:%M\ndateformat = %Y-%m-%d\n"
+                              << "[locale]\nlocal_timezone = " << std::getenv("TZ")
+                              << "\ndefault_timezone = " << std::getenv("TZ")
+                              << "\ntimeformat = %H:%M\ndateformat = %Y-%m-%d\n"
                               << "longdateformat = %Y-%m-%d\ndatetimeformat = %Y-%m-%d %H:%M\n"
-                              << "longdatetimeformat = %Y-%m-%d %H:%M\n[sqlite]\npath = " << db.string() << "\n";
-        const std::string khal = env + "khal -c '" + config.string() + "' list " + from + " " + to + " 2>/dev/null";
+                              << "longdatetimeformat = %Y-%m-%d %H:%M\n[sqlite]\npath = " << db.string()
+                              << "\n";
+        const std::string khal =
+            env + "khal -c '" + config.string() + "' list " + from + " " + to + " 2>/dev/null";
         std::size_t khalLines = 0;
         std::filesystem::remove(db);
         const double khalCold = TimeCommand(khal, &khalLines);
         std::vector<double> warm;
-        for (int i = 0; i < 3; ++i) warm.push_back(TimeCommand(khal));
+        for (int i = 0; i < 3; ++i)
+            warm.push_back(TimeCommand(khal));
         const double khalWarm = Median(warm);
-        std::printf("%-44s %8.2f ms (%zu lines incl. day headings)\n", "khal list month, cache cold", khalCold, khalLines);
+        std::printf("%-44s %8.2f ms (%zu lines incl. day headings)\n", "khal list month, cache cold",
+                    khalCold, khalLines);
         std::printf("%-44s %8.2f ms (median of 3)\n", "khal list month, cache warm", khalWarm);
-        std::printf("\nratio khal warm / our --list (index present): %.1fx (target >= 10x)\n", khalWarm / listCold);
+        std::printf("\nratio khal warm / our --list (index present): %.1fx (target >= 10x)\n",
+                    khalWarm / listCold);
         std::printf("ratio khal warm / our --list (no index):      %.1fx\n", khalWarm / listNoIndex);
         std::printf("ratio khal cold / our --list (no index):      %.1fx\n", khalCold / listNoIndex);
     }

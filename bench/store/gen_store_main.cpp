@@ -13,14 +13,20 @@ int main(int argc, char** argv) {
         const std::string arg = argv[i];
         const bool hasValue = i + 1 < argc;
         auto number = [&] { return std::atoi(argv[++i]); };
-        if (arg == "--events" && hasValue) options.events = number();
-        else if (arg == "--series" && hasValue) options.series = number();
-        else if (arg == "--tasks" && hasValue) options.tasks = number();
-        else if (arg == "--contacts" && hasValue) options.contacts = number();
-        else if (arg == "--seed" && hasValue) options.seed = static_cast<std::uint32_t>(number());
+        if (arg == "--events" && hasValue)
+            options.events = number();
+        else if (arg == "--series" && hasValue)
+            options.series = number();
+        else if (arg == "--tasks" && hasValue)
+            options.tasks = number();
+        else if (arg == "--contacts" && hasValue)
+            options.contacts = number();
+        else if (arg == "--seed" && hasValue)
+            options.seed = static_cast<std::uint32_t>(number());
         else if (arg == "--around" && hasValue &&
                  std::sscanf(argv[++i], "%d-%d-%d", &options.year, &options.month, &options.day) == 3) {
-        } else if (arg[0] != '-' && options.root.empty()) options.root = arg;
+        } else if (arg[0] != '-' && options.root.empty())
+            options.root = arg;
         else {
             std::fprintf(stderr, "usage: mirodate-gen-store DIR [--events N] [--series N] [--tasks N] "
                                  "[--contacts N] [--seed N] [--around YYYY-MM-DD]\n");

@@ -76,7 +76,8 @@ public:
 
 int main() {
     char settingsDir[] = "/tmp/mirodate-bench-XXXXXX";
-    if (!mkdtemp(settingsDir)) return 1;
+    if (!mkdtemp(settingsDir))
+        return 1;
     Settings::UseFile(std::string(settingsDir) + "/settings.conf");
     SYSTEMTIME start;
     start.wYear = 2024;
@@ -92,7 +93,8 @@ int main() {
     for (int i = 0; i < kChildren; ++i) {
         auto row = std::make_unique<RowWnd>();
         row->index = i;
-        row->Create(page.window, "BENCH::ROW", WS_CHILD | WS_VISIBLE, u"", 0, i * rowHeight, kWidth, rowHeight);
+        row->Create(page.window, "BENCH::ROW", WS_CHILD | WS_VISIBLE, u"", 0, i * rowHeight, kWidth,
+                    rowHeight);
         rows.push_back(std::move(row));
     }
     windows.RunFor(200); // the page's ready call and first paint
@@ -111,16 +113,17 @@ int main() {
             std::fprintf(stderr, "frame %d was not composed exactly once\n", frame);
             return 1;
         }
-        if (frame >= kWarmupFrames) times.push_back(std::chrono::duration<double, std::milli>(end - begin).count());
+        if (frame >= kWarmupFrames)
+            times.push_back(std::chrono::duration<double, std::milli>(end - begin).count());
     }
     std::sort(times.begin(), times.end());
     const double median = times[times.size() / 2];
     const double p90 = times[times.size() * 9 / 10];
     const double mean = std::accumulate(times.begin(), times.end(), 0.0) / static_cast<double>(times.size());
-    std::printf("ui_frame_bench: %dx%d, page with %d children repainting every frame, %d frames\n", kWidth, kHeight,
-                kChildren, kFrames);
-    std::printf("  median %.3f ms/frame, p90 %.3f ms, mean %.3f ms (target < %.1f ms median): %s\n", median, p90,
-                mean, kTargetMs, median < kTargetMs ? "met" : "MISSED");
+    std::printf("ui_frame_bench: %dx%d, page with %d children repainting every frame, %d frames\n", kWidth,
+                kHeight, kChildren, kFrames);
+    std::printf("  median %.3f ms/frame, p90 %.3f ms, mean %.3f ms (target < %.1f ms median): %s\n", median,
+                p90, mean, kTargetMs, median < kTargetMs ? "met" : "MISSED");
     std::filesystem::remove_all(settingsDir);
     return 0;
 }

@@ -32,12 +32,18 @@ std::atomic<long> g_allocations{0};
 } // namespace
 
 void* operator new(std::size_t size) {
-    if (g_counting.load(std::memory_order_relaxed)) g_allocations.fetch_add(1, std::memory_order_relaxed);
-    if (void* p = std::malloc(size ? size : 1)) return p;
+    if (g_counting.load(std::memory_order_relaxed))
+        g_allocations.fetch_add(1, std::memory_order_relaxed);
+    if (void* p = std::malloc(size ? size : 1))
+        return p;
     throw std::bad_alloc();
 }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+void operator delete(void* p) noexcept {
+    std::free(p);
+}
+void operator delete(void* p, std::size_t) noexcept {
+    std::free(p);
+}
 
 using namespace mirodate;
 
@@ -55,22 +61,26 @@ int g_rowsPainted = 0;
 class BenchRow : public TouchListItem {
 public:
     BenchRow(int index, const Font& timeFont, const Font& textFont, int width) : index_(index) {
-        static const char16_t* kWords[] = {u"Meeting", u"with", u"the", u"project", u"team", u"about",
-                                           u"quarterly", u"planning", u"and", u"budget", u"review", u"lunch"};
+        static const char16_t* kWords[] = {u"Meeting", u"with",   u"the",       u"project",
+                                           u"team",    u"about",  u"quarterly", u"planning",
+                                           u"and",     u"budget", u"review",    u"lunch"};
         std::u16string subject;
         const int words = 3 + (index * 7919) % 30; // one to four lines
         for (int w = 0; w < words; ++w) {
-            if (w) subject += u' ';
+            if (w)
+                subject += u' ';
             subject += kWords[(index + w * 5) % 12];
         }
-        const std::u16string time = u"09:" + std::u16string(1, static_cast<char16_t>(u'0' + index % 6)) + u"0 - 10:30";
+        const std::u16string time =
+            u"09:" + std::u16string(1, static_cast<char16_t>(u'0' + index % 6)) + u"0 - 10:30";
         time_ = TextLayout(time, timeFont, width - 24, false);
         subject_ = TextLayout(subject, textFont, width - 24, true);
         height_ = 12 + time_.Height() + 4 + subject_.Height() + 12;
     }
     void Draw(Dc& dc, const RECT& rect) override {
         ++g_rowsPainted;
-        dc.FillRect(rect, highlighted_ ? RGB(0, 0, 255) : (index_ % 2 ? RGB(0xC0, 0xC0, 0xC0) : RGB(255, 255, 255)));
+        dc.FillRect(rect, highlighted_ ? RGB(0, 0, 255)
+                                       : (index_ % 2 ? RGB(0xC0, 0xC0, 0xC0) : RGB(255, 255, 255)));
         dc.FillSolidRect(rect.left, rect.top, 8, rect.Height(), RGB(0, 0x80, 0xFF)); // category bar
         time_.Draw(dc, rect.left + 16, rect.top + 12, RGB(0, 0x60, 0));
         subject_.Draw(dc, rect.left + 16, rect.top + 16 + time_.Height(), RGB(0, 0, 0));
@@ -129,7 +139,8 @@ int main() {
         lf.lfWeight = FW_BOLD;
         const Font timeFont(lf);
         const auto fillStart = std::chrono::steady_clock::now();
-        for (int i = 0; i < kRows; ++i) list.AddItem(std::make_unique<BenchRow>(i, timeFont, textFont, kWidth));
+        for (int i = 0; i < kRows; ++i)
+            list.AddItem(std::make_unique<BenchRow>(i, timeFont, textFont, kWidth));
         const double fillMs =
             std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - fillStart).count();
         windows.RunUntilIdle();
@@ -170,11 +181,13 @@ int main() {
         const double p99 = Percentile(frames, 0.99);
         std::printf("list fling at %dx%d, %d variable-height rows (filled in %.0f ms), %zu frames\n", kWidth,
                     kHeight, kRows, fillMs, frames.size());
-        std::printf("frame cost: median %.3f ms (target < %.1f), p99 %.3f ms (target < %.1f), worst %.3f ms\n",
-                    median, kTargetMedianMs, p99, kTargetP99Ms, Percentile(frames, 1.0));
+        std::printf(
+            "frame cost: median %.3f ms (target < %.1f), p99 %.3f ms (target < %.1f), worst %.3f ms\n",
+            median, kTargetMedianMs, p99, kTargetP99Ms, Percentile(frames, 1.0));
         std::printf("rows painted per frame: %.1f; C++ allocations in the list's paint path: %ld in total\n",
                     frames.empty() ? 0.0 : static_cast<double>(painted) / frames.size(), allocationsInPaint);
-        std::printf("final scroll position %d of %d\n", list.Scroller().Position(), list.Scroller().MaxPosition());
+        std::printf("final scroll position %d of %d\n", list.Scroller().Position(),
+                    list.Scroller().MaxPosition());
         exitCode = median < kTargetMedianMs && p99 < kTargetP99Ms ? 0 : 1;
     }
     Clock::Install(std::make_unique<RealClock>());

@@ -33,9 +33,12 @@ using namespace mirodate;
 using Steady = std::chrono::steady_clock;
 
 namespace {
-double Ms(Steady::duration d) { return std::chrono::duration<double, std::milli>(d).count(); }
+double Ms(Steady::duration d) {
+    return std::chrono::duration<double, std::milli>(d).count();
+}
 double Median(std::vector<double> values) {
-    if (values.empty()) return 0;
+    if (values.empty())
+        return 0;
     std::sort(values.begin(), values.end());
     return values[values.size() / 2];
 }
@@ -43,7 +46,8 @@ double Median(std::vector<double> values) {
 
 int main(int argc, char** argv) {
     BenchStoreSetup setup;
-    if (!setup.Prepare("bench_tasksearch", argc, argv, 20)) return 1;
+    if (!setup.Prepare("bench_tasksearch", argc, argv, 20))
+        return 1;
     const std::string& dir = setup.dir;
     const int runs = setup.runs;
     Settings::SetNumber("SearchStartDelay", 750);
@@ -69,7 +73,8 @@ int main(int argc, char** argv) {
             t0 = Steady::now();
             TaskSorter::Sort(all, order);
             tasks.List().ClearItems();
-            for (const PimItem& task : all) tasks.List().AddItem(std::make_unique<ItemRow>(tasks.Look(), task, 0.0));
+            for (const PimItem& task : all)
+                tasks.List().AddItem(std::make_unique<ItemRow>(tasks.Look(), task, 0.0));
             tasks.List().Relayout();
             fills.push_back(Ms(Steady::now() - t0));
             Settings::SetNumber("TaskSort", order);
@@ -78,9 +83,10 @@ int main(int argc, char** argv) {
             windows.Compose();
             reloads.push_back(Ms(Steady::now() - t0));
         }
-        std::printf("tasks view, %d tasks: sorting and filling median %.2f ms (target < 10 ms); the store's query "
-                    "median %.2f ms; whole reload with query and paint median %.2f ms\n",
-                    tasks.List().ItemCount(), Median(fills), Median(queries), Median(reloads));
+        std::printf(
+            "tasks view, %d tasks: sorting and filling median %.2f ms (target < 10 ms); the store's query "
+            "median %.2f ms; whole reload with query and paint median %.2f ms\n",
+            tasks.List().ItemCount(), Median(fills), Median(queries), Median(reloads));
 
         // The search: three keystrokes, then the timer fires 750 ms after the last.
         SearchView search;
@@ -112,9 +118,10 @@ int main(int argc, char** argv) {
             }
             found = search.List().ItemCount();
         }
-        std::printf("search \"meeting\", %d rows: timer firing to painted result list median %.1f ms, worst %.1f ms "
-                    "(target < 50 ms)\n",
-                    found, Median(searches), *std::max_element(searches.begin(), searches.end()));
+        std::printf(
+            "search \"meeting\", %d rows: timer firing to painted result list median %.1f ms, worst %.1f ms "
+            "(target < 50 ms)\n",
+            found, Median(searches), *std::max_element(searches.begin(), searches.end()));
     }
     PimStore::Instance().Close();
     std::filesystem::remove_all(dir);

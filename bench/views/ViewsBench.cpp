@@ -32,17 +32,22 @@ using namespace mirodate;
 using Steady = std::chrono::steady_clock;
 
 namespace {
-double Ms(Steady::duration d) { return std::chrono::duration<double, std::milli>(d).count(); }
+double Ms(Steady::duration d) {
+    return std::chrono::duration<double, std::milli>(d).count();
+}
 double Percentile(std::vector<double> values, double share) {
-    if (values.empty()) return 0;
+    if (values.empty())
+        return 0;
     std::sort(values.begin(), values.end());
-    return values[std::min(values.size() - 1, static_cast<size_t>(share * static_cast<double>(values.size())))];
+    return values[std::min(values.size() - 1,
+                           static_cast<size_t>(share * static_cast<double>(values.size())))];
 }
 } // namespace
 
 int main(int argc, char** argv) {
     BenchStoreSetup setup;
-    if (!setup.Prepare("bench_views", argc, argv, 20)) return 1;
+    if (!setup.Prepare("bench_views", argc, argv, 20))
+        return 1;
     const std::string& dir = setup.dir;
     const StoreGeneratorOptions& generator = setup.generator;
     const int runs = setup.runs;
@@ -77,7 +82,8 @@ int main(int argc, char** argv) {
             windows.Compose();
             opens.push_back(Ms(Steady::now() - t0));
             AgendaView* agenda = main.Router().Agenda();
-            if (!agenda) break;
+            if (!agenda)
+                break;
             if (i + 1 < runs) {
                 ShowWindow(agenda->GetHwnd(), SW_HIDE);
                 windows.RunFor(600); // past the button's debounce
@@ -128,14 +134,17 @@ int main(int argc, char** argv) {
         Steady::time_point last;
         day->SetSlideObserver([&](int step) {
             const auto now = Steady::now();
-            if (step > 1) steps.push_back(Ms(now - last));
+            if (step > 1)
+                steps.push_back(Ms(now - last));
             last = now;
         });
         for (int i = 0; i < runs; ++i) {
             const auto t0 = Steady::now();
             last = t0;
-            if (i % 2) day->PreviousDay();
-            else day->NextDay();
+            if (i % 2)
+                day->PreviousDay();
+            else
+                day->NextDay();
             windows.RunUntilIdle();
             windows.Compose();
             changes.push_back(Ms(Steady::now() - t0));
@@ -146,10 +155,12 @@ int main(int argc, char** argv) {
                     AgendaView::DayCount(), rows, opens.front(), runs, Percentile(opens, 0.5));
         std::printf("fling frames over the agenda: median %.3f ms (target < 4), p99 %.3f ms (target < 8), "
                     "worst %.3f ms, %zu frames\n",
-                    Percentile(frames, 0.5), Percentile(frames, 0.99), Percentile(frames, 1.0), frames.size());
-        std::printf("day view slide: work per step median %.3f ms, worst %.3f ms (target < 4 ms); whole day change "
-                    "median %.1f ms (fills and 16 steps, pauses on the virtual clock)\n",
-                    Percentile(steps, 0.5), Percentile(steps, 1.0), Percentile(changes, 0.5));
+                    Percentile(frames, 0.5), Percentile(frames, 0.99), Percentile(frames, 1.0),
+                    frames.size());
+        std::printf(
+            "day view slide: work per step median %.3f ms, worst %.3f ms (target < 4 ms); whole day change "
+            "median %.1f ms (fills and 16 steps, pauses on the virtual clock)\n",
+            Percentile(steps, 0.5), Percentile(steps, 1.0), Percentile(changes, 0.5));
         main.Router().CloseAll();
     }
     PimStore::Instance().Close();

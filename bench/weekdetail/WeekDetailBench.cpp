@@ -35,11 +35,15 @@ namespace {
 constexpr std::size_t kNoteBytes = 10 * 1024;
 constexpr int kNoteLinks = 50;
 
-double Ms(Steady::duration d) { return std::chrono::duration<double, std::milli>(d).count(); }
+double Ms(Steady::duration d) {
+    return std::chrono::duration<double, std::milli>(d).count();
+}
 double Percentile(std::vector<double> values, double share) {
-    if (values.empty()) return 0;
+    if (values.empty())
+        return 0;
     std::sort(values.begin(), values.end());
-    return values[std::min(values.size() - 1, static_cast<size_t>(share * static_cast<double>(values.size())))];
+    return values[std::min(values.size() - 1,
+                           static_cast<size_t>(share * static_cast<double>(values.size())))];
 }
 
 // About 10 KB of prose with 50 links: web and mail addresses and telephone numbers in turn.
@@ -50,12 +54,19 @@ std::u16string LongNote() {
         note += filler;
         if (i < kNoteLinks) {
             switch (i % 3) {
-            case 0: note += "See http://wiki.example.org/page" + std::to_string(i) + " for details. "; break;
-            case 1: note += "Write to person" + std::to_string(i) + "@example.com about it. "; break;
-            default: note += "Call 030 " + std::to_string(1000 + i) + " 5678 first. "; break;
+            case 0:
+                note += "See http://wiki.example.org/page" + std::to_string(i) + " for details. ";
+                break;
+            case 1:
+                note += "Write to person" + std::to_string(i) + "@example.com about it. ";
+                break;
+            default:
+                note += "Call 030 " + std::to_string(1000 + i) + " 5678 first. ";
+                break;
             }
         }
-        if (i % 4 == 3) note += "\n";
+        if (i % 4 == 3)
+            note += "\n";
     }
     return Utf8ToUtf16(note);
 }
@@ -63,7 +74,8 @@ std::u16string LongNote() {
 
 int main(int argc, char** argv) {
     BenchStoreSetup setup;
-    if (!setup.Prepare("bench_weekdetail", argc, argv, 40, 2)) return 1;
+    if (!setup.Prepare("bench_weekdetail", argc, argv, 40, 2))
+        return 1;
     const std::string& dir = setup.dir;
     const StoreGeneratorOptions& generator = setup.generator;
     const int runs = setup.runs;
@@ -127,8 +139,10 @@ int main(int argc, char** argv) {
             std::vector<double> times;
             for (int i = 0; i < runs; ++i) {
                 t0 = Steady::now();
-                if (i % 2) week->PreviousWeek();
-                else week->NextWeek();
+                if (i % 2)
+                    week->PreviousWeek();
+                else
+                    week->NextWeek();
                 windows.RunUntilIdle();
                 windows.Compose();
                 times.push_back(Ms(Steady::now() - t0));
@@ -162,17 +176,19 @@ int main(int argc, char** argv) {
             windows.RunUntilIdle();
         }
 
-        std::printf("week view, %d entries in the first week: first opening %.1f ms; fill and paint of a week "
-                    "median %.2f ms, worst %.2f ms over %d weeks (target < 10 ms; WeekMaxEvents %d)\n",
-                    entries, firstWeek, Percentile(weeks, 0.5), Percentile(weeks, 1.0), runs,
-                    WeekMarkupOptions::kDefaultMaxEvents);
+        std::printf(
+            "week view, %d entries in the first week: first opening %.1f ms; fill and paint of a week "
+            "median %.2f ms, worst %.2f ms over %d weeks (target < 10 ms; WeekMaxEvents %d)\n",
+            entries, firstWeek, Percentile(weeks, 0.5), Percentile(weeks, 1.0), runs,
+            WeekMarkupOptions::kDefaultMaxEvents);
         std::printf("  with WeekMaxEvents -1 (every entry laid out): median %.2f ms, worst %.2f ms\n",
                     Percentile(unlimited, 0.5), Percentile(unlimited, 1.0));
         std::printf("  of which the store queries and mark-up of the seven boxes: median %.2f ms\n",
                     Percentile(markups, 0.5));
-        std::printf("detail view of a %zu-character document with %d links (10 KB note, 50 links): request to "
-                    "first painted frame median %.2f ms, first %.2f ms, worst %.2f ms (target < 20 ms)\n",
-                    noteLength, links, Percentile(details, 0.5), details.front(), Percentile(details, 1.0));
+        std::printf(
+            "detail view of a %zu-character document with %d links (10 KB note, 50 links): request to "
+            "first painted frame median %.2f ms, first %.2f ms, worst %.2f ms (target < 20 ms)\n",
+            noteLength, links, Percentile(details, 0.5), details.front(), Percentile(details, 1.0));
         main.Router().CloseAll();
     }
     PimStore::Instance().Close();

@@ -71,8 +71,8 @@ int main(int argc, char** argv) {
         return 1;
     }
 
-    const std::string bytes =
-        std::string(reinterpret_cast<const char*>(kUtf16LeBom), sizeof kUtf16LeBom) + mirodate::EncodeUtf16Le(wide);
+    const std::string bytes = std::string(reinterpret_cast<const char*>(kUtf16LeBom), sizeof kUtf16LeBom) +
+                              mirodate::EncodeUtf16Le(wide);
 
     // Write beside the target and rename, so that a failed run never leaves a
     // half-written file that looks up to date.

@@ -127,15 +127,16 @@ TEST(CopyDataPayload, CarriesTextWithItsTerminator) {
     EXPECT_EQ(Application::CommandFromPayload(bytes), text);
     // Without a terminator, or cut inside a character, it still reads sanely.
     EXPECT_EQ(Application::CommandFromPayload(bytes.substr(0, 4)), u"ca");
-    EXPECT_EQ(Application::CommandFromPayload(std::string("c\0a", 3)), u"ca"); // odd byte pairs with the zero fill
+    EXPECT_EQ(Application::CommandFromPayload(std::string("c\0a", 3)),
+              u"ca"); // odd byte pairs with the zero fill
     EXPECT_EQ(Application::CommandFromPayload(std::string()), u"");
 }
 
 TEST(ProgramOptions, SplitsOwnOptionsFromTheCommandText) {
     ProgramOptions options;
     std::string error;
-    ASSERT_TRUE(ProgramOptions::Parse({"--store", "/tmp/s", "calendar", "--size", "240x320", "-vd", "--headless"},
-                                      options, error));
+    ASSERT_TRUE(ProgramOptions::Parse(
+        {"--store", "/tmp/s", "calendar", "--size", "240x320", "-vd", "--headless"}, options, error));
     EXPECT_EQ(options.storeDir, "/tmp/s");
     EXPECT_EQ(options.width, 240);
     EXPECT_EQ(options.height, 320);

@@ -158,7 +158,8 @@ TEST(InstanceLink, HostileClientsDoNotHurtTheServer) {
     ASSERT_TRUE(client.Connect(path));
     EXPECT_TRUE(client.FindWindow(kMainWndClass, kMainWndTitle));
     EXPECT_EQ(client.CopyData(0, Utf16Bytes("tasks")), 1);
-    for (int fd : fds) close(fd);
+    for (int fd : fds)
+        close(fd);
     auto events = recorder.Events();
     ASSERT_EQ(events.size(), 1u); // the garbage reached no handler
     EXPECT_EQ(events[0], "copy " + Utf16Bytes("tasks"));
@@ -180,7 +181,8 @@ public:
             dup2(out, 1);
             std::vector<char*> argv;
             argv.push_back(binary_.data());
-            for (const auto& arg : args) argv.push_back(const_cast<char*>(arg.c_str()));
+            for (const auto& arg : args)
+                argv.push_back(const_cast<char*>(arg.c_str()));
             argv.push_back(nullptr);
             execv(binary_.c_str(), argv.data());
             _exit(127);
@@ -223,7 +225,8 @@ bool WaitForMainWindow(const std::string& socketPath) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     while (std::chrono::steady_clock::now() < deadline) {
         InstanceClient client;
-        if (client.Connect(socketPath) && client.FindWindow(kMainWndClass, kMainWndTitle)) return true;
+        if (client.Connect(socketPath) && client.FindWindow(kMainWndClass, kMainWndTitle))
+            return true;
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
     return false;
@@ -232,7 +235,8 @@ bool WaitForMainWindow(const std::string& socketPath) {
 bool WaitForText(const std::string& path, const std::string& text) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     while (std::chrono::steady_clock::now() < deadline) {
-        if (ReadAll(path).find(text) != std::string::npos) return true;
+        if (ReadAll(path).find(text) != std::string::npos)
+            return true;
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
     return false;
@@ -241,8 +245,8 @@ bool WaitForText(const std::string& path, const std::string& text) {
 std::vector<std::string> FirstInstanceArgs(const TempDir& dir, const std::string& socketPath) {
     // A headless run kept alive by a long script wait; no display needed.
     std::ofstream(dir.File("hold.script")) << "wait 600000\n";
-    return {"--socket", socketPath, "--headless", "--script", dir.File("hold.script"), "--store",
-            dir.File("store"), "calendar"};
+    return {"--socket", socketPath,        "--headless", "--script", dir.File("hold.script"),
+            "--store",  dir.File("store"), "calendar"};
 }
 
 } // namespace

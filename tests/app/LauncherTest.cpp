@@ -2,10 +2,10 @@
 // month to a running headless instance, and reads dates of files that are
 // no calendars without harm.
 #include "app/Launcher.h"
-#include "platform/TextUtil.h"
 #include "platform/DefaultApps.h"
 #include "platform/InstanceClient.h"
 #include "platform/Settings.h"
+#include "platform/TextUtil.h"
 #include "tests/platform/TempDir.h"
 #include "ui/WindowClasses.h"
 
@@ -140,7 +140,8 @@ TEST(Launcher, CommandsForFilesThatAreNoCalendars) {
     std::ofstream(dir.File("date.ics")) << "BEGIN:VEVENT\nDTSTART;VALUE=DATE:20261123\n";
     EXPECT_EQ(Launcher::CommandFor({"calendar", dir.File("missing.ics")}), u"calendar");
     // A file that is there goes to the import page, which judges it.
-    EXPECT_EQ(Launcher::CommandFor({"calendar", dir.File("binary.ics")}), u"--import " + Utf8ToUtf16(dir.File("binary.ics")));
+    EXPECT_EQ(Launcher::CommandFor({"calendar", dir.File("binary.ics")}),
+              u"--import " + Utf8ToUtf16(dir.File("binary.ics")));
     EXPECT_EQ(Launcher::CommandFor({dir.File("date.ics")}), u"--import " + Utf8ToUtf16(dir.File("date.ics")));
     EXPECT_EQ(Launcher::CommandFor({"tasks", dir.File("date.ics")}), u"tasks");
     Launcher::Options options;

@@ -1,7 +1,7 @@
 // The main window on the real window system, headless, with the virtual
 // clock at 15 March 2024 10:00 and a real vdir store on a temporary folder.
-#include "app/Application.h"
 #include "app/MainWnd.h"
+#include "app/Application.h"
 #include "app/SplashScreen.h"
 #include "data/PimStore.h"
 #include "platform/InstanceServer.h"
@@ -31,7 +31,8 @@ public:
         return Create(nullptr, "MIRODATE::TESTCOUNTER", WS_POPUP, u"counter", 0, 0, 1, 1);
     }
     LRESULT WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override {
-        if (message == message_) ++reloads;
+        if (message == message_)
+            ++reloads;
         return BaseWnd::WindowProc(hwnd, message, wParam, lParam);
     }
 
@@ -52,7 +53,8 @@ protected:
         source_ = source.get();
         WindowManager* windows = windows_.get();
         ASSERT_TRUE(PimStore::Instance().Open(std::move(source), [this, windows](const PimNotification& n) {
-            if (HWND main = mainHwnd_.load()) windows->PostMessage(main, n.message, n.oid, n.folder);
+            if (HWND main = mainHwnd_.load())
+                windows->PostMessage(main, n.message, n.oid, n.folder);
         }));
     }
     void TearDown() override {
@@ -81,14 +83,17 @@ protected:
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
         do {
             windows_->RunUntilIdle();
-            if (MarkerWorker::RunningJobs() == 0 && !windows_->TimeUntilNextTimer().has_value()) break;
+            if (MarkerWorker::RunningJobs() == 0 && !windows_->TimeUntilNextTimer().has_value())
+                break;
             windows_->WaitOnDisplay(20);
             windows_->RunUntilIdle();
         } while (MarkerWorker::RunningJobs() > 0 && std::chrono::steady_clock::now() < deadline);
         windows_->RunUntilIdle();
     }
     // A point of the grid's cell for a day of the shown month, in screen coordinates.
-    POINT CellPoint(int day, int dx = 0, int dy = 0) { return CellIndexPoint(Model().CellOfDay(day), dx, dy); }
+    POINT CellPoint(int day, int dx = 0, int dy = 0) {
+        return CellIndexPoint(Model().CellOfDay(day), dx, dy);
+    }
     POINT CellIndexPoint(int index, int dx, int dy) {
         RECT grid;
         GetWindowRect(main_->Grid().GetHwnd(), &grid);
@@ -115,7 +120,8 @@ TEST_F(MainWndTest, GridShowsMonthsWithTheirLengthsAndFirstDays) {
     for (int y = first.y; y < first.y + 40; ++y)
         for (int x = first.x; x < first.x + 60; ++x) {
             EXPECT_NE(FramePixel(x, y), neighbour) << x << "," << y;
-            if (FramePixel(x, y) == main_->Grid().Colors().dayGridText) monthText = true;
+            if (FramePixel(x, y) == main_->Grid().Colors().dayGridText)
+                monthText = true;
         }
     EXPECT_TRUE(monthText);
 
@@ -202,7 +208,8 @@ TEST_F(MainWndTest, BurstDuringSynchronisationEndsInOneReload) {
     }
     ASSERT_GT(sync, 0);
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (!source_->IsSynchronizing() && std::chrono::steady_clock::now() < deadline) windows_->WaitOnDisplay(10);
+    while (!source_->IsSynchronizing() && std::chrono::steady_clock::now() < deadline)
+        windows_->WaitOnDisplay(10);
     ASSERT_TRUE(source_->IsSynchronizing());
 
     for (int i = 0; i < 50; ++i) {
@@ -297,7 +304,8 @@ TEST_F(MainWndTest, SecondProcessHandsItsCommandOver) {
         const std::string command = std::string(program) + " --socket " + socketPath + " calendar -d20100101";
         EXPECT_EQ(std::system(command.c_str()), 0);
     } else {
-        EXPECT_EQ(Application::HandOver(socketPath, u"calendar -d20100101"), Application::HandOverResult::HandedOver);
+        EXPECT_EQ(Application::HandOver(socketPath, u"calendar -d20100101"),
+                  Application::HandOverResult::HandedOver);
     }
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     while (Model().Year() != 2010 && std::chrono::steady_clock::now() < deadline) {

@@ -83,8 +83,8 @@ TEST(MonthGridModel, GeometryReachesTheEdges) {
 TEST(MonthGesture, SwipesStepOnceAtTheThreshold) {
     MonthGesture g(1);
     g.Down(100, 100, 0);
-    EXPECT_EQ(g.Move(100, 41), 0); // 59 up: not yet
-    EXPECT_EQ(g.Move(100, 40), 1); // 60 up: a month forward
+    EXPECT_EQ(g.Move(100, 41), 0);   // 59 up: not yet
+    EXPECT_EQ(g.Move(100, 40), 1);   // 60 up: a month forward
     EXPECT_EQ(g.Move(100, -100), 0); // the gesture has ended
     EXPECT_FALSE(g.Up(50));
     g.Down(100, 100, 1000);

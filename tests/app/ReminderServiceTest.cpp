@@ -2,19 +2,19 @@
 // reminder service on the real window system, headless, the virtual clock
 // at 15 March 2024 10:00 (UTC) and a real vdir store. The desktop is the
 // one outside part: its notifications are recorded.
+#include "app/ReminderService.h"
 #include "app/MainWnd.h"
 #include "app/MarkerWorker.h"
-#include "app/ReminderService.h"
-#include "views/ItemDetailView.h"
 #include "data/PimStore.h"
 #include "forms/ReminderPage.h"
 #include "platform/DesktopNotifier.h"
 #include "platform/TextUtil.h"
+#include "platform/VirtualKeys.h"
 #include "store/VdirSource.h"
 #include "tests/ui/UiTestFixture.h"
-#include "platform/VirtualKeys.h"
 #include "ui/ContextMenu.h"
 #include "ui/ScreenBars.h"
+#include "views/ItemDetailView.h"
 
 #include <chrono>
 #include <cmath>
@@ -63,8 +63,9 @@ protected:
     static std::string Event(const std::string& uid, const std::string& subject, const std::string& start,
                              const std::string& extra = "") {
         return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//other//EN\r\nBEGIN:VEVENT\r\nUID:" + uid +
-               "\r\nSUMMARY:" + subject + "\r\nLOCATION:Room 4\r\nDTSTART:" + start + "\r\nDURATION:PT1H\r\n" +
-               extra + "BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:x\r\nTRIGGER:-PT15M\r\nEND:VALARM\r\n"
+               "\r\nSUMMARY:" + subject + "\r\nLOCATION:Room 4\r\nDTSTART:" + start +
+               "\r\nDURATION:PT1H\r\n" + extra +
+               "BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:x\r\nTRIGGER:-PT15M\r\nEND:VALARM\r\n"
                "END:VEVENT\r\nEND:VCALENDAR\r\n";
     }
 
@@ -174,7 +175,8 @@ TEST_F(ReminderServiceTest, SnoozeBringsTheReminderBackAfterFiveMinutes) {
     const double back = Service().NextMoment();
     EXPECT_GT(back, DateTime(2024, 3, 15, 10, 20, 0).ToDate());
     EXPECT_LT(back, DateTime(2024, 3, 15, 10, 20, 3).ToDate());
-    const auto untilBack = static_cast<std::uint32_t>(std::llround((back - ReminderService::Now()) * 86400000.0));
+    const auto untilBack =
+        static_cast<std::uint32_t>(std::llround((back - ReminderService::Now()) * 86400000.0));
     Advance(untilBack - kSecond);
     EXPECT_EQ(notifier_.shown.size(), 1u);
     Advance(kSecond);
@@ -241,8 +243,9 @@ TEST_F(ReminderServiceTest, ReminderChangedByAnotherProgramMoves) {
 
 TEST_F(ReminderServiceTest, MissedReminderIsShownOnceAtTheNextStart) {
     // The last run handled reminders up to 09:00; the one of 09:15 was missed.
-    Settings::SetText(ReminderService::kCheckedSetting,
-                      Utf8ToUtf16(std::to_string(std::llround(DateTime(2024, 3, 15, 9, 0, 0).ToDate() * 86400000.0))));
+    Settings::SetText(
+        ReminderService::kCheckedSetting,
+        Utf8ToUtf16(std::to_string(std::llround(DateTime(2024, 3, 15, 9, 0, 0).ToDate() * 86400000.0))));
     WriteFile("calendar/a.ics", Event("a", "Early call", "20240315T093000Z"));
     WriteFile("calendar/b.ics", Event("b", "Yesterday", "20240314T093000Z"));
     Start();

@@ -6,8 +6,8 @@
 // the test's own.
 #include "app/MainWnd.h"
 #include "app/MarkerWorker.h"
-#include "forms/AppointmentEditor.h"
 #include "data/PimStore.h"
+#include "forms/AppointmentEditor.h"
 #include "lang/LanguageTable.h"
 #include "platform/ChildProcess.h"
 #include "platform/TextUtil.h"

@@ -40,8 +40,8 @@ protected:
         PimStore::Instance().Close();
         UiTest::TearDown();
     }
-    void Event(const std::string& uid, const std::string& subject, const std::string& start, const std::string& end,
-               const std::string& category) {
+    void Event(const std::string& uid, const std::string& subject, const std::string& start,
+               const std::string& end, const std::string& category) {
         std::ofstream(dir_ + "/vdir/calendar/" + uid + ".ics")
             << "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//test//EN\r\nBEGIN:VEVENT\r\nUID:" << uid
             << "\r\nSUMMARY:" << subject << "\r\nCATEGORIES:" << category << "\r\nDTSTART:" << start
@@ -51,12 +51,11 @@ protected:
         VdirSource::Options options;
         options.useIndex = false;
         WindowManager* windows = windows_.get();
-        ASSERT_TRUE(PimStore::Instance().Open(std::make_unique<VdirSource>(dir_ + "/vdir", options),
-                                              [this, windows](const PimNotification& n) {
-                                                  if (main_ && main_->GetHwnd())
-                                                      windows->PostMessage(main_->GetHwnd(), n.message, n.oid,
-                                                                           n.folder);
-                                              }));
+        ASSERT_TRUE(PimStore::Instance().Open(
+            std::make_unique<VdirSource>(dir_ + "/vdir", options), [this, windows](const PimNotification& n) {
+                if (main_ && main_->GetHwnd())
+                    windows->PostMessage(main_->GetHwnd(), n.message, n.oid, n.folder);
+            }));
         main_ = std::make_unique<MainWnd>();
         ASSERT_TRUE(main_->Create(command));
         windows_->RunUntilIdle();
@@ -138,7 +137,8 @@ TEST_F(ViewsFromMainTest, TheFilterHidesACategoryInEveryView) {
     windows_->RunUntilIdle();
     EXPECT_EQ(Settings::GetExcludeFilter(), u"Work");
     EXPECT_EQ(Settings::GetLastFilter(), u"");
-    for (const auto& row : RowTexts(main_->Router().Agenda()->List())) EXPECT_NE(row, "I:Budget review");
+    for (const auto& row : RowTexts(main_->Router().Agenda()->List()))
+        EXPECT_NE(row, "I:Budget review");
     EXPECT_EQ(RowTexts(main_->Router().Day()->List()), (std::vector<std::string>{"I:Piano lesson"}));
     main_->ShowDate(DateTime(2024, 3, 15));
     ASSERT_EQ(main_->DayList().Items().size(), 1u);
@@ -158,7 +158,8 @@ TEST_F(ViewsFromMainTest, ViewsFillAgainAfterMidnightAndAfterOtherProgramsChange
         windows_->RunUntilIdle();
     }
     const auto rows = RowTexts(agenda->List());
-    EXPECT_NE(std::find(rows.begin(), rows.end(), "I:Added elsewhere"), rows.end()) << ::testing::PrintToString(rows);
+    EXPECT_NE(std::find(rows.begin(), rows.end(), "I:Added elsewhere"), rows.end())
+        << ::testing::PrintToString(rows);
 
     // Past midnight, activation makes the new day the first.
     Clock::Current().Advance(15 * 60 * 60 * 1000);
@@ -167,7 +168,8 @@ TEST_F(ViewsFromMainTest, ViewsFillAgainAfterMidnightAndAfterOtherProgramsChange
     windows_->RunUntilIdle();
     EXPECT_EQ(agenda->CurrentDate(), DateTime(2024, 3, 16));
     EXPECT_EQ(RowTexts(agenda->List())[0], "H:Today");
-    EXPECT_EQ(RowTexts(agenda->List())[1], "I:Planning") << ::testing::PrintToString(RowTexts(agenda->List()));
+    EXPECT_EQ(RowTexts(agenda->List())[1], "I:Planning")
+        << ::testing::PrintToString(RowTexts(agenda->List()));
 }
 
 TEST_F(ViewsFromMainTest, TheTasksViewOpensOnceAndTheSearchIsKept) {
@@ -207,7 +209,8 @@ TEST_F(ViewsFromMainTest, TheTaskEditorOpensForNewEditedAndDuplicatedTasks) {
         std::vector<PimItem> items;
         PimStore::Instance().GetDayTasks(2024, 3, day, items);
         std::vector<std::u16string> subjects;
-        for (const PimItem& item : items) subjects.push_back(item.subject);
+        for (const PimItem& item : items)
+            subjects.push_back(item.subject);
         return subjects;
     };
     // "tasks -new": a new task due on the command's day; OK writes it.

@@ -43,7 +43,8 @@ protected:
         MessagePage::SetOpenObserver([this](MessagePage& page) {
             questions.push_back(page.Text());
             const int answer = answers.empty() ? static_cast<int>(page.Buttons().size()) : answers.front();
-            if (!answers.empty()) answers.pop_front();
+            if (!answers.empty())
+                answers.pop_front();
             page.Answer(answer);
         });
     }
@@ -53,11 +54,12 @@ protected:
         PimStore::Instance().Close();
         UiTest::TearDown();
     }
-    void Event(const std::string& uid, const std::string& subject, const std::string& start, const std::string& end,
-               const std::string& more = "") {
-        std::ofstream(Path(uid)) << "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//test//EN\r\nBEGIN:VEVENT\r\nUID:"
-                                 << uid << "\r\nSUMMARY:" << subject << "\r\nDTSTART:" << start
-                                 << "\r\nDTEND:" << end << "\r\n" << more << "END:VEVENT\r\nEND:VCALENDAR\r\n";
+    void Event(const std::string& uid, const std::string& subject, const std::string& start,
+               const std::string& end, const std::string& more = "") {
+        std::ofstream(Path(uid))
+            << "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//test//EN\r\nBEGIN:VEVENT\r\nUID:" << uid
+            << "\r\nSUMMARY:" << subject << "\r\nDTSTART:" << start << "\r\nDTEND:" << end << "\r\n"
+            << more << "END:VEVENT\r\nEND:VCALENDAR\r\n";
     }
     std::string Path(const std::string& uid) const { return dir_ + "/vdir/calendar/" + uid + ".ics"; }
     void Start(const std::u16string& command) {

@@ -59,7 +59,9 @@ TEST_F(CategoriesTest, ColoursFollowTheItemsCategoryOrder) {
 
 TEST_F(CategoriesTest, ListIsSortedUnionOfItemNamesAndColouredNames) {
     Settings::SetText("CatColor[Zoo]", u"#123456");
-    Categories::SetNameProvider([] { return std::vector<std::u16string>{u"Work, Home", u"Home", u" ,", u"Alpha"}; });
+    Categories::SetNameProvider([] {
+        return std::vector<std::u16string>{u"Work, Home", u"Home", u" ,", u"Alpha"};
+    });
     std::vector<std::u16string> names;
     Categories::LoadCategories(names);
     EXPECT_EQ(names, (std::vector<std::u16string>{u"Alpha", u"Home", u"Work", u"Zoo"}));

@@ -74,7 +74,8 @@ TEST(DateTime, SystemTimeRoundTripRoundsToTheSecond) {
     bad.wMonth = 2;
     bad.wDay = 29;
     EXPECT_FALSE(SystemTimeToVariantTime(bad, &date));
-    EXPECT_EQ(DateTime::FromSystemTime(DateTime(2026, 7, 4, 12, 0, 0).ToSystemTime()), DateTime(2026, 7, 4, 12, 0, 0));
+    EXPECT_EQ(DateTime::FromSystemTime(DateTime(2026, 7, 4, 12, 0, 0).ToSystemTime()),
+              DateTime(2026, 7, 4, 12, 0, 0));
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-#include "data/DateTime.h"
 #include "data/EditorTexts.h"
+#include "data/DateTime.h"
 #include "tests/data/LanguageFixture.h"
 
 #include <gtest/gtest.h>

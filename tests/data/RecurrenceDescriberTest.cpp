@@ -1,5 +1,5 @@
-#include "data/DateTime.h"
 #include "data/RecurrenceDescriber.h"
+#include "data/DateTime.h"
 #include "tests/data/LanguageFixture.h"
 
 #include <gtest/gtest.h>
@@ -43,7 +43,8 @@ TEST_F(DescriberEnglish, WeeklyDecisionTable) {
     p = Pattern(R::kWeekly, 2);
     p.DayOfWeekMask = R::kMonday | R::kThursday | R::kSunday;
     p.Occurrences = 10;
-    EXPECT_EQ(RecurrenceDescriber::Describe(p), u"Every 2 weeks on Sunday, Monday, Thursday for 10 occurrences");
+    EXPECT_EQ(RecurrenceDescriber::Describe(p),
+              u"Every 2 weeks on Sunday, Monday, Thursday for 10 occurrences");
 }
 
 TEST_F(DescriberEnglish, DaysAndOrdinals) {
@@ -52,10 +53,14 @@ TEST_F(DescriberEnglish, DaysAndOrdinals) {
     EXPECT_EQ(RecurrenceDescriber::InstanceText(0), u"---");
     EXPECT_EQ(RecurrenceDescriber::InstanceText(6), u"---");
     EXPECT_EQ(RecurrenceDescriber::InstanceText(5), Text("last"));
-    for (int day : {1, 21, 31}) EXPECT_EQ(RecurrenceDescriber::SuffixText(day), Text("Suffix_st")) << day;
-    for (int day : {2, 22}) EXPECT_EQ(RecurrenceDescriber::SuffixText(day), Text("Suffix_nd")) << day;
-    for (int day : {3, 23}) EXPECT_EQ(RecurrenceDescriber::SuffixText(day), Text("Suffix_rd")) << day;
-    for (int day : {4, 11, 12, 13, 20, 30}) EXPECT_EQ(RecurrenceDescriber::SuffixText(day), Text("Suffix_th")) << day;
+    for (int day : {1, 21, 31})
+        EXPECT_EQ(RecurrenceDescriber::SuffixText(day), Text("Suffix_st")) << day;
+    for (int day : {2, 22})
+        EXPECT_EQ(RecurrenceDescriber::SuffixText(day), Text("Suffix_nd")) << day;
+    for (int day : {3, 23})
+        EXPECT_EQ(RecurrenceDescriber::SuffixText(day), Text("Suffix_rd")) << day;
+    for (int day : {4, 11, 12, 13, 20, 30})
+        EXPECT_EQ(RecurrenceDescriber::SuffixText(day), Text("Suffix_th")) << day;
 }
 
 TEST_F(DescriberEnglish, MonthlyAndYearly) {

@@ -61,7 +61,9 @@ TEST_F(TemplateListsTest, EmptyMarkOnlyAndOddFiles) {
     ASSERT_TRUE(TemplateLists::SaveLocations(u""));
     EXPECT_EQ(Bytes("MDLocations.txt"), "\xFF\xFE");
     // An odd trailing byte and an embedded zero end the text there.
-    WriteBytes("MDLocations.txt", std::string("\xFF\xFE" "A\0\r\0\n\0B\0\0\0C\0x", 15));
+    WriteBytes("MDLocations.txt", std::string("\xFF\xFE"
+                                              "A\0\r\0\n\0B\0\0\0C\0x",
+                                              15));
     EXPECT_EQ(Locations(), (std::vector<std::u16string>{u"A", u"B"}));
     // Adding to a mark-only file appends without a second mark.
     WriteBytes("MDLocations.txt", "\xFF\xFE");

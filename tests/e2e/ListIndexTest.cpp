@@ -22,7 +22,8 @@ std::string ReadText(const fs::path& path) {
 }
 
 TEST(ListCommand, LeavesTheIndexBehindAndNoticesAFileChangedInPlace) {
-    HostileFiles files(fs::temp_directory_path().string() + "/mirodate-list-index-" + std::to_string(getpid()),
+    HostileFiles files(fs::temp_directory_path().string() + "/mirodate-list-index-" +
+                           std::to_string(getpid()),
                        MIRODATE_PROGRAM);
     ASSERT_TRUE(files.Ready());
     files.Reset();

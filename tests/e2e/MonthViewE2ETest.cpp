@@ -23,7 +23,8 @@ constexpr int kLineTimeoutMs = 20000;
 
 bool Installed(const std::string& program) {
     for (const char* dir : {"/usr/bin", "/bin", "/usr/local/bin"})
-        if (access((std::string(dir) + "/" + program).c_str(), X_OK) == 0) return true;
+        if (access((std::string(dir) + "/" + program).c_str(), X_OK) == 0)
+            return true;
     return false;
 }
 
@@ -32,7 +33,8 @@ class Process {
 public:
     Process(const std::vector<std::string>& args, const std::vector<std::string>& env, int extraFd = -1) {
         int out[2], extra[2] = {-1, -1};
-        if (pipe(out) != 0 || (extraFd >= 0 && pipe(extra) != 0)) return;
+        if (pipe(out) != 0 || (extraFd >= 0 && pipe(extra) != 0))
+            return;
         posix_spawn_file_actions_t actions;
         posix_spawn_file_actions_init(&actions);
         posix_spawn_file_actions_adddup2(&actions, out[1], 1);
@@ -43,13 +45,17 @@ public:
         }
         // The given variables come first, so that they win over inherited ones.
         std::vector<std::string> envStrings(env.begin(), env.end());
-        for (char** e = environ; *e; ++e) envStrings.push_back(*e);
+        for (char** e = environ; *e; ++e)
+            envStrings.push_back(*e);
         std::vector<char*> argv, envp;
-        for (const auto& a : args) argv.push_back(const_cast<char*>(a.c_str()));
-        for (const auto& e : envStrings) envp.push_back(const_cast<char*>(e.c_str()));
+        for (const auto& a : args)
+            argv.push_back(const_cast<char*>(a.c_str()));
+        for (const auto& e : envStrings)
+            envp.push_back(const_cast<char*>(e.c_str()));
         argv.push_back(nullptr);
         envp.push_back(nullptr);
-        if (posix_spawnp(&pid_, args[0].c_str(), &actions, nullptr, argv.data(), envp.data()) != 0) pid_ = -1;
+        if (posix_spawnp(&pid_, args[0].c_str(), &actions, nullptr, argv.data(), envp.data()) != 0)
+            pid_ = -1;
         posix_spawn_file_actions_destroy(&actions);
         close(out[1]);
         fds_[0] = out[0];
@@ -64,7 +70,8 @@ public:
             waitpid(pid_, nullptr, 0);
         }
         for (int fd : fds_)
-            if (fd >= 0) close(fd);
+            if (fd >= 0)
+                close(fd);
     }
     bool Started() const { return pid_ > 0; }
     std::string ReadLine(int which = 0) {
@@ -77,10 +84,12 @@ public:
                 return line;
             }
             pollfd p{fds_[which], POLLIN, 0};
-            if (poll(&p, 1, kLineTimeoutMs) <= 0) return "";
+            if (poll(&p, 1, kLineTimeoutMs) <= 0)
+                return "";
             char chunk[256];
             const ssize_t n = read(fds_[which], chunk, sizeof chunk);
-            if (n <= 0) return "";
+            if (n <= 0)
+                return "";
             buffer.append(chunk, static_cast<size_t>(n));
         }
     }
@@ -104,7 +113,8 @@ private:
 std::string Output(const std::vector<std::string>& args, const std::vector<std::string>& env) {
     Process process(args, env);
     std::string output;
-    for (std::string line; !(line = process.ReadLine()).empty();) output += line + "\n";
+    for (std::string line; !(line = process.ReadLine()).empty();)
+        output += line + "\n";
     process.Wait();
     return output;
 }
@@ -122,9 +132,14 @@ TEST(MonthViewOnRealDisplay, ClickSelectsADay) {
         // Under the sanitizer build, SDL's D-Bus connection (and what it loads
         // without symbols) stays allocated until exit, so leaks are not
         // counted for the real-window run; the headless tests count ours.
-        const std::vector<std::string> env = {"DISPLAY=:" + number, "SDL_VIDEODRIVER=x11", "TZ=UTC", "LANG=C",
-                                              "XDG_CONFIG_HOME=" + dir, "XDG_RUNTIME_DIR=" + dir,
-                                              "XDG_DATA_HOME=" + dir, "XDG_CACHE_HOME=" + dir,
+        const std::vector<std::string> env = {"DISPLAY=:" + number,
+                                              "SDL_VIDEODRIVER=x11",
+                                              "TZ=UTC",
+                                              "LANG=C",
+                                              "XDG_CONFIG_HOME=" + dir,
+                                              "XDG_RUNTIME_DIR=" + dir,
+                                              "XDG_DATA_HOME=" + dir,
+                                              "XDG_CACHE_HOME=" + dir,
                                               "ASAN_OPTIONS=detect_leaks=0"};
         const std::string store = dir + "/store";
         Output({MIRODATE_PROGRAM, "--store", store, "--demo"}, env);
@@ -166,7 +181,8 @@ TEST(MonthViewOnRealDisplay, ClickSelectsADay) {
         for (int attempt = 0; attempt < 50; ++attempt) {
             click(b);
             second = shot("second.png");
-            if (!second.IsNull() && second.GetPixel(b.first, b.second) == selected) break;
+            if (!second.IsNull() && second.GetPixel(b.first, b.second) == selected)
+                break;
         }
         ASSERT_FALSE(second.IsNull());
         // The selection's background moved from the first cell to the second.

@@ -29,9 +29,12 @@ bool OnPath(const std::string& program) {
     size_t start = 0;
     while (start <= dirs.size()) {
         const size_t end = dirs.find(':', start);
-        const std::string dir = dirs.substr(start, end == std::string::npos ? std::string::npos : end - start);
-        if (!dir.empty() && access((dir + "/" + program).c_str(), X_OK) == 0) return true;
-        if (end == std::string::npos) break;
+        const std::string dir =
+            dirs.substr(start, end == std::string::npos ? std::string::npos : end - start);
+        if (!dir.empty() && access((dir + "/" + program).c_str(), X_OK) == 0)
+            return true;
+        if (end == std::string::npos)
+            break;
         start = end + 1;
     }
     return false;
@@ -42,21 +45,24 @@ class Child {
 public:
     Child(const std::vector<std::string>& args, const std::vector<std::string>& env, int extraFd = -1) {
         int out[2];
-        if (pipe(out) != 0) return;
+        if (pipe(out) != 0)
+            return;
         posix_spawn_file_actions_t actions;
         posix_spawn_file_actions_init(&actions);
         posix_spawn_file_actions_adddup2(&actions, out[1], 1);
         posix_spawn_file_actions_addclose(&actions, out[0]);
         if (extraFd >= 0) {
             int extra[2];
-            if (pipe(extra) != 0) return;
+            if (pipe(extra) != 0)
+                return;
             extraRead_ = extra[0];
             posix_spawn_file_actions_adddup2(&actions, extra[1], extraFd);
             posix_spawn_file_actions_addclose(&actions, extra[0]);
             extraWrite_ = extra[1];
         }
         std::vector<char*> argv;
-        for (const std::string& a : args) argv.push_back(const_cast<char*>(a.c_str()));
+        for (const std::string& a : args)
+            argv.push_back(const_cast<char*>(a.c_str()));
         argv.push_back(nullptr);
         // Our variables replace inherited ones of the same name.
         std::vector<std::string> envStrings;
@@ -64,17 +70,23 @@ public:
             const std::string inherited = *e;
             const std::string name = inherited.substr(0, inherited.find('=') + 1);
             bool replaced = false;
-            for (const std::string& own : env) replaced = replaced || own.rfind(name, 0) == 0;
-            if (!replaced) envStrings.push_back(inherited);
+            for (const std::string& own : env)
+                replaced = replaced || own.rfind(name, 0) == 0;
+            if (!replaced)
+                envStrings.push_back(inherited);
         }
-        for (const std::string& e : env) envStrings.push_back(e);
+        for (const std::string& e : env)
+            envStrings.push_back(e);
         std::vector<char*> envp;
-        for (const std::string& e : envStrings) envp.push_back(const_cast<char*>(e.c_str()));
+        for (const std::string& e : envStrings)
+            envp.push_back(const_cast<char*>(e.c_str()));
         envp.push_back(nullptr);
-        if (posix_spawnp(&pid_, args[0].c_str(), &actions, nullptr, argv.data(), envp.data()) != 0) pid_ = -1;
+        if (posix_spawnp(&pid_, args[0].c_str(), &actions, nullptr, argv.data(), envp.data()) != 0)
+            pid_ = -1;
         posix_spawn_file_actions_destroy(&actions);
         close(out[1]);
-        if (extraWrite_ >= 0) close(extraWrite_);
+        if (extraWrite_ >= 0)
+            close(extraWrite_);
         read_ = out[0];
     }
     ~Child() {
@@ -82,8 +94,10 @@ public:
             kill(pid_, SIGKILL);
             waitpid(pid_, nullptr, 0);
         }
-        if (read_ >= 0) close(read_);
-        if (extraRead_ >= 0) close(extraRead_);
+        if (read_ >= 0)
+            close(read_);
+        if (extraRead_ >= 0)
+            close(extraRead_);
     }
     bool Started() const { return pid_ > 0; }
     // One line from stdout (or the extra pipe); empty on end of file or timeout.
@@ -98,10 +112,12 @@ public:
                 return line;
             }
             pollfd p{fd, POLLIN, 0};
-            if (poll(&p, 1, kLineTimeoutMs) <= 0) return "";
+            if (poll(&p, 1, kLineTimeoutMs) <= 0)
+                return "";
             char chunk[256];
             const ssize_t n = read(fd, chunk, sizeof chunk);
-            if (n <= 0) return "";
+            if (n <= 0)
+                return "";
             buffer.append(chunk, static_cast<size_t>(n));
         }
     }
@@ -131,7 +147,8 @@ private:
 std::string RunToEnd(const std::vector<std::string>& args, const std::vector<std::string>& env) {
     Child child(args, env);
     std::string output;
-    for (std::string line; !(line = child.ReadLine()).empty();) output += line + "\n";
+    for (std::string line; !(line = child.ReadLine()).empty();)
+        output += line + "\n";
     child.Wait();
     return output;
 }
@@ -139,11 +156,12 @@ std::string RunToEnd(const std::vector<std::string>& args, const std::vector<std
 class RealDisplayTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (!OnPath("Xvfb") || !OnPath("xdotool")) GTEST_SKIP() << "Xvfb or xdotool is not installed";
+        if (!OnPath("Xvfb") || !OnPath("xdotool"))
+            GTEST_SKIP() << "Xvfb or xdotool is not installed";
         // Xvfb picks a free display number itself and reports it once ready.
-        xvfb_ = std::make_unique<Child>(
-            std::vector<std::string>{"Xvfb", "-displayfd", "3", "-screen", "0", "800x900x24", "-nolisten", "tcp"},
-            std::vector<std::string>{}, 3);
+        xvfb_ = std::make_unique<Child>(std::vector<std::string>{"Xvfb", "-displayfd", "3", "-screen", "0",
+                                                                 "800x900x24", "-nolisten", "tcp"},
+                                        std::vector<std::string>{}, 3);
         ASSERT_TRUE(xvfb_->Started());
         const std::string number = xvfb_->ReadLine(true);
         ASSERT_FALSE(number.empty()) << "Xvfb did not start";
@@ -153,7 +171,8 @@ protected:
     }
     void TearDown() override {
         xvfb_.reset();
-        if (!dir_.empty()) std::filesystem::remove_all(dir_);
+        if (!dir_.empty())
+            std::filesystem::remove_all(dir_);
     }
     std::vector<std::string> Env() const {
         return {display_, "SDL_VIDEODRIVER=x11", "TZ=UTC", "LANG=C", "XDG_CONFIG_HOME=" + dir_,
@@ -165,7 +184,8 @@ protected:
     }
     std::string FindWindow(const std::string& name) {
         std::string id = RunToEnd({"xdotool", "search", "--sync", "--name", "^" + name + "$"}, Env());
-        if (!id.empty() && id.back() == '\n') id.pop_back();
+        if (!id.empty() && id.back() == '\n')
+            id.pop_back();
         return id.substr(0, id.find('\n'));
     }
 

@@ -44,15 +44,18 @@ protected:
     std::vector<std::string> CalendarFiles() const {
         std::vector<std::string> files;
         for (const auto& entry : std::filesystem::directory_iterator(Root() + "/calendar"))
-            if (entry.path().extension() == ".ics") files.push_back(entry.path().filename().string());
+            if (entry.path().extension() == ".ics")
+                files.push_back(entry.path().filename().string());
         return files;
     }
     static std::string Run(const std::string& command) {
         std::string out;
         FILE* pipe = popen(command.c_str(), "r");
-        if (!pipe) return out;
+        if (!pipe)
+            return out;
         char buffer[4096];
-        while (std::size_t n = std::fread(buffer, 1, sizeof buffer, pipe)) out.append(buffer, n);
+        while (std::size_t n = std::fread(buffer, 1, sizeof buffer, pipe))
+            out.append(buffer, n);
         pclose(pipe);
         return out;
     }
@@ -63,7 +66,8 @@ protected:
     static std::string X(icalcomponent* event, const char* name) {
         for (icalproperty* p = icalcomponent_get_first_property(event, ICAL_X_PROPERTY); p;
              p = icalcomponent_get_next_property(event, ICAL_X_PROPERTY))
-            if (std::string(icalproperty_get_x_name(p)) == name) return icalproperty_get_x(p);
+            if (std::string(icalproperty_get_x_name(p)) == name)
+                return icalproperty_get_x(p);
         return "";
     }
     std::string LocationsFile() const {
@@ -71,12 +75,14 @@ protected:
         const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
         std::u16string text;
         for (size_t i = 2; i + 1 < bytes.size(); i += 2)
-            text += static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) | (static_cast<unsigned char>(bytes[i + 1]) << 8));
+            text += static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) |
+                                          (static_cast<unsigned char>(bytes[i + 1]) << 8));
         return Utf16ToUtf8(text);
     }
     static int Count(const std::string& text, const std::string& needle) {
         int n = 0;
-        for (size_t at = text.find(needle); at != std::string::npos; at = text.find(needle, at + 1)) ++n;
+        for (size_t at = text.find(needle); at != std::string::npos; at = text.find(needle, at + 1))
+            ++n;
         return n;
     }
 };
@@ -104,7 +110,8 @@ TEST_F(AppointmentEditorTest, CreatedByTapsAndTypingIsReadBackByLibicalAndKhal) 
     Type("Praxis Weiss");
     TapRow(Row::BusyStatus);
     ChooseMenu(u"BusyStatus.3");
-    EXPECT_EQ(menuTexts, (std::vector<std::u16string>{u"BusyStatus.0", u"BusyStatus.1", u"BusyStatus.2", u"BusyStatus.3"}));
+    EXPECT_EQ(menuTexts, (std::vector<std::u16string>{u"BusyStatus.0", u"BusyStatus.1", u"BusyStatus.2",
+                                                      u"BusyStatus.3"}));
     TapRow(Row::Sensitivity);
     ChooseMenu(u"Sensitivity.2");
     TapRow(Row::Reminder);
@@ -154,17 +161,18 @@ TEST_F(AppointmentEditorTest, CreatedByTapsAndTypingIsReadBackByLibicalAndKhal) 
     EXPECT_EQ(Count(LocationsFile(), "Praxis Weiss\r\n"), 1);
 
     // khal lists what was entered.
-    if (Run("command -v khal").empty()) GTEST_SKIP() << "khal is not installed";
-    std::ofstream(dir_ + "/khal.conf") << "[calendars]\n[[mirodate]]\npath = " << Root()
-                                       << "/calendar\ntype = calendar\n[locale]\nlocal_timezone = UTC\n"
-                                       << "default_timezone = UTC\ntimeformat = %H:%M\ndateformat = %Y-%m-%d\n"
-                                       << "longdateformat = %Y-%m-%d\ndatetimeformat = %Y-%m-%d %H:%M\n"
-                                       << "longdatetimeformat = %Y-%m-%d %H:%M\n[sqlite]\npath = " << dir_
-                                       << "/khal.db\n";
-    const std::string out = Run("TZ=UTC LANG=C.UTF-8 HOME='" + dir_ + "' XDG_CONFIG_HOME='" + dir_ +
-                                "/config' khal -c '" + dir_ +
-                                "/khal.conf' list --format '{start-time}-{end-time} {title} @ {location}' "
-                                "--day-format 'DAY {date}' 2024-03-20 2024-03-21 2>&1");
+    if (Run("command -v khal").empty())
+        GTEST_SKIP() << "khal is not installed";
+    std::ofstream(dir_ + "/khal.conf")
+        << "[calendars]\n[[mirodate]]\npath = " << Root()
+        << "/calendar\ntype = calendar\n[locale]\nlocal_timezone = UTC\n"
+        << "default_timezone = UTC\ntimeformat = %H:%M\ndateformat = %Y-%m-%d\n"
+        << "longdateformat = %Y-%m-%d\ndatetimeformat = %Y-%m-%d %H:%M\n"
+        << "longdatetimeformat = %Y-%m-%d %H:%M\n[sqlite]\npath = " << dir_ << "/khal.db\n";
+    const std::string out =
+        Run("TZ=UTC LANG=C.UTF-8 HOME='" + dir_ + "' XDG_CONFIG_HOME='" + dir_ + "/config' khal -c '" + dir_ +
+            "/khal.conf' list --format '{start-time}-{end-time} {title} @ {location}' "
+            "--day-format 'DAY {date}' 2024-03-20 2024-03-21 2>&1");
     EXPECT_NE(out.find("DAY 2024-03-20\n10:00-10:15 Dentist @ Praxis Weiss"), std::string::npos) << out;
     EXPECT_NE(out.find("Check-up"), std::string::npos) << out;
 }
@@ -175,8 +183,8 @@ TEST_F(AppointmentEditorTest, SingleEditOfAWeeklySeriesChangesThatWeekOnly) {
     const PimItem third = ItemOn(DateTime(2024, 3, 18));
     ASSERT_TRUE(third.isRecurring);
     const std::string before = ReadFile("calendar/yoga.ics");
-    AppointmentEditor& editor =
-        Open(AppointmentDraft::ForRecord(RecordOf(third.oid), Mode::Occurrence, third.startValue, third.endValue));
+    AppointmentEditor& editor = Open(
+        AppointmentDraft::ForRecord(RecordOf(third.oid), Mode::Occurrence, third.startValue, third.endValue));
     EXPECT_EQ(editor.Draft().Value(Row::Recurrence), u"editor.SingleOccurrence");
     editor.SubjectField().SetSelection(0, 4);
     Type("Yoga in room 2");
@@ -216,7 +224,8 @@ TEST_F(AppointmentEditorTest, ReminderByMomentTruncatesToWholeMinutesAndRefusesM
     AppointmentEditor& editor = Open(AppointmentDraft::NewOn(DateTime(2024, 3, 20), DateTime::Now()));
     TapRow(Row::Reminder);
     ChooseMenu(u"set_datetime");
-    if (shown == 0) GTEST_SKIP() << "the date-and-time picker page is not built yet";
+    if (shown == 0)
+        GTEST_SKIP() << "the date-and-time picker page is not built yet";
     EXPECT_EQ(offered, start);
     EXPECT_EQ(editor.Draft().Record().reminderMinutes, 1);
     TapRow(Row::Reminder);
@@ -247,7 +256,8 @@ TEST_F(AppointmentEditorTest, CancelOnADuplicateRemovesTheCopy) {
 TEST_F(AppointmentEditorTest, AFileChangedOnDiskIsNotOverwrittenAndCanBeReloaded) {
     AddTimed("board", "Board meeting", "20240320T090000Z", "20240320T100000Z");
     OpenStore();
-    AppointmentEditor& editor = Open(AppointmentDraft::ForRecord(RecordOf(ItemOn(DateTime(2024, 3, 20)).oid), Mode::Item));
+    AppointmentEditor& editor =
+        Open(AppointmentDraft::ForRecord(RecordOf(ItemOn(DateTime(2024, 3, 20)).oid), Mode::Item));
     Type("Mine: ");
     // Another program rewrites the file meanwhile.
     AddTimed("board", "Board meeting (theirs)", "20240320T090000Z", "20240320T103000Z", "X-THEIRS:1\r\n");
@@ -274,7 +284,8 @@ TEST_F(AppointmentEditorTest, AFileChangedOnDiskIsNotOverwrittenAndCanBeReloaded
 TEST_F(AppointmentEditorTest, AFileDeletedMeanwhileIsWrittenAgainOnlyWhenTheUserChooses) {
     AddTimed("gone", "Vanishing", "20240320T090000Z", "20240320T100000Z");
     OpenStore();
-    AppointmentEditor& editor = Open(AppointmentDraft::ForRecord(RecordOf(ItemOn(DateTime(2024, 3, 20)).oid), Mode::Item));
+    AppointmentEditor& editor =
+        Open(AppointmentDraft::ForRecord(RecordOf(ItemOn(DateTime(2024, 3, 20)).oid), Mode::Item));
     Type(" (moved)");
     std::filesystem::remove(Root() + "/calendar/gone.ics");
     answers = {3}; // cancel: back to the editor
@@ -290,7 +301,8 @@ TEST_F(AppointmentEditorTest, AFileDeletedMeanwhileIsWrittenAgainOnlyWhenTheUser
 
     // Discard closes without writing.
     const std::string file = CalendarFiles()[0];
-    AppointmentEditor& second = Open(AppointmentDraft::ForRecord(RecordOf(ItemOn(DateTime(2024, 3, 20)).oid), Mode::Item));
+    AppointmentEditor& second =
+        Open(AppointmentDraft::ForRecord(RecordOf(ItemOn(DateTime(2024, 3, 20)).oid), Mode::Item));
     Type("!");
     std::filesystem::remove(Root() + "/calendar/" + file);
     answers = {2};
@@ -394,7 +406,8 @@ TEST_F(AppointmentEditorTest, TheEndOfASeriesIsChosenFromTheRecurrenceRow) {
     EXPECT_EQ(questions.back(), u"editor.EndBeforeStart");
     EXPECT_EQ(editor.Draft().Record().recurrence.Occurrences, 8);
     DatePickerPage::SetOpenObserver([&](DatePickerPage&) {
-        for (int i = 0; i < 14; ++i) key(VK_RIGHT);
+        for (int i = 0; i < 14; ++i)
+            key(VK_RIGHT);
         key(VK_RETURN);
     });
     TapRow(Row::Recurrence);
@@ -403,7 +416,8 @@ TEST_F(AppointmentEditorTest, TheEndOfASeriesIsChosenFromTheRecurrenceRow) {
     EXPECT_EQ(editor.Draft().Record().recurrence.PatternEndDate, DateTime(2024, 3, 18).ToDate());
     TapWindow(editor.OkButton().GetHwnd());
     ASSERT_TRUE(editor.WasSaved());
-    for (int day : {4, 11, 18}) EXPECT_EQ(ItemOn(DateTime(2024, 3, day)).subject, u"Run") << day;
+    for (int day : {4, 11, 18})
+        EXPECT_EQ(ItemOn(DateTime(2024, 3, day)).subject, u"Run") << day;
     std::vector<PimItem> after;
     PimStore::Instance().GetDayAppointments(2024, 3, 25, after);
     EXPECT_TRUE(after.empty());
@@ -411,15 +425,17 @@ TEST_F(AppointmentEditorTest, TheEndOfASeriesIsChosenFromTheRecurrenceRow) {
 }
 
 TEST_F(AppointmentEditorTest, OutlookEventEditedThroughTheEditorKeepsWhatWeDoNotOwn) {
-    WriteFile("calendar/ol.ics",
-              "BEGIN:VCALENDAR\r\nPRODID:-//Microsoft Corporation//Outlook 16.0 MIMEDIR//EN\r\nVERSION:2.0\r\n"
-              "BEGIN:VEVENT\r\nUID:ol\r\nDTSTART:20240320T090000Z\r\nDTEND:20240320T100000Z\r\n"
-              "SUMMARY:Steering\r\nX-MICROSOFT-CDO-BUSYSTATUS:BUSY\r\nX-MS-OLK-CONFTYPE:0\r\n"
-              "X-ALT-DESC;FMTTYPE=text/html:<p>x</p>\r\n"
-              "BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:R\r\nTRIGGER:-PT15M\r\nEND:VALARM\r\n"
-              "BEGIN:VALARM\r\nACTION:AUDIO\r\nTRIGGER:-P1D\r\nEND:VALARM\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n");
+    WriteFile(
+        "calendar/ol.ics",
+        "BEGIN:VCALENDAR\r\nPRODID:-//Microsoft Corporation//Outlook 16.0 MIMEDIR//EN\r\nVERSION:2.0\r\n"
+        "BEGIN:VEVENT\r\nUID:ol\r\nDTSTART:20240320T090000Z\r\nDTEND:20240320T100000Z\r\n"
+        "SUMMARY:Steering\r\nX-MICROSOFT-CDO-BUSYSTATUS:BUSY\r\nX-MS-OLK-CONFTYPE:0\r\n"
+        "X-ALT-DESC;FMTTYPE=text/html:<p>x</p>\r\n"
+        "BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:R\r\nTRIGGER:-PT15M\r\nEND:VALARM\r\n"
+        "BEGIN:VALARM\r\nACTION:AUDIO\r\nTRIGGER:-P1D\r\nEND:VALARM\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n");
     OpenStore();
-    AppointmentEditor& editor = Open(AppointmentDraft::ForRecord(RecordOf(ItemOn(DateTime(2024, 3, 20)).oid), Mode::Item));
+    AppointmentEditor& editor =
+        Open(AppointmentDraft::ForRecord(RecordOf(ItemOn(DateTime(2024, 3, 20)).oid), Mode::Item));
     EXPECT_EQ(editor.Draft().Value(Row::Reminder), u"15 Minutes before");
     TapRow(Row::BusyStatus);
     ChooseMenu(u"BusyStatus.1");

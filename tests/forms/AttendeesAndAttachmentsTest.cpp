@@ -25,12 +25,14 @@ class AttendeesAndAttachmentsTest : public EditorFixture {
 protected:
     void SetUp() override {
         EditorFixture::SetUp();
-        if (const char* home = std::getenv("HOME")) savedHome_ = home;
+        if (const char* home = std::getenv("HOME"))
+            savedHome_ = home;
     }
     void TearDown() override {
         AttendeeDialog::SetOpenObserver(nullptr);
         AttachmentsPage::SetOpenObserver(nullptr);
-        if (savedHome_) setenv("HOME", savedHome_->c_str(), 1);
+        if (savedHome_)
+            setenv("HOME", savedHome_->c_str(), 1);
         EditorFixture::TearDown();
     }
     // Taps row `index` of a page's list like a finger.
@@ -49,11 +51,11 @@ protected:
     std::vector<std::string> Properties(const std::string& file, icalproperty_kind kind) {
         std::vector<std::string> values;
         IcalComponentPtr calendar = IcalText::Parse(ReadFile(file));
-        if (!calendar) return values;
+        if (!calendar)
+            return values;
         icalcomponent* event = icalcomponent_get_first_component(calendar.get(), ICAL_VEVENT_COMPONENT);
         for (icalproperty* p = icalcomponent_get_first_property(event, kind); p;
-             p = icalcomponent_get_next_property(event, kind))
-        {
+             p = icalcomponent_get_next_property(event, kind)) {
             // Unfolded, so that long values can be searched.
             std::string text = icalproperty_as_ical_string(p);
             for (std::size_t at = text.find("\r\n "); at != std::string::npos; at = text.find("\r\n ", at))
@@ -64,7 +66,8 @@ protected:
     }
     static std::vector<std::u16string> Addresses(const std::vector<AppointmentDraft::Person>& people) {
         std::vector<std::u16string> addresses;
-        for (const auto& person : people) addresses.push_back(person.address);
+        for (const auto& person : people)
+            addresses.push_back(person.address);
         return addresses;
     }
 
@@ -72,13 +75,16 @@ protected:
 };
 
 TEST_F(AttendeesAndAttachmentsTest, AttendeesArePickedFromTheContactsNarrowedByTypingOrTyped) {
-    WriteFile("contacts/a.vcf", "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:a\r\nFN:Anna Berg\r\n"
-                                "EMAIL;TYPE=WORK:anna@work.example\r\nEMAIL;TYPE=HOME:anna@home.example\r\nEND:VCARD\r\n");
+    WriteFile("contacts/a.vcf",
+              "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:a\r\nFN:Anna Berg\r\n"
+              "EMAIL;TYPE=WORK:anna@work.example\r\nEMAIL;TYPE=HOME:anna@home.example\r\nEND:VCARD\r\n");
     WriteFile("contacts/b.vcf", "BEGIN:VCARD\r\nVERSION:4.0\r\nUID:b\r\nFN:ben ortiz\r\n"
                                 "item1.EMAIL;PREF=1:ben@ortiz.example\r\nEND:VCARD\r\n");
-    WriteFile("contacts/c.vcf", "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:c\r\nFN:Carl Dorn\r\nEMAIL:carl@dorn.example\r\n"
-                                "END:VCARD\r\n");
-    WriteFile("contacts/n.vcf", "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:n\r\nFN:No Mail\r\nBDAY:19800101\r\nEND:VCARD\r\n");
+    WriteFile("contacts/c.vcf",
+              "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:c\r\nFN:Carl Dorn\r\nEMAIL:carl@dorn.example\r\n"
+              "END:VCARD\r\n");
+    WriteFile("contacts/n.vcf",
+              "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:n\r\nFN:No Mail\r\nBDAY:19800101\r\nEND:VCARD\r\n");
     AddTimed("meet", "Planning", "20240320T100000Z", "20240320T110000Z",
              "ATTENDEE;CN=Carl Dorn:mailto:carl@dorn.example\r\n");
     OpenStore();
@@ -86,8 +92,9 @@ TEST_F(AttendeesAndAttachmentsTest, AttendeesArePickedFromTheContactsNarrowedByT
     AttendeeDialog::SetOpenObserver([&](AttendeeDialog& page) {
         shown = true;
         // Every address of every contact, by name whatever the case; Carl is invited already.
-        EXPECT_EQ(Addresses(page.ContactChoices()),
-                  (std::vector<std::u16string>{u"anna@work.example", u"anna@home.example", u"ben@ortiz.example"}));
+        EXPECT_EQ(
+            Addresses(page.ContactChoices()),
+            (std::vector<std::u16string>{u"anna@work.example", u"anna@home.example", u"ben@ortiz.example"}));
         EXPECT_EQ(page.ContactChoices()[0].name, u"Anna Berg");
         // Typing narrows the contacts by name or address, case folded.
         Type("ORTIZ");
@@ -107,8 +114,8 @@ TEST_F(AttendeesAndAttachmentsTest, AttendeesArePickedFromTheContactsNarrowedByT
         EXPECT_TRUE(page.ContactChoices().empty());
         page.Accept();
     });
-    AppointmentEditor& editor = Open(AppointmentDraft::ForRecord(RecordOf(ItemOn(DateTime(2024, 3, 20)).oid),
-                                                                 Mode::Item));
+    AppointmentEditor& editor =
+        Open(AppointmentDraft::ForRecord(RecordOf(ItemOn(DateTime(2024, 3, 20)).oid), Mode::Item));
     TapRow(Row::Attendees);
     ASSERT_TRUE(shown);
     EXPECT_EQ(editor.Draft().Value(Row::Attendees), u"Carl Dorn, ben ortiz, Dora");
@@ -131,7 +138,8 @@ TEST_F(AttendeesAndAttachmentsTest, AttachmentsAreTypedAsPathsOrAddressesOpenedA
     std::ofstream(home + "/notes.txt") << "notes";
     // A web address we list, and inline data we neither list nor touch.
     AddTimed("att", "Review", "20240320T100000Z", "20240320T110000Z",
-             "ATTACH:https://example.org/plan\r\nATTACH;ENCODING=BASE64;VALUE=BINARY;FMTTYPE=text/plain:aGVsbG8=\r\n");
+             "ATTACH:https://example.org/plan\r\nATTACH;ENCODING=BASE64;VALUE=BINARY;FMTTYPE=text/"
+             "plain:aGVsbG8=\r\n");
     OpenStore();
     bool shown = false;
     AttachmentsPage::SetOpenObserver([&](AttachmentsPage& page) {
@@ -144,7 +152,8 @@ TEST_F(AttendeesAndAttachmentsTest, AttachmentsAreTypedAsPathsOrAddressesOpenedA
         EXPECT_TRUE(page.Add(Utf8ToUtf16(agenda)));
         EXPECT_TRUE(page.Add(Utf8ToUtf16(agenda))); // once only
         ASSERT_EQ(page.Attachments().size(), 2u);
-        EXPECT_EQ(page.Attachments()[1], Utf8ToUtf16("file://" + home + "/Docs/Agenda%20M%C3%A4rz%20%232.pdf"));
+        EXPECT_EQ(page.Attachments()[1],
+                  Utf8ToUtf16("file://" + home + "/Docs/Agenda%20M%C3%A4rz%20%232.pdf"));
         // Typed under the home folder, then OK below takes it.
         Type("~/notes.txt");
         // A tap on the file offers it: opened with its real path.
@@ -168,7 +177,8 @@ TEST_F(AttendeesAndAttachmentsTest, AttachmentsAreTypedAsPathsOrAddressesOpenedA
     const auto attach = Properties("calendar/att.ics", ICAL_ATTACH_PROPERTY);
     ASSERT_EQ(attach.size(), 3u);
     EXPECT_NE(attach[0].find("aGVsbG8="), std::string::npos) << attach[0];
-    EXPECT_NE(attach[1].find("ATTACH:file://" + home + "/Docs/Agenda%20M%C3%A4rz%20%232.pdf"), std::string::npos);
+    EXPECT_NE(attach[1].find("ATTACH:file://" + home + "/Docs/Agenda%20M%C3%A4rz%20%232.pdf"),
+              std::string::npos);
     EXPECT_NE(attach[2].find("ATTACH:file://" + home + "/notes.txt"), std::string::npos);
     // Read back as written.
     EXPECT_EQ(RecordOf(editor.Draft().Original().oid).attachments.size(), 2u);
@@ -179,21 +189,23 @@ TEST(AttachmentUri, PathsAndAddressesRoundTrip) {
         EXPECT_EQ(AttachmentUri::LocalPath(AttachmentUri::FromPath(path)), path) << path;
     EXPECT_EQ(AttachmentUri::FromPath("/a b"), u"file:///a%20b");
     EXPECT_EQ(AttachmentUri::LocalPath(u"FILE://localhost/a%2Fb"), "/a/b");
-    for (const std::u16string notLocal : {u"https://example.org/a", u"file:relative", u"file://host/x", u"/bare",
-                                          u"file:///a%00b"})
+    for (const std::u16string notLocal :
+         {u"https://example.org/a", u"file:relative", u"file://host/x", u"/bare", u"file:///a%00b"})
         EXPECT_EQ(AttachmentUri::LocalPath(notLocal), "") << Utf16ToUtf8(notLocal);
     EXPECT_EQ(AttachmentUri::DisplayName(u"file:///docs/My%20Plan.odt"), u"My Plan.odt");
     EXPECT_EQ(AttachmentUri::DisplayName(u"https://example.org/x"), u"https://example.org/x");
     for (const std::u16string web : {u"https://example.org/x", u"ftp://files.example/a", u"webcal+x://a"})
         EXPECT_TRUE(AttachmentUri::IsWebAddress(web)) << Utf16ToUtf8(web);
-    for (const std::u16string other : {u"file:///a", u"://a", u"1http://a", u"http://", u"http://a b", u"/a://b"})
+    for (const std::u16string other :
+         {u"file:///a", u"://a", u"1http://a", u"http://", u"http://a b", u"/a://b"})
         EXPECT_FALSE(AttachmentUri::IsWebAddress(other)) << Utf16ToUtf8(other);
     // Pasted megabytes are refused, not stored.
     EXPECT_EQ(AttachmentUri::FromTyped(u"https://example.org/" + std::u16string(100000, u'a')), u"");
 }
 
 TEST_F(AttendeesAndAttachmentsTest, SubjectAndLocationFieldsAreLabelledOnBothScreens) {
-    LanguageTable::Instance().SetText(u"LANGUAGE=en\naddmodify.Subject=Subject\naddmodify.Location=Location\n");
+    LanguageTable::Instance().SetText(
+        u"LANGUAGE=en\naddmodify.Subject=Subject\naddmodify.Location=Location\n");
     OpenStore();
     for (auto [width, height] : {std::pair{480, 640}, std::pair{240, 320}}) {
         editor_.reset();
@@ -213,8 +225,10 @@ TEST_F(AttendeesAndAttachmentsTest, SubjectAndLocationFieldsAreLabelledOnBothScr
             for (int y = field.top; y < field.bottom; ++y)
                 for (int x = 0; x < field.left; ++x) {
                     const COLORREF pixel = FramePixel(x, y);
-                    if (pixel == ink) ++inked;
-                    else if (pixel != background) ++inked; // antialiased edges
+                    if (pixel == ink)
+                        ++inked;
+                    else if (pixel != background)
+                        ++inked; // antialiased edges
                 }
             EXPECT_GT(inked, 10) << width;
             for (int x = 0; x < field.left; ++x) {

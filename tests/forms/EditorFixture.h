@@ -7,8 +7,8 @@
 #include "forms/AppointmentSaver.h"
 #include "lang/LanguageTable.h"
 #include "platform/RecordingPlatformServices.h"
-#include "tests/views/ViewFixture.h"
 #include "platform/VirtualKeys.h"
+#include "tests/views/ViewFixture.h"
 #include "ui/ContextMenu.h"
 
 #include <memory>
@@ -41,7 +41,8 @@ protected:
         std::vector<PimItem> items;
         PimStore::Instance().GetDayAppointments(day.GetYear(), day.GetMonth(), day.GetDay(), items);
         for (const PimItem& item : items)
-            if (subject.empty() || item.subject == subject) return item;
+            if (subject.empty() || item.subject == subject)
+                return item;
         ADD_FAILURE() << "no item on the day";
         return {};
     }
@@ -86,7 +87,8 @@ protected:
         int index = -1;
         for (size_t i = 0; i < menu->items.size(); ++i) {
             menuTexts.push_back(menu->items[i].text);
-            if (menu->items[i].text == text) index = static_cast<int>(i);
+            if (menu->items[i].text == text)
+                index = static_cast<int>(i);
         }
         ASSERT_GE(index, 0) << "no such entry";
         menu->list.SetSelected(index);

@@ -50,7 +50,8 @@ protected:
         Pointer(DisplayEvent::Type::PointerDown, x1, y1);
         for (int step = 1; step <= steps; ++step) {
             Wait(stepMs);
-            Pointer(DisplayEvent::Type::PointerMove, x1 + (x2 - x1) * step / steps, y1 + (y2 - y1) * step / steps);
+            Pointer(DisplayEvent::Type::PointerMove, x1 + (x2 - x1) * step / steps,
+                    y1 + (y2 - y1) * step / steps);
         }
         Pointer(DisplayEvent::Type::PointerUp, x2, y2);
     }

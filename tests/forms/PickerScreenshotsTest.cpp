@@ -26,7 +26,8 @@ protected:
 
 TEST_F(PickerScreenshots, EveryPickerInBothSkinsAndSizes) {
     const char* folder = std::getenv("MIRODATE_SCREENSHOT_DIR");
-    if (!folder) GTEST_SKIP() << "set MIRODATE_SCREENSHOT_DIR to write the pictures";
+    if (!folder)
+        GTEST_SKIP() << "set MIRODATE_SCREENSHOT_DIR to write the pictures";
     struct Shot {
         const char* name;
         bool wheels;
@@ -41,7 +42,10 @@ TEST_F(PickerScreenshots, EveryPickerInBothSkinsAndSizes) {
         {"datetime-wheels", true, [&] { return std::make_unique<DateTimePickerPage>(moment); }},
         {"datetime-grid", false, [&] { return std::make_unique<DateTimePickerPage>(moment); }},
         {"lists", false,
-         [] { return std::make_unique<TextListPage>(u"Locations", std::vector<std::u16string>{u"Office", u"Home"}); }},
+         [] {
+             return std::make_unique<TextListPage>(u"Locations",
+                                                   std::vector<std::u16string>{u"Office", u"Home"});
+         }},
     };
     for (const char* skin : {"Mirodate Black", "Mirodate Daylight"}) {
         for (const auto& [width, height] : {std::pair{480, 640}, std::pair{240, 320}}) {

@@ -17,10 +17,14 @@
 namespace mirodate::test {
 namespace {
 
-COLORREF Mark() { return SkinStyles::Current().addModifyForm.colorSelectionMark; }
+COLORREF Mark() {
+    return SkinStyles::Current().addModifyForm.colorSelectionMark;
+}
 
 // A point inside a cell but clear of its centred text.
-POINT Corner(const RECT& cell) { return POINT{cell.left + cell.Width() / 6, cell.top + cell.Height() / 5}; }
+POINT Corner(const RECT& cell) {
+    return POINT{cell.left + cell.Width() / 6, cell.top + cell.Height() / 5};
+}
 
 class DatePickerTest : public PickerTest {
 protected:
@@ -106,7 +110,8 @@ TEST_F(DatePickerTest, KeysMoveTheDayAndTheMonth) {
     Key(VK_PRIOR);
     EXPECT_EQ(page.Value(), DateTime(2024, 2, 15));
     // Across the year's end.
-    for (int i = 0; i < 2; ++i) Key(VK_PRIOR);
+    for (int i = 0; i < 2; ++i)
+        Key(VK_PRIOR);
     EXPECT_EQ(page.Value(), DateTime(2023, 12, 15));
 }
 
@@ -362,7 +367,8 @@ TEST_F(TimeSpanPickerTest, ButtonsChangeOnePartAndTheTextFollows) {
     TapRect(page.PlusRect(Page::kWeeks));
     EXPECT_EQ(page.Value(), 10080 + 1440 + 25);
     TapRect(page.MinusRect(Page::kMinutes));
-    for (int i = 0; i < 5; ++i) TapRect(page.MinusRect(Page::kMinutes));
+    for (int i = 0; i < 5; ++i)
+        TapRect(page.MinusRect(Page::kMinutes));
     EXPECT_EQ(page.Value(), 11520);
     EXPECT_EQ(page.ValueText(), u"1 week, 1 day");
     EXPECT_EQ(page.ValueText(), EditorTexts::FormatTimeSpan(page.Value()));
@@ -401,7 +407,8 @@ TEST_F(TimeSpanPickerTest, KeysAndAHeldButtonStepAndThePartsStopAtTheirEnds) {
     page.SetValue(std::int64_t{1} << 40);
     EXPECT_EQ(page.Value(), Page::MaxMinutes());
     EXPECT_EQ(page.Part(Page::kWeeks), Page::kMaxWeeks);
-    for (int i = 0; i < 4; ++i) Key(VK_LEFT);
+    for (int i = 0; i < 4; ++i)
+        Key(VK_LEFT);
     Key(VK_UP);
     EXPECT_EQ(page.Part(Page::kWeeks), Page::kMaxWeeks);
     EXPECT_EQ(Page(-5).Value(), 0);
@@ -480,8 +487,10 @@ TEST_F(DateTimePickerTest, FitsTheLowResolutionScreenWithFingerSizedParts) {
         EXPECT_LE(grid.bottom, panel.top);
         EXPECT_LE(panel.bottom, ok.top);
         EXPECT_GE(page.Grid().DayRect(2024, 3, 15).Height(), 14);
-        if (!wheels) EXPECT_GE(page.Panel().Grid().HourRect(0).Height(), 14);
-        else EXPECT_GE(page.Panel().HourWheel().RowHeight(), 14);
+        if (!wheels)
+            EXPECT_GE(page.Panel().Grid().HourRect(0).Height(), 14);
+        else
+            EXPECT_GE(page.Panel().HourWheel().RowHeight(), 14);
     }
 }
 

@@ -9,11 +9,11 @@
 #include "lang/LanguageTable.h"
 #include "platform/TextUtil.h"
 #include "platform/VirtualKeys.h"
-#include "store/IcsItem.h"
-#include "store/SeriesExceptions.h"
 #include "skin/PictureCache.h"
 #include "skin/SkinLoader.h"
 #include "skin/SkinStyles.h"
+#include "store/IcsItem.h"
+#include "store/SeriesExceptions.h"
 #include "store/VdirSource.h"
 #include "tests/ui/UiTestFixture.h"
 #include "ui/ContextMenu.h"
@@ -39,7 +39,8 @@ protected:
         MessagePage::SetOpenObserver([this](MessagePage& page) {
             told_.push_back(page.Text());
             const int answer = answers_.empty() ? page.Buttons().size() : answers_.front();
-            if (!answers_.empty()) answers_.erase(answers_.begin());
+            if (!answers_.empty())
+                answers_.erase(answers_.begin());
             page.Answer(answer);
         });
     }
@@ -116,27 +117,34 @@ protected:
     // The days khal lists for the vdir, or nothing when khal is missing.
     std::vector<std::string> KhalDays(const std::string& from, const std::string& to) {
         std::vector<std::string> days;
-        if (std::system("command -v khal >/dev/null 2>&1") != 0) return days;
+        if (std::system("command -v khal >/dev/null 2>&1") != 0)
+            return days;
         const std::string config = dir_ + "/khal.conf";
-        std::ofstream(config) << "[calendars]\n[[test]]\npath = " << dir_ << "/vdir/calendar\ntype = calendar\n"
+        std::ofstream(config) << "[calendars]\n[[test]]\npath = " << dir_
+                              << "/vdir/calendar\ntype = calendar\n"
                               << "[locale]\nlocal_timezone = UTC\ndefault_timezone = UTC\n"
                               << "timeformat = %H:%M\ndateformat = %Y-%m-%d\nlongdateformat = %Y-%m-%d\n"
                               << "datetimeformat = %Y-%m-%d %H:%M\nlongdatetimeformat = %Y-%m-%d %H:%M\n"
                               << "[sqlite]\npath = " << dir_ << "/khal.db\n";
         const std::string command = "TZ=UTC LANG=C.UTF-8 HOME='" + dir_ + "' XDG_CONFIG_HOME='" + dir_ +
                                     "/config' XDG_CACHE_HOME='" + dir_ + "/cache' khal -c '" + config +
-                                    "' list --format 'ITEM' --day-format 'DAY {date}' " + from + " " + to + " 2>&1";
+                                    "' list --format 'ITEM' --day-format 'DAY {date}' " + from + " " + to +
+                                    " 2>&1";
         FILE* pipe = popen(command.c_str(), "r");
-        if (!pipe) return days;
+        if (!pipe)
+            return days;
         std::string out;
         char buffer[4096];
-        while (size_t n = std::fread(buffer, 1, sizeof buffer, pipe)) out.append(buffer, n);
+        while (size_t n = std::fread(buffer, 1, sizeof buffer, pipe))
+            out.append(buffer, n);
         pclose(pipe);
         std::istringstream lines(out);
         std::string day;
         for (std::string line; std::getline(lines, line);) {
-            if (line.rfind("DAY ", 0) == 0) day = line.substr(4);
-            else if (line == "ITEM") days.push_back(day);
+            if (line.rfind("DAY ", 0) == 0)
+                day = line.substr(4);
+            else if (line == "ITEM")
+                days.push_back(day);
         }
         return days;
     }
@@ -158,7 +166,8 @@ TEST_F(RecurrenceEditorTest, EveryTypeChosenByTapIsWrittenReadBackAndDescribed) 
             TapCentre(page_->StepperScreenRect(Row::Interval, +1));
             TapCentre(page_->StepperScreenRect(Row::Interval, +1));
             Choose(Row::End, RecurrenceEditorRows::kEndAfterCount);
-            if (type == RecurrencePattern::kWeekly) TapCentre(page_->DayScreenRect(2)); // and Tuesdays
+            if (type == RecurrencePattern::kWeekly)
+                TapCentre(page_->DayScreenRect(2)); // and Tuesdays
             EXPECT_EQ(page_->Value().Interval, 3);
             EXPECT_EQ(page_->Value().Occurrences, RecurrenceEditorRows::kDefaultOccurrences);
         }
@@ -185,7 +194,8 @@ TEST_F(RecurrenceEditorTest, MondayToFridayIsListedOnWeekdaysOnly) {
     const DateTime start(2024, 3, 15, 9, 0, 0); // a Friday
     Open(RecurrencePattern(), start);
     ChooseType(RecurrencePattern::kWeekly);
-    for (int day : {1, 2, 3, 4}) TapCentre(page_->DayScreenRect(day));
+    for (int day : {1, 2, 3, 4})
+        TapCentre(page_->DayScreenRect(day));
     EXPECT_EQ(page_->Value().DayOfWeekMask, 62);
     EXPECT_EQ(page_->Sentence(), Lang("EveryWeekDay") + u" (" + Lang("infinitely") + u")");
     const std::string ics = Save(start, "weekdays");
@@ -193,7 +203,8 @@ TEST_F(RecurrenceEditorTest, MondayToFridayIsListedOnWeekdaysOnly) {
     const std::vector<std::string> expected = {"2024-03-15", "2024-03-18", "2024-03-19", "2024-03-20",
                                                "2024-03-21", "2024-03-22", "2024-03-25"};
     EXPECT_EQ(Days(ics, DateTime(2024, 3, 14), DateTime(2024, 3, 26)), expected);
-    if (!KhalInstalled()) GTEST_SKIP() << "khal is not installed";
+    if (!KhalInstalled())
+        GTEST_SKIP() << "khal is not installed";
     EXPECT_EQ(KhalDays("2024-03-14", "2024-03-25"), expected);
 }
 
@@ -218,7 +229,8 @@ TEST_F(RecurrenceEditorTest, TheLastFridayAndTheTwentyNinthOfFebruary) {
     EXPECT_NE(leap.find("RRULE:FREQ=YEARLY;BYMONTHDAY=29;BYMONTH=2"), std::string::npos) << leap;
     const std::vector<std::string> leapDays = {"2024-02-29", "2028-02-29", "2032-02-29"};
     EXPECT_EQ(Days(leap, DateTime(2024, 1, 1), DateTime(2033, 1, 1)), leapDays);
-    if (!KhalInstalled()) GTEST_SKIP() << "khal is not installed";
+    if (!KhalInstalled())
+        GTEST_SKIP() << "khal is not installed";
     std::filesystem::remove(dir_ + "/vdir/calendar/leap.ics");
     EXPECT_EQ(KhalDays("2024-03-01", "2024-06-30"), fridays);
 }
@@ -327,7 +339,8 @@ TEST_F(RecurrenceEditorTest, DayTogglesAndRowsInTheSkinsColoursAtBothSizes) {
     int checked = 0;
     for (const char* skin : {"Mirodate Black", "Mirodate Daylight"}) {
         const std::string archive = std::string(MIRODATE_BINARY_DIR) + "/skin." + skin + ".zip";
-        if (!std::filesystem::exists(archive)) continue;
+        if (!std::filesystem::exists(archive))
+            continue;
         for (const auto& [width, height] : {std::pair{480, 640}, std::pair{240, 320}}) {
             SCOPED_TRACE(std::string(skin) + " " + std::to_string(width));
             page_.reset();
@@ -354,8 +367,9 @@ TEST_F(RecurrenceEditorTest, DayTogglesAndRowsInTheSkinsColoursAtBothSizes) {
             }
             EXPECT_LE(page_->ButtonScreenRect(true).bottom, height);
             if (shot) {
-                const std::string name = std::string(shot) + "/recurrence-" + (skin[9] == 'B' ? "black" : "daylight") +
-                                         "-" + std::to_string(width) + ".png";
+                const std::string name = std::string(shot) + "/recurrence-" +
+                                         (skin[9] == 'B' ? "black" : "daylight") + "-" +
+                                         std::to_string(width) + ".png";
                 windows_->WriteScreenshot(name);
                 ChooseType(RecurrencePattern::kYearNth);
                 windows_->WriteScreenshot(name.substr(0, name.size() - 4) + "-yearly.png");
@@ -372,7 +386,8 @@ TEST_F(RecurrenceEditorTest, DayTogglesAndRowsInTheSkinsColoursAtBothSizes) {
     }
     page_.reset();
     SkinStyles::Current() = saved;
-    if (checked == 0) GTEST_SKIP() << "the skins are not built";
+    if (checked == 0)
+        GTEST_SKIP() << "the skins are not built";
 }
 
 } // namespace

@@ -2,10 +2,10 @@
 // buttons, typed text, menu choices, the pages it opens answered through
 // their observers; the files the store wrote read back by libical and
 // listed by the program's own --list.
+#include "forms/TaskEditor.h"
 #include "data/TemplateLists.h"
 #include "forms/CategoryPickerPage.h"
 #include "forms/DatePickerPage.h"
-#include "forms/TaskEditor.h"
 #include "forms/TextEntryPage.h"
 #include "forms/TimeSpanPickerPage.h"
 #include "platform/TextUtil.h"
@@ -51,7 +51,8 @@ protected:
     std::vector<std::string> TaskFiles() const {
         std::vector<std::string> files;
         for (const auto& entry : std::filesystem::directory_iterator(Root() + "/tasks"))
-            if (entry.path().extension() == ".ics") files.push_back(entry.path().filename().string());
+            if (entry.path().extension() == ".ics")
+                files.push_back(entry.path().filename().string());
         std::sort(files.begin(), files.end());
         return files;
     }
@@ -66,21 +67,26 @@ protected:
     PimItem TaskOn(const DateTime& day) {
         std::vector<PimItem> items;
         PimStore::Instance().GetDayTasks(day.GetYear(), day.GetMonth(), day.GetDay(), items);
-        if (items.size() != 1u) ADD_FAILURE() << items.size() << " tasks on the day";
+        if (items.size() != 1u)
+            ADD_FAILURE() << items.size() << " tasks on the day";
         return items.empty() ? PimItem{} : items[0];
     }
     // What `mirodate --list FROM TO` prints for the store, or nothing when
     // the program is not built.
     std::optional<std::string> List(const std::string& from, const std::string& to) const {
         const std::string binary = std::string(MIRODATE_BINARY_DIR) + "/mirodate";
-        if (!std::filesystem::exists(binary)) return std::nullopt;
-        const std::string command = "XDG_CONFIG_HOME='" + dir_ + "/config' XDG_CACHE_HOME='" + dir_ + "/cache' '" +
-                                    binary + "' --store '" + Root() + "' --list " + from + " " + to + " 2>&1";
+        if (!std::filesystem::exists(binary))
+            return std::nullopt;
+        const std::string command = "XDG_CONFIG_HOME='" + dir_ + "/config' XDG_CACHE_HOME='" + dir_ +
+                                    "/cache' '" + binary + "' --store '" + Root() + "' --list " + from + " " +
+                                    to + " 2>&1";
         std::string out;
         FILE* pipe = popen(command.c_str(), "r");
-        if (!pipe) return out;
+        if (!pipe)
+            return out;
         char buffer[4096];
-        while (std::size_t n = std::fread(buffer, 1, sizeof buffer, pipe)) out.append(buffer, n);
+        while (std::size_t n = std::fread(buffer, 1, sizeof buffer, pipe))
+            out.append(buffer, n);
         pclose(pipe);
         return out;
     }
@@ -90,7 +96,8 @@ protected:
     }
     static int Count(const std::string& text, const std::string& needle) {
         int n = 0;
-        for (size_t at = text.find(needle); at != std::string::npos; at = text.find(needle, at + 1)) ++n;
+        for (size_t at = text.find(needle); at != std::string::npos; at = text.find(needle, at + 1))
+            ++n;
         return n;
     }
 
@@ -169,14 +176,16 @@ TEST_F(TaskEditorTest, CreatedByTapsAndTypingIsReadBackByLibicalAndListed) {
     EXPECT_EQ(back.dueDate, DateTime(2024, 3, 20).ToDate());
 
     const auto listed = List("2024-03-20", "2024-03-20");
-    if (!listed) GTEST_SKIP() << "the program is not built";
+    if (!listed)
+        GTEST_SKIP() << "the program is not built";
     EXPECT_EQ(*listed, "2024-03-20 task [ ] Pay rent\n");
 }
 
 TEST_F(TaskEditorTest, CompletedInTheEditorIsListedAsDoneAndCanBeOpenedAgain) {
     AddTask("passport", "Renew passport", "20240320");
     OpenStore();
-    TaskEditor& editor = OpenTask(TaskDraft::ForRecord(RecordOf(TaskOn(DateTime(2024, 3, 20)).oid), Mode::Item));
+    TaskEditor& editor =
+        OpenTask(TaskDraft::ForRecord(RecordOf(TaskOn(DateTime(2024, 3, 20)).oid), Mode::Item));
     EXPECT_EQ(editor.Draft().Value(Row::Complete), u"\u2610");
     TapTaskRow(Row::Complete);
     EXPECT_EQ(editor.Draft().Value(Row::Complete), u"\u2611");
@@ -191,7 +200,8 @@ TEST_F(TaskEditorTest, CompletedInTheEditorIsListedAsDoneAndCanBeOpenedAgain) {
     }
 
     // Opened again, it shows as done; a second tap takes the mark back.
-    TaskEditor& again = OpenTask(TaskDraft::ForRecord(RecordOf(TaskOn(DateTime(2024, 3, 20)).oid), Mode::Item));
+    TaskEditor& again =
+        OpenTask(TaskDraft::ForRecord(RecordOf(TaskOn(DateTime(2024, 3, 20)).oid), Mode::Item));
     EXPECT_EQ(again.Draft().Value(Row::Complete), u"\u2611");
     TapTaskRow(Row::Complete);
     Ok();
@@ -203,16 +213,18 @@ TEST_F(TaskEditorTest, CompletedInTheEditorIsListedAsDoneAndCanBeOpenedAgain) {
 }
 
 TEST_F(TaskEditorTest, AnEditKeepsWhatOtherProgramsWrote) {
-    WriteFile("tasks/tb.ics",
-              "BEGIN:VCALENDAR\r\nPRODID:-//Mozilla.org/NONSGML Mozilla Calendar V1.1//EN\r\nVERSION:2.0\r\n"
-              "BEGIN:VTODO\r\nUID:tb\r\nSUMMARY:Tax return\r\nDTSTART;VALUE=DATE:20240301\r\n"
-              "DUE;VALUE=DATE:20240331\r\nPRIORITY:5\r\nPERCENT-COMPLETE:40\r\nX-MOZ-GENERATION:7\r\n"
-              "URL:https://example.org/tax\r\nATTACH:https://example.org/form.pdf\r\n"
-              "BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:Due\r\nTRIGGER;RELATED=END:-PT30M\r\nEND:VALARM\r\n"
-              "BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:Start\r\nTRIGGER;RELATED=START:PT0S\r\nEND:VALARM\r\n"
-              "END:VTODO\r\nEND:VCALENDAR\r\n");
+    WriteFile(
+        "tasks/tb.ics",
+        "BEGIN:VCALENDAR\r\nPRODID:-//Mozilla.org/NONSGML Mozilla Calendar V1.1//EN\r\nVERSION:2.0\r\n"
+        "BEGIN:VTODO\r\nUID:tb\r\nSUMMARY:Tax return\r\nDTSTART;VALUE=DATE:20240301\r\n"
+        "DUE;VALUE=DATE:20240331\r\nPRIORITY:5\r\nPERCENT-COMPLETE:40\r\nX-MOZ-GENERATION:7\r\n"
+        "URL:https://example.org/tax\r\nATTACH:https://example.org/form.pdf\r\n"
+        "BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:Due\r\nTRIGGER;RELATED=END:-PT30M\r\nEND:VALARM\r\n"
+        "BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:Start\r\nTRIGGER;RELATED=START:PT0S\r\nEND:VALARM\r\n"
+        "END:VTODO\r\nEND:VCALENDAR\r\n");
     OpenStore();
-    TaskEditor& editor = OpenTask(TaskDraft::ForRecord(RecordOf(TaskOn(DateTime(2024, 3, 31)).oid), Mode::Item));
+    TaskEditor& editor =
+        OpenTask(TaskDraft::ForRecord(RecordOf(TaskOn(DateTime(2024, 3, 31)).oid), Mode::Item));
     // The alarm related to the due date is the editor's; the one at the start is not.
     EXPECT_EQ(editor.Draft().Value(Row::Reminder), u"30 Minutes before");
     EXPECT_EQ(editor.Draft().Value(Row::Priority), u"Priority_1");
@@ -222,15 +234,16 @@ TEST_F(TaskEditorTest, AnEditKeepsWhatOtherProgramsWrote) {
     Ok();
     ASSERT_TRUE(editor.WasSaved());
     const std::string text = ReadFile("tasks/tb.ics");
-    for (const char* kept : {"SUMMARY:Tax return 2023", "PRIORITY:9", "PERCENT-COMPLETE:40", "X-MOZ-GENERATION:7",
-                             "URL:https://example.org/tax", "ATTACH:https://example.org/form.pdf",
-                             "TRIGGER;RELATED=END:-PT30M", "TRIGGER;RELATED=START:PT0S", "DTSTART;VALUE=DATE:20240301",
-                             "DUE;VALUE=DATE:20240331"})
+    for (const char* kept :
+         {"SUMMARY:Tax return 2023", "PRIORITY:9", "PERCENT-COMPLETE:40", "X-MOZ-GENERATION:7",
+          "URL:https://example.org/tax", "ATTACH:https://example.org/form.pdf", "TRIGGER;RELATED=END:-PT30M",
+          "TRIGGER;RELATED=START:PT0S", "DTSTART;VALUE=DATE:20240301", "DUE;VALUE=DATE:20240331"})
         EXPECT_NE(text.find(kept), std::string::npos) << kept << "\n" << text;
     EXPECT_EQ(Count(text, "BEGIN:VALARM"), 2);
 
     // A changed lead time rewrites that alarm's trigger alone; "unset" removes only it.
-    TaskEditor& second = OpenTask(TaskDraft::ForRecord(RecordOf(TaskOn(DateTime(2024, 3, 31)).oid), Mode::Item));
+    TaskEditor& second =
+        OpenTask(TaskDraft::ForRecord(RecordOf(TaskOn(DateTime(2024, 3, 31)).oid), Mode::Item));
     TapTaskRow(Row::Reminder);
     ChooseMenu(u"unset");
     EXPECT_EQ(menuTexts, (std::vector<std::u16string>{u"change_datetime", u"change_span", u"unset"}));
@@ -333,7 +346,8 @@ TEST_F(TaskEditorTest, BadInputIsCutOrRefusedWithAMessage) {
     EXPECT_EQ(editor.SubjectField().GetText().size(), AppointmentDraft::kMaxLineText);
     Ok();
     ASSERT_TRUE(editor.WasSaved());
-    EXPECT_EQ(RecordOf(TaskOn(DateTime(2024, 3, 20)).oid).subject, std::u16string(AppointmentDraft::kMaxLineText, u'x'));
+    EXPECT_EQ(RecordOf(TaskOn(DateTime(2024, 3, 20)).oid).subject,
+              std::u16string(AppointmentDraft::kMaxLineText, u'x'));
 
     // Due before the start: refused on OK, nothing written.
     std::filesystem::remove(Root() + "/tasks/" + TaskFiles()[0]);
@@ -387,7 +401,8 @@ TEST_F(TaskEditorTest, BadInputIsCutOrRefusedWithAMessage) {
 TEST_F(TaskEditorTest, AFileChangedOrDeletedMeanwhileIsNotOverwritten) {
     AddTask("car", "Car service", "20240320");
     OpenStore();
-    TaskEditor& editor = OpenTask(TaskDraft::ForRecord(RecordOf(TaskOn(DateTime(2024, 3, 20)).oid), Mode::Item));
+    TaskEditor& editor =
+        OpenTask(TaskDraft::ForRecord(RecordOf(TaskOn(DateTime(2024, 3, 20)).oid), Mode::Item));
     Type("Book ");
     AddTask("car", "Car service (theirs)", "20240321", "X-THEIRS:1\r\n");
     const std::string theirs = ReadFile("tasks/car.ics");
@@ -409,7 +424,8 @@ TEST_F(TaskEditorTest, AFileChangedOrDeletedMeanwhileIsNotOverwritten) {
     EXPECT_NE(merged.find("X-THEIRS:1"), std::string::npos);
 
     // Deleted meanwhile: written again only when the user chooses so.
-    TaskEditor& second = OpenTask(TaskDraft::ForRecord(RecordOf(TaskOn(DateTime(2024, 3, 21)).oid), Mode::Item));
+    TaskEditor& second =
+        OpenTask(TaskDraft::ForRecord(RecordOf(TaskOn(DateTime(2024, 3, 21)).oid), Mode::Item));
     Type("!");
     std::filesystem::remove(Root() + "/tasks/car.ics");
     questions.clear();
@@ -426,7 +442,8 @@ TEST_F(TaskEditorTest, AFileChangedOrDeletedMeanwhileIsNotOverwritten) {
 }
 
 TEST_F(TaskEditorTest, TheEndOfARepeatingTaskIsChosenFromTheRecurrenceRow) {
-    AddTask("water", "Water plants", "20240304", "DTSTART;VALUE=DATE:20240304\r\nRRULE:FREQ=WEEKLY;COUNT=5\r\n");
+    AddTask("water", "Water plants", "20240304",
+            "DTSTART;VALUE=DATE:20240304\r\nRRULE:FREQ=WEEKLY;COUNT=5\r\n");
     // The count page is answered by typing over its text and Enter, as a user does.
     std::deque<std::string> counts = {"0", "12"};
     std::vector<std::u16string> offered;
@@ -446,7 +463,8 @@ TEST_F(TaskEditorTest, TheEndOfARepeatingTaskIsChosenFromTheRecurrenceRow) {
         display_->Inject(enter);
     });
     OpenStore();
-    TaskEditor& editor = OpenTask(TaskDraft::ForRecord(RecordOf(TaskOn(DateTime(2024, 3, 4)).oid), Mode::Item));
+    TaskEditor& editor =
+        OpenTask(TaskDraft::ForRecord(RecordOf(TaskOn(DateTime(2024, 3, 4)).oid), Mode::Item));
     ASSERT_TRUE(editor.Draft().Record().isRecurring);
     EXPECT_EQ(editor.Draft().Record().recurrence.Occurrences, 5);
     // A count of 0 is refused with a message and changes nothing.
@@ -467,7 +485,8 @@ TEST_F(TaskEditorTest, TheEndOfARepeatingTaskIsChosenFromTheRecurrenceRow) {
     EXPECT_NE(text.find("FREQ=WEEKLY"), std::string::npos) << text;
 
     // "SetNoEndDate" lets it repeat for ever.
-    TaskEditor& again = OpenTask(TaskDraft::ForRecord(RecordOf(TaskOn(DateTime(2024, 3, 4)).oid), Mode::Item));
+    TaskEditor& again =
+        OpenTask(TaskDraft::ForRecord(RecordOf(TaskOn(DateTime(2024, 3, 4)).oid), Mode::Item));
     TapTaskRow(Row::Recurrence);
     ChooseMenu(u"SetNoEndDate");
     Ok();

@@ -11,7 +11,8 @@ namespace {
 class LocaleScope {
 public:
     explicit LocaleScope(const char* name) {
-        if (const char* old = std::getenv("LC_ALL")) old_ = old;
+        if (const char* old = std::getenv("LC_ALL"))
+            old_ = old;
         setenv("LC_ALL", name, 1);
     }
     ~LocaleScope() {

@@ -145,7 +145,8 @@ TEST(SettingsStore, IgnoresJunkLinesAndHugeFiles) {
     {
         std::ofstream out(huge, std::ios::binary);
         std::string line = "Key=" + std::string(1000, 'x') + "\n";
-        for (int i = 0; i < 5000; ++i) out << line;
+        for (int i = 0; i < 5000; ++i)
+            out << line;
     }
     EXPECT_FALSE(SettingsStore(huge).Get("Key").has_value());
 }

@@ -22,7 +22,8 @@ class EnvScope {
 public:
     EnvScope(const char* name, const char* value) : name_(name) {
         const char* old = std::getenv(name);
-        if (old) old_ = old, hadOld_ = true;
+        if (old)
+            old_ = old, hadOld_ = true;
         if (value)
             setenv(name, value, 1);
         else

@@ -7,18 +7,26 @@
 using namespace mirodate;
 
 TEST(TextUtil, Utf8AndUtf16RoundTrip) {
-    const std::string samples[] = {"", "plain", "\xc3\xa9t\xc3\xa9", "\xd0\x9f\xd1\x80\xd0\xb8",
-                                   "\xf0\x9f\x98\x80 emoji", "\xe2\x82\xac 5"};
-    for (const auto& sample : samples) EXPECT_EQ(Utf16ToUtf8(Utf8ToUtf16(sample)), sample);
+    const std::string samples[] = {"",
+                                   "plain",
+                                   "\xc3\xa9t\xc3\xa9",
+                                   "\xd0\x9f\xd1\x80\xd0\xb8",
+                                   "\xf0\x9f\x98\x80 emoji",
+                                   "\xe2\x82\xac 5"};
+    for (const auto& sample : samples)
+        EXPECT_EQ(Utf16ToUtf8(Utf8ToUtf16(sample)), sample);
     EXPECT_EQ(Utf8ToUtf16("\xf0\x9f\x98\x80").size(), 2u); // surrogate pair
 }
 
 TEST(TextUtil, BrokenEncodingsBecomeReplacementCharacters) {
-    EXPECT_EQ(Utf8ToUtf16("a\xff" "b"), u"a\uFFFDb");
+    EXPECT_EQ(Utf8ToUtf16("a\xff"
+                          "b"),
+              u"a\uFFFDb");
     EXPECT_EQ(Utf8ToUtf16("\xe2\x82"), u"\uFFFD\uFFFD"); // truncated sequence
     EXPECT_EQ(Utf8ToUtf16("\xc0\xaf"), u"\uFFFD");       // overlong slash
     const char16_t lone[] = {u'a', 0xD800, u'b', 0};
-    EXPECT_EQ(Utf16ToUtf8(lone), "a\xef\xbf\xbd" "b");
+    EXPECT_EQ(Utf16ToUtf8(lone), "a\xef\xbf\xbd"
+                                 "b");
 }
 
 TEST(TextUtil, DecimalParsingStopsAtTheFirstNonDigit) {

@@ -58,19 +58,19 @@ TEST(RegexPatternTest, LiteralsAndAlternation) {
 
 TEST(RegexPatternTest, CountedRepetitionRules) {
     ExpectSpans({
-        {u"a{2,1}", u"aaaa", 0, 2},    // n below m is raised to m
+        {u"a{2,1}", u"aaaa", 0, 2}, // n below m is raised to m
         {u"ba{2,1}", u"baaa", 0, 3},
-        {u"a{0}", u"aaa", 0, 0},       // the atom is dropped
+        {u"a{0}", u"aaa", 0, 0}, // the atom is dropped
         {u"xa{0}y", u"xy", 0, 2},
         {u"xa{0}y", u"xay", -1, -1},
-        {u"xa{,5}y", u"xy", 0, 2},      // no number before the comma reads as {0}
+        {u"xa{,5}y", u"xy", 0, 2}, // no number before the comma reads as {0}
         {u"xa{,5}y", u"xaay", -1, -1},
         {u"xa{q}y", u"xy", 0, 2},
         {u"a{2}", u"aaaa", 0, 2},
         {u"a{2,}", u"aaaaa", 0, 5},
         {u"a{2,3}", u"aaaaa", 0, 3},
         {u"a{2,3}?", u"aaaaa", 0, 2},
-        {u"a{3}?b", u"aaab", 0, 4},    // "?" after an exact count has no effect
+        {u"a{3}?b", u"aaab", 0, 4}, // "?" after an exact count has no effect
         {u"a{3}+b", u"aaab", 0, 4},
         {u"(?:ab){2}", u"abababab", 0, 4},
         {u"a{3}", u"aa", -1, -1},
@@ -92,12 +92,12 @@ TEST(RegexPatternTest, GreedyLazyAndPossessive) {
         {u"(?:a|ab)*c", u"abababc", 0, 7}, // backtracking into earlier iterations
         {u"(?:a|ab){3}c", u"abababc", 0, 7},
         {u"(?:a|ab)*?c", u"ababc", 0, 5},
-        {u"(?:a*)*b", u"aaab", 0, 4},    // empty iterations end the loop
+        {u"(?:a*)*b", u"aaab", 0, 4}, // empty iterations end the loop
         {u"(?:a*)+$", u"aaa", 0, 3},
         {u"(?:x?)*y", u"xxy", 0, 3},
         {u"(a|b|)+c", u"abc", 0, 3},
         {u"[a-z]+@x", u"abc@x", 0, 5},
-        {u"[a-z]+[a-z]@", u"abc@", 0, 4},  // must give back across an overlapping set
+        {u"[a-z]+[a-z]@", u"abc@", 0, 4}, // must give back across an overlapping set
     });
 }
 
@@ -106,15 +106,15 @@ TEST(RegexPatternTest, GreedyLazyAndPossessive) {
 // change what is found.
 TEST(RegexPatternTest, OptimisationsKeepResults) {
     ExpectSpans({
-        {u"[a-z]+(?<!b)", u"ab", 0, 1},   // an assertion after a run blocks making it possessive
+        {u"[a-z]+(?<!b)", u"ab", 0, 1}, // an assertion after a run blocks making it possessive
         {u"\\d+(?=5)", u"1235", 0, 3},
         {u"[a-z]+\\b", u"ab1", -1, -1},
-        {u"[a-z]+\\d", u"ab cd1", 3, 6},  // leading run: starts inside "ab" are skipped
+        {u"[a-z]+\\d", u"ab cd1", 3, 6}, // leading run: starts inside "ab" are skipped
         {u"[a-z]+@", u"abc de@", 4, 7},
         {u"([a-z]+)x\\1", u"abxb", 1, 4}, // a back-reference sees where the run started
         {u"[a-z]+?c", u"abc", 0, 3},
         {u"x(?:ab|ac|b)", u"xac xb", 0, 3},
-        {u"(?:a|)b", u"b", 0, 1},          // an empty branch is never skipped
+        {u"(?:a|)b", u"b", 0, 1}, // an empty branch is never skipped
         {u"(?:\\+\\d|\\d\\d)x", u"+1x 12x", 0, 3},
         {u"\\d{2,3}\\d", u"12345", 0, 4},
     });
@@ -159,8 +159,8 @@ TEST(RegexPatternTest, BackReferences) {
         {u"(a)\\g1\\g{1}", u"aaa", 0, 3},
         {u"(a)?b\\1", u"b", -1, -1}, // an unset group makes the reference fail
         {u"(a|b)\\1", u"abba", 1, 3},
-        {u"(a)\\2", u"aa", -1, -1},               // a group that does not exist
-        {u"(a)\\99999999999", u"aa", -1, -1},      // nor a number beyond any int
+        {u"(a)\\2", u"aa", -1, -1},           // a group that does not exist
+        {u"(a)\\99999999999", u"aa", -1, -1}, // nor a number beyond any int
         {u"(a)?(?(99999999999)b|c)", u"c", 0, 1},
     });
     ExpectSpans({{u"(ab)\\1", u"abAB", 0, 4}}, RegexPattern::kIgnoreCase);
@@ -172,12 +172,12 @@ TEST(RegexPatternTest, LookAroundAndAtomic) {
         {u"foo(?!bar)", u"foobar foobaz", 7, 10},
         {u"(?<=\\$)\\d+", u"a 12 $34", 6, 8},
         {u"(?<!\\$)\\b\\d+", u"$12 34", 4, 6},
-        {u"(?<=ab|c)x", u"abx", 2, 3},     // branches of different widths
+        {u"(?<=ab|c)x", u"abx", 2, 3}, // branches of different widths
         {u"(?<=a\\d{1,3})x", u"a123x", 4, 5},
-        {u"(?<=^a+)b", u"aaab", 3, 4},      // unbounded contents
+        {u"(?<=^a+)b", u"aaab", 3, 4}, // unbounded contents
         {u"(?<=x)", u"x", 1, 1},
         {u"(?>a+)b", u"aaab", 0, 4},
-        {u"(?>a|ab)c", u"abc", -1, -1},   // the atomic group keeps its first choice
+        {u"(?>a|ab)c", u"abc", -1, -1}, // the atomic group keeps its first choice
         {u"(?>.*)x", u"aax", -1, -1},
         {u"(?=(\\d+))\\w+\\1", u"123x123", 0, 7},
     });
@@ -269,8 +269,8 @@ TEST(RegexPatternTest, InlineOptions) {
         {u"(?i)a(?-i)b", u"AB", -1, -1},
         {u"(?s).", u"\n", 0, 1},
         {u"(?m)^b", u"a\nb", 2, 3},
-        {u"(?x)a", u"a", 0, 1},    // letters outside g..s are ignored
-        {u"(?hjk)a", u"a", 0, 1},  // letters without meaning are ignored
+        {u"(?x)a", u"a", 0, 1},   // letters outside g..s are ignored
+        {u"(?hjk)a", u"a", 0, 1}, // letters without meaning are ignored
         {u"(?g)a\\G", u"a", -1, -1},
     });
 }
@@ -306,8 +306,9 @@ TEST(RegexPatternTest, SearchFromStartAndEmptyMatchScan) {
 }
 
 TEST(RegexPatternTest, SyntaxErrorsAreRefused) {
-    const char16_t* bad[] = {u"(ab", u"ab)", u"[ab", u"*a", u"a**", u"a{2}{3}", u"(?<n>a)(?<n>b)",
-                             u"\\k<none>", u"(?(1)a|b|c)", u"[z-a]", u"ab\\", u"(?Q)", u"(?<=a"};
+    const char16_t* bad[] = {
+        u"(ab",       u"ab)",         u"[ab",   u"*a",   u"a**",  u"a{2}{3}", u"(?<n>a)(?<n>b)",
+        u"\\k<none>", u"(?(1)a|b|c)", u"[z-a]", u"ab\\", u"(?Q)", u"(?<=a"};
     for (const char16_t* text : bad) {
         RegexPattern pattern;
         EXPECT_FALSE(pattern.Compile(text)) << std::u16string(text).size();

@@ -17,7 +17,9 @@ namespace {
 class EditorFieldsTest : public StoreFixture {
 protected:
     // The file of an item, parsed by libical.
-    IcalComponentPtr Parsed(const std::string& uid) const { return IcalText::Parse(ReadFile("calendar/" + uid + ".ics")); }
+    IcalComponentPtr Parsed(const std::string& uid) const {
+        return IcalText::Parse(ReadFile("calendar/" + uid + ".ics"));
+    }
 
     static icalcomponent* VEvent(icalcomponent* calendar) {
         return icalcomponent_get_first_component(calendar, ICAL_VEVENT_COMPONENT);
@@ -25,7 +27,8 @@ protected:
     static std::string X(icalcomponent* event, const char* name) {
         for (icalproperty* p = icalcomponent_get_first_property(event, ICAL_X_PROPERTY); p;
              p = icalcomponent_get_next_property(event, ICAL_X_PROPERTY))
-            if (std::strcmp(icalproperty_get_x_name(p), name) == 0) return icalproperty_get_x(p);
+            if (std::strcmp(icalproperty_get_x_name(p), name) == 0)
+                return icalproperty_get_x(p);
         return "";
     }
     // "ACTION TRIGGER" of every alarm, in file order.
@@ -70,7 +73,8 @@ TEST_F(EditorFieldsTest, EveryFieldIsWrittenAsOtherProgramsReadItAndComesBack) {
     EXPECT_EQ(icalproperty_get_transp(icalcomponent_get_first_property(event, ICAL_TRANSP_PROPERTY)),
               ICAL_TRANSP_OPAQUE);
     EXPECT_EQ(X(event, "X-MICROSOFT-CDO-BUSYSTATUS"), "OOF");
-    EXPECT_EQ(icalproperty_get_class(icalcomponent_get_first_property(event, ICAL_CLASS_PROPERTY)), ICAL_CLASS_PRIVATE);
+    EXPECT_EQ(icalproperty_get_class(icalcomponent_get_first_property(event, ICAL_CLASS_PROPERTY)),
+              ICAL_CLASS_PRIVATE);
     std::vector<std::string> categories, attendees, attachments;
     for (icalproperty* p = icalcomponent_get_first_property(event, ICAL_CATEGORIES_PROPERTY); p;
          p = icalcomponent_get_next_property(event, ICAL_CATEGORIES_PROPERTY))
@@ -78,18 +82,21 @@ TEST_F(EditorFieldsTest, EveryFieldIsWrittenAsOtherProgramsReadItAndComesBack) {
     for (icalproperty* p = icalcomponent_get_first_property(event, ICAL_ATTENDEE_PROPERTY); p;
          p = icalcomponent_get_next_property(event, ICAL_ATTENDEE_PROPERTY)) {
         icalparameter* cn = icalproperty_get_first_parameter(p, ICAL_CN_PARAMETER);
-        attendees.push_back(std::string(cn ? icalparameter_get_cn(cn) : "") + " " + icalproperty_get_attendee(p));
+        attendees.push_back(std::string(cn ? icalparameter_get_cn(cn) : "") + " " +
+                            icalproperty_get_attendee(p));
     }
     for (icalproperty* p = icalcomponent_get_first_property(event, ICAL_ATTACH_PROPERTY); p;
          p = icalcomponent_get_next_property(event, ICAL_ATTACH_PROPERTY))
         attachments.push_back(icalattach_get_url(icalproperty_get_attach(p)));
     // One CATEGORIES value list, or one property per name: both say the same.
     std::string joined;
-    for (const auto& c : categories) joined += (joined.empty() ? "" : ",") + c;
+    for (const auto& c : categories)
+        joined += (joined.empty() ? "" : ",") + c;
     EXPECT_EQ(joined, "Work,Travel");
     EXPECT_EQ(attendees.size(), 2u);
     EXPECT_NE(std::find(attendees.begin(), attendees.end(), "Bo mailto:bo@example.org"), attendees.end());
-    EXPECT_EQ(attachments, (std::vector<std::string>{"file:///home/me/agenda.pdf", "https://example.org/slides"}));
+    EXPECT_EQ(attachments,
+              (std::vector<std::string>{"file:///home/me/agenda.pdf", "https://example.org/slides"}));
 
     // Read back by a fresh store, from the files and then from its index.
     for (bool index : {false, true, true}) {
@@ -106,11 +113,13 @@ TEST_F(EditorFieldsTest, EveryFieldIsWrittenAsOtherProgramsReadItAndComesBack) {
 }
 
 TEST_F(EditorFieldsTest, SensitivityAndBusyStatusOfOtherProgramsAreReadAndEveryValueRoundTrips) {
-    WriteFile("calendar/a.ics", StoreFixture::Event("a", "DTSTART:20260318T090000Z\r\nDTEND:20260318T100000Z\r\nSUMMARY:A\r\n"
-                                           "CLASS:PRIVATE\r\nTRANSP:TRANSPARENT\r\n"));
-    WriteFile("calendar/b.ics", StoreFixture::Event("b", "DTSTART:20260318T090000Z\r\nDTEND:20260318T100000Z\r\nSUMMARY:B\r\n"
-                                           "CLASS:CONFIDENTIAL\r\nX-MICROSOFT-CDO-BUSYSTATUS:TENTATIVE\r\n"
-                                           "BEGIN:VALARM\r\nACTION:AUDIO\r\nTRIGGER:PT0S\r\nEND:VALARM\r\n"));
+    WriteFile("calendar/a.ics",
+              StoreFixture::Event("a", "DTSTART:20260318T090000Z\r\nDTEND:20260318T100000Z\r\nSUMMARY:A\r\n"
+                                       "CLASS:PRIVATE\r\nTRANSP:TRANSPARENT\r\n"));
+    WriteFile("calendar/b.ics",
+              StoreFixture::Event("b", "DTSTART:20260318T090000Z\r\nDTEND:20260318T100000Z\r\nSUMMARY:B\r\n"
+                                       "CLASS:CONFIDENTIAL\r\nX-MICROSOFT-CDO-BUSYSTATUS:TENTATIVE\r\n"
+                                       "BEGIN:VALARM\r\nACTION:AUDIO\r\nTRIGGER:PT0S\r\nEND:VALARM\r\n"));
     PimRecord a, b;
     PimStore store;
     ASSERT_TRUE(store.Open(OpenSource(false)));
@@ -152,9 +161,11 @@ const char* const kOutlookEvent =
     "DTSTART:20260318T090000Z\r\nLAST-MODIFIED:20260301T080000Z\r\nPRIORITY:5\r\nSEQUENCE:0\r\n"
     "SUMMARY;LANGUAGE=en-us:Steering board\r\nTRANSP:OPAQUE\r\nUID:outlook-1\r\n"
     "X-ALT-DESC;FMTTYPE=text/html:<html><body>Agenda</body></html>\r\n"
-    "X-MICROSOFT-CDO-BUSYSTATUS:BUSY\r\nX-MICROSOFT-CDO-IMPORTANCE:1\r\nX-MICROSOFT-DISALLOW-COUNTER:FALSE\r\n"
+    "X-MICROSOFT-CDO-BUSYSTATUS:BUSY\r\nX-MICROSOFT-CDO-IMPORTANCE:1\r\nX-MICROSOFT-DISALLOW-COUNTER:"
+    "FALSE\r\n"
     "X-MS-OLK-AUTOFILLLOCATION:FALSE\r\nX-MS-OLK-CONFTYPE:0\r\n"
-    "BEGIN:VALARM\r\nACTION:EMAIL\r\nDESCRIPTION:Mail me\r\nSUMMARY:Board\r\nATTENDEE:mailto:me@example.org\r\n"
+    "BEGIN:VALARM\r\nACTION:EMAIL\r\nDESCRIPTION:Mail "
+    "me\r\nSUMMARY:Board\r\nATTENDEE:mailto:me@example.org\r\n"
     "TRIGGER:-PT2H\r\nEND:VALARM\r\n"
     "BEGIN:VALARM\r\nTRIGGER:-PT15M\r\nACTION:DISPLAY\r\nDESCRIPTION:Reminder\r\nEND:VALARM\r\n"
     "BEGIN:VALARM\r\nTRIGGER:-P1D\r\nACTION:AUDIO\r\nEND:VALARM\r\n"
@@ -204,11 +215,14 @@ TEST_F(EditorFieldsTest, OutlookEventKeepsItsPropertiesAndOtherAlarmsWhenTheRemi
 }
 
 TEST_F(EditorFieldsTest, AnUnchangedRecordLeavesAlarmsClassAndAttachmentsAsWritten) {
-    WriteFile("calendar/c.ics",
-              StoreFixture::Event("c", "DTSTART:20260318T090000Z\r\nDTEND:20260318T100000Z\r\nSUMMARY:C\r\nCLASS:X-SECRET\r\n"
-                         "ATTACH;FMTTYPE=text/plain;ENCODING=BASE64;VALUE=BINARY:aGVsbG8=\r\n"
-                         "ATTACH:https://example.org/a\r\n"
-                         "BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:x\r\nTRIGGER;RELATED=END:PT5M\r\nEND:VALARM\r\n"));
+    WriteFile(
+        "calendar/c.ics",
+        StoreFixture::Event(
+            "c",
+            "DTSTART:20260318T090000Z\r\nDTEND:20260318T100000Z\r\nSUMMARY:C\r\nCLASS:X-SECRET\r\n"
+            "ATTACH;FMTTYPE=text/plain;ENCODING=BASE64;VALUE=BINARY:aGVsbG8=\r\n"
+            "ATTACH:https://example.org/a\r\n"
+            "BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:x\r\nTRIGGER;RELATED=END:PT5M\r\nEND:VALARM\r\n"));
     PimStore store;
     ASSERT_TRUE(store.Open(OpenSource(false)));
     std::vector<PimItem> items;

@@ -28,8 +28,10 @@ protected:
 TEST_F(IcsItemTest, TimesAreConvertedToTheLocalZone) {
     auto utc = Parse("DTSTART:20260315T080000Z\r\nDTEND:20260315T090000Z\r\nSUMMARY:UTC\r\n");
     EXPECT_EQ(DateTime(utc.GetRecord().start), DateTime(2026, 3, 15, 9, 0, 0));
-    auto ny = Parse("DTSTART;TZID=America/New_York:20260315T080000\r\nDTEND;TZID=America/New_York:20260315T090000\r\n");
-    EXPECT_EQ(DateTime(ny.GetRecord().start), DateTime(2026, 3, 15, 13, 0, 0)); // NY already on DST, Berlin not
+    auto ny = Parse(
+        "DTSTART;TZID=America/New_York:20260315T080000\r\nDTEND;TZID=America/New_York:20260315T090000\r\n");
+    EXPECT_EQ(DateTime(ny.GetRecord().start),
+              DateTime(2026, 3, 15, 13, 0, 0)); // NY already on DST, Berlin not
     auto floating = Parse("DTSTART:20260315T080000\r\n");
     EXPECT_EQ(DateTime(floating.GetRecord().start), DateTime(2026, 3, 15, 8, 0, 0));
     EXPECT_EQ(floating.GetRecord().end, floating.GetRecord().start);
@@ -42,20 +44,23 @@ TEST_F(IcsItemTest, TimesAreConvertedToTheLocalZone) {
 }
 
 TEST_F(IcsItemTest, SeriesWithExdateRdateAndOverrides) {
-    const std::string moved = "BEGIN:VEVENT\r\nUID:u1\r\nRECURRENCE-ID;TZID=Europe/Berlin:20260309T180000\r\n"
-                              "DTSTART;TZID=Europe/Berlin:20260310T190000\r\nDTEND;TZID=Europe/Berlin:20260310T200000\r\n"
-                              "SUMMARY:Moved\r\nEND:VEVENT\r\n"
-                              "BEGIN:VEVENT\r\nUID:u1\r\nRECURRENCE-ID:20260323T170000Z\r\nSTATUS:CANCELLED\r\n"
-                              "DTSTART;TZID=Europe/Berlin:20260323T180000\r\nEND:VEVENT\r\n";
-    auto item = Parse("DTSTART;TZID=Europe/Berlin:20260302T180000\r\nDTEND;TZID=Europe/Berlin:20260302T190000\r\n"
-                      "SUMMARY:Yoga\r\nRRULE:FREQ=WEEKLY;BYDAY=MO\r\nEXDATE;TZID=Europe/Berlin:20260316T180000\r\n"
-                      "RDATE;TZID=Europe/Berlin:20260305T120000\r\n",
-                      moved);
+    const std::string moved =
+        "BEGIN:VEVENT\r\nUID:u1\r\nRECURRENCE-ID;TZID=Europe/Berlin:20260309T180000\r\n"
+        "DTSTART;TZID=Europe/Berlin:20260310T190000\r\nDTEND;TZID=Europe/Berlin:20260310T200000\r\n"
+        "SUMMARY:Moved\r\nEND:VEVENT\r\n"
+        "BEGIN:VEVENT\r\nUID:u1\r\nRECURRENCE-ID:20260323T170000Z\r\nSTATUS:CANCELLED\r\n"
+        "DTSTART;TZID=Europe/Berlin:20260323T180000\r\nEND:VEVENT\r\n";
+    auto item =
+        Parse("DTSTART;TZID=Europe/Berlin:20260302T180000\r\nDTEND;TZID=Europe/Berlin:20260302T190000\r\n"
+              "SUMMARY:Yoga\r\nRRULE:FREQ=WEEKLY;BYDAY=MO\r\nEXDATE;TZID=Europe/Berlin:20260316T180000\r\n"
+              "RDATE;TZID=Europe/Berlin:20260305T120000\r\n",
+              moved);
     ASSERT_TRUE(item.IsSeries());
     EXPECT_EQ(item.GetSeriesEnd(), kNoDate);
     const auto march = Expand(item, DateTime(2026, 3, 1), DateTime(2026, 4, 1));
     std::vector<std::pair<DateTime, std::u16string>> got;
-    for (const auto& r : march) got.emplace_back(DateTime(r.start), r.subject);
+    for (const auto& r : march)
+        got.emplace_back(DateTime(r.start), r.subject);
     const std::vector<std::pair<DateTime, std::u16string>> want = {
         {DateTime(2026, 3, 2, 18, 0, 0), u"Yoga"},
         {DateTime(2026, 3, 5, 12, 0, 0), u"Yoga"},
@@ -63,7 +68,8 @@ TEST_F(IcsItemTest, SeriesWithExdateRdateAndOverrides) {
         {DateTime(2026, 3, 23, 18, 0, 0), u"Yoga"},
         {DateTime(2026, 3, 30, 18, 0, 0), u"Yoga"}};
     EXPECT_EQ(got, want);
-    for (const auto& r : march) EXPECT_TRUE(r.isRecurring);
+    for (const auto& r : march)
+        EXPECT_TRUE(r.isRecurring);
     // The cancelled occurrence stays in its place, marked; the others are not.
     for (const auto& r : march)
         EXPECT_EQ(r.cancelled, DateTime(r.start) == DateTime(2026, 3, 23, 18, 0, 0));
@@ -76,7 +82,8 @@ TEST_F(IcsItemTest, SeriesWithExdateRdateAndOverrides) {
 }
 
 TEST_F(IcsItemTest, AllDaySeriesKeepsWholeDays) {
-    auto item = Parse("DTSTART;VALUE=DATE:20260301\r\nDTEND;VALUE=DATE:20260303\r\nRRULE:FREQ=MONTHLY;COUNT=3\r\n");
+    auto item =
+        Parse("DTSTART;VALUE=DATE:20260301\r\nDTEND;VALUE=DATE:20260303\r\nRRULE:FREQ=MONTHLY;COUNT=3\r\n");
     const auto occurrences = Expand(item, DateTime(2026, 1, 1), DateTime(2027, 1, 1));
     ASSERT_EQ(occurrences.size(), 3u);
     EXPECT_EQ(DateTime(occurrences[2].start), DateTime(2026, 5, 1));
@@ -168,7 +175,8 @@ TEST_F(IcsItemTest, OutlookAllDayEventsAreAllDay) {
 TEST_F(IcsItemTest, BadInputIsRefusedWithAReason) {
     for (const std::string& text :
          {std::string("hello"), std::string("BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nUID:x\r\nDTSTART:2026"),
-          std::string("BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nUID:x\r\nDTSTART:20261345T250000\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n"),
+          std::string("BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nUID:x\r\nDTSTART:20261345T250000\r\nEND:"
+                      "VEVENT\r\nEND:VCALENDAR\r\n"),
           std::string("BEGIN:VCALENDAR\r\nEND:VCALENDAR\r\n"), std::string()}) {
         IcsItem item;
         std::string problem;
@@ -177,9 +185,10 @@ TEST_F(IcsItemTest, BadInputIsRefusedWithAReason) {
     }
     IcsItem two;
     std::string problem;
-    ASSERT_TRUE(two.Parse("BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nUID:a\r\nDTSTART:20260301T100000\r\nSUMMARY:A\r\nEND:VEVENT\r\n"
-                          "BEGIN:VEVENT\r\nUID:b\r\nDTSTART:20260302T100000\r\nSUMMARY:B\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n",
-                          problem));
+    ASSERT_TRUE(two.Parse(
+        "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nUID:a\r\nDTSTART:20260301T100000\r\nSUMMARY:A\r\nEND:VEVENT\r\n"
+        "BEGIN:VEVENT\r\nUID:b\r\nDTSTART:20260302T100000\r\nSUMMARY:B\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n",
+        problem));
     EXPECT_TRUE(two.HasUnrelatedComponents());
     EXPECT_EQ(two.GetRecord().subject, u"A");
 }
@@ -270,7 +279,8 @@ TEST(VcardReader, DatesWithAndWithoutYear) {
     EXPECT_EQ(record.subject, u"Anna Berg");
     EXPECT_EQ(DateTime(record.birthday), DateTime(1990, 2, 15));
     EXPECT_FALSE(record.anniversaryHasYear);
-    ASSERT_TRUE(VcardReader::Read("BEGIN:VCARD\nVERSION:3.0\nFN:Jo\n e\nX-ANNIVERSARY:2015-06-01\nBDAY;VALUE=text:circa 1800\nEND:VCARD\n",
+    ASSERT_TRUE(VcardReader::Read("BEGIN:VCARD\nVERSION:3.0\nFN:Jo\n "
+                                  "e\nX-ANNIVERSARY:2015-06-01\nBDAY;VALUE=text:circa 1800\nEND:VCARD\n",
                                   record, problem));
     EXPECT_EQ(record.subject, u"Joe");
     EXPECT_EQ(record.birthday, kNoDate);
@@ -296,7 +306,8 @@ TEST(VcardReader, EveryEmailAddressOnceAndOnlyAddresses) {
                                                           u"eva@home.example", u"EVA@example.org"}));
     // A card stuffed with addresses gives a bounded list.
     std::string card = "BEGIN:VCARD\r\nFN:Many\r\n";
-    for (int i = 0; i < 1000; ++i) card += "EMAIL:m" + std::to_string(i) + "@example.org\r\n";
+    for (int i = 0; i < 1000; ++i)
+        card += "EMAIL:m" + std::to_string(i) + "@example.org\r\n";
     card += "EMAIL:" + std::string(300, 'x') + "@example.org\r\nEND:VCARD\r\n";
     ASSERT_TRUE(VcardReader::Read(card, record, problem));
     EXPECT_EQ(record.emails.size(), VcardReader::kMaxEmails);

@@ -18,9 +18,11 @@ protected:
     static std::string Run(const std::string& command) {
         std::string out;
         FILE* pipe = popen(command.c_str(), "r");
-        if (!pipe) return out;
+        if (!pipe)
+            return out;
         char buffer[4096];
-        while (std::size_t n = std::fread(buffer, 1, sizeof buffer, pipe)) out.append(buffer, n);
+        while (std::size_t n = std::fread(buffer, 1, sizeof buffer, pipe))
+            out.append(buffer, n);
         pclose(pipe);
         return out;
     }
@@ -46,7 +48,8 @@ std::vector<std::string> SortedLines(const std::string& text) {
     std::vector<std::string> lines;
     std::istringstream in(text);
     for (std::string line; std::getline(in, line);)
-        if (!line.empty()) lines.push_back(line);
+        if (!line.empty())
+            lines.push_back(line);
     std::sort(lines.begin(), lines.end());
     return lines;
 }
@@ -61,15 +64,18 @@ std::vector<std::string> KhalLines(const std::string& text) {
             continue;
         }
         const std::size_t a = line.find('|'), b = line.find('|', a + 1);
-        if (a == std::string::npos || b == std::string::npos) continue;
-        const std::string start = line.substr(0, a), end = line.substr(a + 1, b - a - 1), title = line.substr(b + 1);
+        if (a == std::string::npos || b == std::string::npos)
+            continue;
+        const std::string start = line.substr(0, a), end = line.substr(a + 1, b - a - 1),
+                          title = line.substr(b + 1);
         out += day + (start.empty() ? " allday " : " " + start + "-" + end + " ") + title + "\n";
     }
     return SortedLines(out);
 }
 
 TEST_F(KhalInteropTest, KhalListsTheSameMonth) {
-    if (Run("command -v khal").empty()) GTEST_SKIP() << "khal is not installed";
+    if (Run("command -v khal").empty())
+        GTEST_SKIP() << "khal is not installed";
     source_ = OpenSource();
     Save(Timed(u"Dentist", DateTime(2026, 3, 4, 14, 0, 0), DateTime(2026, 3, 4, 15, 30, 0)));
     Save(Timed(u"Night train", DateTime(2026, 3, 12, 22, 0, 0), DateTime(2026, 3, 13, 7, 15, 0)));
@@ -87,8 +93,10 @@ TEST_F(KhalInteropTest, KhalListsTheSameMonth) {
     yoga.recurrence.NoEndDate = false;
     const std::int32_t series = Save(yoga);
     PimRecord moved = Timed(u"Yoga moved", DateTime(2026, 3, 10, 19, 0, 0), DateTime(2026, 3, 10, 20, 0, 0));
-    ASSERT_EQ(source_->SaveOccurrence(series, DateTime(2026, 3, 9, 18, 0, 0).ToDate(), &moved), SaveResult::Saved);
-    ASSERT_EQ(source_->SaveOccurrence(series, DateTime(2026, 3, 16, 18, 0, 0).ToDate(), nullptr), SaveResult::Saved);
+    ASSERT_EQ(source_->SaveOccurrence(series, DateTime(2026, 3, 9, 18, 0, 0).ToDate(), &moved),
+              SaveResult::Saved);
+    ASSERT_EQ(source_->SaveOccurrence(series, DateTime(2026, 3, 16, 18, 0, 0).ToDate(), nullptr),
+              SaveResult::Saved);
     source_.reset();
 
     const auto config = dir_ / "khal.conf";
@@ -98,17 +106,20 @@ TEST_F(KhalInteropTest, KhalListsTheSameMonth) {
                           << "datetimeformat = %Y-%m-%d %H:%M\nlongdatetimeformat = %Y-%m-%d %H:%M\n"
                           << "[sqlite]\npath = " << (dir_ / "khal.db").string() << "\n";
     const std::string env = "TZ=Europe/Berlin LANG=C.UTF-8 HOME='" + dir_.string() + "' XDG_CONFIG_HOME='" +
-                            (dir_ / "config").string() + "' XDG_CACHE_HOME='" + (dir_ / "cache").string() + "' ";
-    const auto khal = KhalLines(Run(env + "khal -c '" + config.string() +
-                                    "' list --format '{start-time}|{end-time}|{title}' --day-format 'DAY {date}' "
-                                    "2026-03-01 2026-03-31 2>&1"));
+                            (dir_ / "config").string() + "' XDG_CACHE_HOME='" + (dir_ / "cache").string() +
+                            "' ";
+    const auto khal =
+        KhalLines(Run(env + "khal -c '" + config.string() +
+                      "' list --format '{start-time}|{end-time}|{title}' --day-format 'DAY {date}' "
+                      "2026-03-01 2026-03-31 2>&1"));
 
     // Our side: the program's --list when it is built, else the same
     // answers straight from PimStore.
     std::vector<std::string> ours;
     const std::string binary = std::string(MIRODATE_BINARY_DIR) + "/mirodate";
     if (std::filesystem::exists(binary)) {
-        ours = SortedLines(Run(env + "'" + binary + "' --store '" + Root() + "' --list 2026-03-01 2026-03-31"));
+        ours =
+            SortedLines(Run(env + "'" + binary + "' --store '" + Root() + "' --list 2026-03-01 2026-03-31"));
     } else {
         PimStore store;
         ASSERT_TRUE(store.Open(OpenSource()));
@@ -121,8 +132,8 @@ TEST_F(KhalInteropTest, KhalListsTheSameMonth) {
                 if (item.isAllDay)
                     std::snprintf(line, sizeof line, "2026-03-%02d allday ", day);
                 else
-                    std::snprintf(line, sizeof line, "2026-03-%02d %02d:%02d-%02d:%02d ", day, item.start.wHour,
-                                  item.start.wMinute, item.end.wHour, item.end.wMinute);
+                    std::snprintf(line, sizeof line, "2026-03-%02d %02d:%02d-%02d:%02d ", day,
+                                  item.start.wHour, item.start.wMinute, item.end.wHour, item.end.wMinute);
                 text += line + Utf16ToUtf8(item.subject) + "\n";
             }
         }
@@ -139,9 +150,10 @@ TEST_F(KhalInteropTest, KhalListsTheSameMonth) {
 
 TEST_F(KhalInteropTest, ListRefusesBadDatesAndUnreadableStores) {
     const std::string binary = std::string(MIRODATE_BINARY_DIR) + "/mirodate";
-    if (!std::filesystem::exists(binary)) GTEST_SKIP() << "the program is not built";
-    const std::string env = "TZ=Europe/Berlin XDG_CONFIG_HOME='" + (dir_ / "config").string() + "' XDG_CACHE_HOME='" +
-                            (dir_ / "cache").string() + "' ";
+    if (!std::filesystem::exists(binary))
+        GTEST_SKIP() << "the program is not built";
+    const std::string env = "TZ=Europe/Berlin XDG_CONFIG_HOME='" + (dir_ / "config").string() +
+                            "' XDG_CACHE_HOME='" + (dir_ / "cache").string() + "' ";
     auto status = [&](const std::string& arguments) {
         const int raw = std::system((env + "'" + binary + "' " + arguments + " >/dev/null 2>&1").c_str());
         return WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;

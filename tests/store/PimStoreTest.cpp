@@ -20,7 +20,8 @@ protected:
 
     static std::vector<std::u16string> Subjects(const std::vector<PimItem>& items) {
         std::vector<std::u16string> subjects;
-        for (const auto& item : items) subjects.push_back(item.subject);
+        for (const auto& item : items)
+            subjects.push_back(item.subject);
         return subjects;
     }
     std::vector<std::u16string> Day(int year, int month, int day) {
@@ -47,10 +48,12 @@ using Names = std::vector<std::u16string>;
 TEST_F(PimStoreTest, OverdueTasksJoinOnlyARangeHoldingToday) {
     // Today is 15 March 2026.
     WriteFile("tasks/a.ics", Todo("a", "SUMMARY:Overdue\r\nDUE;VALUE=DATE:20260314\r\n"));
-    WriteFile("tasks/b.ics", Todo("b", "SUMMARY:Overdue done\r\nDUE;VALUE=DATE:20260314\r\nSTATUS:COMPLETED\r\n"));
+    WriteFile("tasks/b.ics",
+              Todo("b", "SUMMARY:Overdue done\r\nDUE;VALUE=DATE:20260314\r\nSTATUS:COMPLETED\r\n"));
     WriteFile("tasks/c.ics", Todo("c", "SUMMARY:No dates\r\n"));
     WriteFile("tasks/d.ics", Todo("d", "SUMMARY:Later\r\nDUE;VALUE=DATE:20260320\r\n"));
-    WriteFile("tasks/e.ics", Todo("e", "SUMMARY:Starts\r\nDTSTART;VALUE=DATE:20260302\r\nDUE;VALUE=DATE:20260410\r\n"));
+    WriteFile("tasks/e.ics",
+              Todo("e", "SUMMARY:Starts\r\nDTSTART;VALUE=DATE:20260302\r\nDUE;VALUE=DATE:20260410\r\n"));
     WriteFile("tasks/f.ics", Todo("f", "SUMMARY:From February\r\nDUE;VALUE=DATE:20260210\r\n"));
     Open();
     EXPECT_EQ(Tasks(2026, 3), (Names{u"From February", u"Overdue", u"Overdue done", u"Later"}));
@@ -72,9 +75,12 @@ TEST_F(PimStoreTest, OverdueTasksJoinOnlyARangeHoldingToday) {
 }
 
 TEST_F(PimStoreTest, ItemsBelongToTheDaysTheyOverlap) {
-    WriteFile("calendar/m.ics", Event("m", "SUMMARY:Trip\r\nDTSTART:20260130T100000\r\nDTEND:20260202T120000\r\n"));
-    WriteFile("calendar/a.ics", Event("a", "SUMMARY:Holiday\r\nDTSTART;VALUE=DATE:20260228\r\nDTEND;VALUE=DATE:20260301\r\n"));
-    WriteFile("calendar/n.ics", Event("n", "SUMMARY:Late\r\nDTSTART:20260301T230000\r\nDTEND:20260302T000000\r\n"));
+    WriteFile("calendar/m.ics",
+              Event("m", "SUMMARY:Trip\r\nDTSTART:20260130T100000\r\nDTEND:20260202T120000\r\n"));
+    WriteFile("calendar/a.ics",
+              Event("a", "SUMMARY:Holiday\r\nDTSTART;VALUE=DATE:20260228\r\nDTEND;VALUE=DATE:20260301\r\n"));
+    WriteFile("calendar/n.ics",
+              Event("n", "SUMMARY:Late\r\nDTSTART:20260301T230000\r\nDTEND:20260302T000000\r\n"));
     Open();
     std::vector<PimItem> february, march;
     ASSERT_TRUE(store_.QueryAppointments(DayRange::Month(2026, 2), february));
@@ -102,9 +108,11 @@ TEST_F(PimStoreTest, ItemsBelongToTheDaysTheyOverlap) {
 
 TEST_F(PimStoreTest, FiltersApplyInOrderAndArePersisted) {
     WriteFile("calendar/1.ics", Event("1", "SUMMARY:Work\r\nCATEGORIES:Work\r\nDTSTART:20260310T090000\r\n"));
-    WriteFile("calendar/2.ics", Event("2", "SUMMARY:Private work\r\nCATEGORIES:Work,Private\r\nDTSTART:20260310T100000\r\n"));
+    WriteFile("calendar/2.ics",
+              Event("2", "SUMMARY:Private work\r\nCATEGORIES:Work,Private\r\nDTSTART:20260310T100000\r\n"));
     WriteFile("calendar/3.ics", Event("3", "SUMMARY:Plain\r\nDTSTART:20260310T110000\r\n"));
-    WriteFile("calendar/4.ics", Event("4", "SUMMARY:Homework\r\nCATEGORIES:HomeWork\r\nDTSTART:20260310T120000\r\n"));
+    WriteFile("calendar/4.ics",
+              Event("4", "SUMMARY:Homework\r\nCATEGORIES:HomeWork\r\nDTSTART:20260310T120000\r\n"));
     Open();
     EXPECT_EQ(Day(2026, 3, 10).size(), 4u);
     store_.SetFilters(u"Private", u"Work", false, false, false);
@@ -127,10 +135,12 @@ TEST_F(PimStoreTest, FiltersApplyInOrderAndArePersisted) {
 }
 
 TEST_F(PimStoreTest, BirthdaysAndAnniversariesFromContacts) {
-    WriteFile("contacts/a.vcf", "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:a\r\nFN:Anna Berg\r\nBDAY:1990-03-20\r\nEND:VCARD\r\n");
+    WriteFile("contacts/a.vcf",
+              "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:a\r\nFN:Anna Berg\r\nBDAY:1990-03-20\r\nEND:VCARD\r\n");
     WriteFile("contacts/b.vcf", "BEGIN:VCARD\r\nVERSION:4.0\r\nUID:b\r\nFN:Ben Ortiz\r\nBDAY:--0320\r\n"
                                 "ANNIVERSARY:20160322\r\nEND:VCARD\r\n");
-    WriteFile("contacts/c.vcf", "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:c\r\nFN:Leap Day\r\nBDAY:20000229\r\nEND:VCARD\r\n");
+    WriteFile("contacts/c.vcf",
+              "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:c\r\nFN:Leap Day\r\nBDAY:20000229\r\nEND:VCARD\r\n");
     Open();
     EXPECT_EQ(Day(2026, 3, 20), Names{});
     store_.SetFilters(u"", u"Work", false, true, false); // an include filter does not hide them
@@ -155,8 +165,9 @@ TEST_F(PimStoreTest, CacheFillsOnceAndFollowsSingleItemChanges) {
     EXPECT_FALSE(store_.FillMonth(2026, 3, true, true));
     EXPECT_TRUE(store_.IsMonthLoaded(2026, 3, false));
     int progress = -1;
-    store_.FillMonths(2026, 4, 2, true, false, [](int value, void* context) { *static_cast<int*>(context) = value; },
-                      &progress);
+    store_.FillMonths(
+        2026, 4, 2, true, false, [](int value, void* context) { *static_cast<int*>(context) = value; },
+        &progress);
     EXPECT_EQ(progress, PimStore::kProgressSpan);
 
     PimSource& source = *store_.Source();
@@ -187,7 +198,8 @@ TEST_F(PimStoreTest, OneChangeLeavesEveryLoadedMonthAsAFreshFillWould) {
     auto days = [&] {
         std::vector<Names> all;
         for (int month = 2; month <= 5; ++month)
-            for (int day = 1; day <= DaysInMonth(2026, month); ++day) all.push_back(Day(2026, month, day));
+            for (int day = 1; day <= DaysInMonth(2026, month); ++day)
+                all.push_back(Day(2026, month, day));
         return all;
     };
     days();
@@ -225,7 +237,8 @@ TEST_F(PimStoreTest, SearchLooksAYearAheadInEveryText) {
                                            "DTEND:20260302T190000\r\nRRULE:FREQ=MONTHLY\r\n"));
     WriteFile("calendar/p.ics", Event("p", "SUMMARY:Past studio visit\r\nDTSTART:20260101T180000\r\n"));
     WriteFile("tasks/t.ics", Todo("t", "SUMMARY:Call\r\nDESCRIPTION:About the STUDIO rent\r\n"));
-    WriteFile("contacts/s.vcf", "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:s\r\nFN:Stu Dio\r\nBDAY:19800401\r\nEND:VCARD\r\n");
+    WriteFile("contacts/s.vcf",
+              "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:s\r\nFN:Stu Dio\r\nBDAY:19800401\r\nEND:VCARD\r\n");
     Open();
     std::vector<PimItem> appointments, tasks;
     store_.Search(u"Studio", PimStore::SearchOptions{}, appointments, tasks);

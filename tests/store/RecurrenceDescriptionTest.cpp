@@ -58,7 +58,8 @@ TEST_F(RealRules, RulesThatFitTheRecord) {
         // Times of day are left out, but what is said stays true.
         {"Apple", "FREQ=DAILY;BYHOUR=9,17", u"Every day (no end date)"},
     };
-    for (const auto& c : cases) EXPECT_EQ(Describe(c.rrule), c.expected) << c.source << ": " << c.rrule;
+    for (const auto& c : cases)
+        EXPECT_EQ(Describe(c.rrule), c.expected) << c.source << ": " << c.rrule;
 }
 
 TEST_F(RealRules, UntilInUtcIsShownAsTheLocalEndDate) {
@@ -71,14 +72,14 @@ TEST_F(RealRules, UntilInUtcIsShownAsTheLocalEndDate) {
 TEST_F(RealRules, RulesWithoutARecordAreNotMisdescribed) {
     const std::u16string generic = Lang("RepeatsCustom");
     const char* const rules[] = {
-        "FREQ=MONTHLY;INTERVAL=1;BYMONTHDAY=1,15",  // Apple: twice a month
-        "FREQ=MONTHLY;BYMONTHDAY=-1",               // Thunderbird: the last day of the month
-        "FREQ=HOURLY;INTERVAL=2;COUNT=4",           // every two hours
-        "FREQ=YEARLY;BYMONTH=1,7;BYMONTHDAY=1",     // twice a year
-        "FREQ=MONTHLY;BYDAY=1MO,3MO",               // first and third Monday
+        "FREQ=MONTHLY;INTERVAL=1;BYMONTHDAY=1,15",         // Apple: twice a month
+        "FREQ=MONTHLY;BYMONTHDAY=-1",                      // Thunderbird: the last day of the month
+        "FREQ=HOURLY;INTERVAL=2;COUNT=4",                  // every two hours
+        "FREQ=YEARLY;BYMONTH=1,7;BYMONTHDAY=1",            // twice a year
+        "FREQ=MONTHLY;BYDAY=1MO,3MO",                      // first and third Monday
         "FREQ=MONTHLY;BYDAY=MO,TU,WE,TH,FR;BYSETPOS=1,-1", // first and last weekday
-        "FREQ=MONTHLY;BYDAY=-2FR",                  // the second-to-last Friday
-        "FREQ=DAILY;INTERVAL=3;BYDAY=MO,TU",        // every third day, weekdays only
+        "FREQ=MONTHLY;BYDAY=-2FR",                         // the second-to-last Friday
+        "FREQ=DAILY;INTERVAL=3;BYDAY=MO,TU",               // every third day, weekdays only
         "FREQ=YEARLY;BYWEEKNO=20",
     };
     for (const char* rule : rules) {

@@ -12,11 +12,14 @@
 namespace mirodate {
 namespace {
 
-double At(int day, int hour, int minute) { return DateTime(2026, 3, day, hour, minute, 0).ToDate(); }
+double At(int day, int hour, int minute) {
+    return DateTime(2026, 3, day, hour, minute, 0).ToDate();
+}
 constexpr double kMinute = 1.0 / 1440.0;
 
 std::string Alarm(const std::string& trigger, const std::string& extra = "") {
-    return "BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:Reminder\r\n" + trigger + "\r\n" + extra + "END:VALARM\r\n";
+    return "BEGIN:VALARM\r\nACTION:DISPLAY\r\nDESCRIPTION:Reminder\r\n" + trigger + "\r\n" + extra +
+           "END:VALARM\r\n";
 }
 
 class ReminderStoreTest : public StoreFixture {
@@ -27,13 +30,14 @@ protected:
 };
 
 TEST_F(ReminderStoreTest, TriggersRelativeToStartEndDueAndAbsolute) {
-    WriteFile("calendar/a.ics",
-              Event("a", "SUMMARY:Dentist\r\nLOCATION:Main St\r\nDTSTART;TZID=Europe/Berlin:20260316T090000\r\n"
-                         "DTEND;TZID=Europe/Berlin:20260316T100000\r\n" +
-                             Alarm("TRIGGER:-PT15M") + Alarm("TRIGGER;RELATED=END:PT5M") +
-                             Alarm("TRIGGER;VALUE=DATE-TIME:20260315T170000Z")));
-    WriteFile("tasks/t.ics", Todo("t", "SUMMARY:Taxes\r\nDUE:20260320T120000\r\n" +
-                                           Alarm("TRIGGER;RELATED=END:-PT1H")));
+    WriteFile(
+        "calendar/a.ics",
+        Event("a", "SUMMARY:Dentist\r\nLOCATION:Main St\r\nDTSTART;TZID=Europe/Berlin:20260316T090000\r\n"
+                   "DTEND;TZID=Europe/Berlin:20260316T100000\r\n" +
+                       Alarm("TRIGGER:-PT15M") + Alarm("TRIGGER;RELATED=END:PT5M") +
+                       Alarm("TRIGGER;VALUE=DATE-TIME:20260315T170000Z")));
+    WriteFile("tasks/t.ics",
+              Todo("t", "SUMMARY:Taxes\r\nDUE:20260320T120000\r\n" + Alarm("TRIGGER;RELATED=END:-PT1H")));
     // Cancelled, completed, an e-mail alarm and a property that is no alarm at all.
     WriteFile("calendar/c.ics", Event("c", "SUMMARY:Off\r\nSTATUS:CANCELLED\r\nDTSTART:20260317T090000\r\n" +
                                                Alarm("TRIGGER:-PT15M")));
@@ -61,16 +65,17 @@ TEST_F(ReminderStoreTest, TriggersRelativeToStartEndDueAndAbsolute) {
 TEST_F(ReminderStoreTest, SeriesRemindsOnEveryOccurrenceWithOverridesAndExclusions) {
     // Weekly on Mondays; the 16th is excluded, the 23rd moved to 11:00 with an
     // alarm of its own, the 30th cancelled.
-    WriteFile("calendar/w.ics",
-              "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//t//EN\r\nBEGIN:VEVENT\r\nUID:w\r\nSUMMARY:Weekly\r\n"
-              "DTSTART:20260302T090000\r\nDTEND:20260302T100000\r\nRRULE:FREQ=WEEKLY\r\n"
-              "EXDATE:20260316T090000\r\n" +
-                  Alarm("TRIGGER:-PT10M") +
-                  "END:VEVENT\r\nBEGIN:VEVENT\r\nUID:w\r\nRECURRENCE-ID:20260323T090000\r\nSUMMARY:Moved\r\n"
-                  "DTSTART:20260323T110000\r\nDTEND:20260323T120000\r\n" +
-                  Alarm("TRIGGER:-PT30M") +
-                  "END:VEVENT\r\nBEGIN:VEVENT\r\nUID:w\r\nRECURRENCE-ID:20260330T090000\r\nSTATUS:CANCELLED\r\n"
-                  "DTSTART:20260330T090000\r\nDTEND:20260330T100000\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n");
+    WriteFile(
+        "calendar/w.ics",
+        "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//t//EN\r\nBEGIN:VEVENT\r\nUID:w\r\nSUMMARY:Weekly\r\n"
+        "DTSTART:20260302T090000\r\nDTEND:20260302T100000\r\nRRULE:FREQ=WEEKLY\r\n"
+        "EXDATE:20260316T090000\r\n" +
+            Alarm("TRIGGER:-PT10M") +
+            "END:VEVENT\r\nBEGIN:VEVENT\r\nUID:w\r\nRECURRENCE-ID:20260323T090000\r\nSUMMARY:Moved\r\n"
+            "DTSTART:20260323T110000\r\nDTEND:20260323T120000\r\n" +
+            Alarm("TRIGGER:-PT30M") +
+            "END:VEVENT\r\nBEGIN:VEVENT\r\nUID:w\r\nRECURRENCE-ID:20260330T090000\r\nSTATUS:CANCELLED\r\n"
+            "DTSTART:20260330T090000\r\nDTEND:20260330T100000\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n");
     auto source = OpenSource();
     const auto due = Due(*source, At(1, 0, 0), DateTime(2026, 4, 10).ToDate());
     ASSERT_EQ(due.size(), 4u);
@@ -84,9 +89,10 @@ TEST_F(ReminderStoreTest, SeriesRemindsOnEveryOccurrenceWithOverridesAndExclusio
 }
 
 TEST_F(ReminderStoreTest, DismissIsWrittenAndHoldsForANewStore) {
-    WriteFile("calendar/a.ics", Event("a", "SUMMARY:Dentist\r\nX-OTHER-APP:kept\r\nDTSTART:20260316T090000\r\n"
-                                           "DTEND:20260316T100000\r\n" +
-                                               Alarm("TRIGGER:-PT15M")));
+    WriteFile("calendar/a.ics",
+              Event("a", "SUMMARY:Dentist\r\nX-OTHER-APP:kept\r\nDTSTART:20260316T090000\r\n"
+                         "DTEND:20260316T100000\r\n" +
+                             Alarm("TRIGGER:-PT15M")));
     {
         auto source = OpenSource();
         auto due = Due(*source);
@@ -103,8 +109,9 @@ TEST_F(ReminderStoreTest, DismissIsWrittenAndHoldsForANewStore) {
 }
 
 TEST_F(ReminderStoreTest, SnoozeComesBackOnceAndIsRelatedToItsAlarm) {
-    WriteFile("calendar/a.ics", Event("a", "SUMMARY:Dentist\r\nDTSTART:20260316T090000\r\nDTEND:20260316T100000\r\n" +
-                                               Alarm("TRIGGER:-PT15M")));
+    WriteFile("calendar/a.ics",
+              Event("a", "SUMMARY:Dentist\r\nDTSTART:20260316T090000\r\nDTEND:20260316T100000\r\n" +
+                             Alarm("TRIGGER:-PT15M")));
     auto source = OpenSource();
     auto due = Due(*source);
     ASSERT_EQ(due.size(), 1u);
@@ -148,12 +155,14 @@ TEST_F(ReminderStoreTest, AcknowledgementsOfOtherProgramsAreHonoured) {
 }
 
 TEST_F(ReminderStoreTest, ChangedOrUnreadableFilesAreNotOverwritten) {
-    WriteFile("calendar/a.ics", Event("a", "SUMMARY:A\r\nDTSTART:20260316T090000\r\n" + Alarm("TRIGGER:-PT15M")));
+    WriteFile("calendar/a.ics",
+              Event("a", "SUMMARY:A\r\nDTSTART:20260316T090000\r\n" + Alarm("TRIGGER:-PT15M")));
     auto source = OpenSource();
     const auto due = Due(*source);
     ASSERT_EQ(due.size(), 1u);
     // Another program rewrites the file (different size) before the dismissal.
-    const std::string theirs = Event("a", "SUMMARY:Theirs\r\nDTSTART:20260316T100000\r\n" + Alarm("TRIGGER:-PT15M"));
+    const std::string theirs =
+        Event("a", "SUMMARY:Theirs\r\nDTSTART:20260316T100000\r\n" + Alarm("TRIGGER:-PT15M"));
     WriteFile("calendar/a.ics", theirs);
     EXPECT_EQ(source->DismissReminder(due[0], At(16, 8, 46)), SaveResult::ChangedOnDisk);
     EXPECT_EQ(ReadFile("calendar/a.ics"), theirs);
@@ -167,20 +176,23 @@ TEST_F(ReminderStoreTest, HostileAlarmsAreBounded) {
     // Absurd triggers are ignored; a file with a hundred thousand alarms is
     // beyond the item limits and skipped; one just inside them is read up to
     // the alarm limit, quickly.
-    WriteFile("calendar/a.ics", Event("a", "SUMMARY:A\r\nDTSTART:20260316T090000\r\n" +
-                                               Alarm("TRIGGER:-P100000W") + Alarm("TRIGGER:P99999999W") +
-                                               Alarm("TRIGGER;VALUE=DATE-TIME:99991231T000000Z") +
-                                               Alarm("TRIGGER:-PT15M")));
+    WriteFile("calendar/a.ics",
+              Event("a", "SUMMARY:A\r\nDTSTART:20260316T090000\r\n" + Alarm("TRIGGER:-P100000W") +
+                             Alarm("TRIGGER:P99999999W") + Alarm("TRIGGER;VALUE=DATE-TIME:99991231T000000Z") +
+                             Alarm("TRIGGER:-PT15M")));
     std::string many;
-    for (int i = 0; i < 100000; ++i) many += "BEGIN:VALARM\r\nTRIGGER:-PT15M\r\nEND:VALARM\r\n";
+    for (int i = 0; i < 100000; ++i)
+        many += "BEGIN:VALARM\r\nTRIGGER:-PT15M\r\nEND:VALARM\r\n";
     WriteFile("calendar/b.ics", Event("b", "SUMMARY:B\r\nDTSTART:20260316T090000\r\n" + many));
     many.clear();
-    for (int i = 0; i < 15000; ++i) many += "BEGIN:VALARM\r\nTRIGGER:-PT" + std::to_string(i) + "M\r\nEND:VALARM\r\n";
+    for (int i = 0; i < 15000; ++i)
+        many += "BEGIN:VALARM\r\nTRIGGER:-PT" + std::to_string(i) + "M\r\nEND:VALARM\r\n";
     WriteFile("calendar/c.ics", Event("c", "SUMMARY:C\r\nDTSTART:20260316T090000\r\n" + many));
     auto source = OpenSource();
     const auto due = Due(*source, At(1, 0, 0), DateTime(2100, 1, 1).ToDate());
     int a = 0, c = 0;
-    for (const Reminder& r : due) (r.subject == u"A" ? a : c) += 1;
+    for (const Reminder& r : due)
+        (r.subject == u"A" ? a : c) += 1;
     EXPECT_EQ(a, 1);
     EXPECT_EQ(c, IcsAlarms::kMaxAlarms);
 }

@@ -32,8 +32,8 @@ PimRecord Task(double start, double due, bool complete) {
 // Day numbers: 46082 is 1 March 2026, 46112 is 31 March 2026.
 TEST(Restriction, AppointmentRangeComparesDays) {
     const std::u16string range = u"[Start]<= <46112 AND [End]>= <46082";
-    EXPECT_TRUE(Match(range, Appointment(46112.9, 46113.1)));  // starts on the last evening
-    EXPECT_TRUE(Match(range, Appointment(46070.5, 46082.0)));  // ends at 00:00 of the first day
+    EXPECT_TRUE(Match(range, Appointment(46112.9, 46113.1))); // starts on the last evening
+    EXPECT_TRUE(Match(range, Appointment(46070.5, 46082.0))); // ends at 00:00 of the first day
     EXPECT_FALSE(Match(range, Appointment(46070.5, 46081.99)));
     EXPECT_FALSE(Match(range, Appointment(46113.0, 46113.5)));
     EXPECT_TRUE(Match(u"[Start]>= <46082 AND [Start]<= <46448", Appointment(46082.0, 46082.1)));
@@ -52,12 +52,12 @@ TEST(Restriction, EveryTaskStringTheStoreSends) {
     } cases[] = {
         {u"[DueDate]>= <46082 AND [DueDate]<= <46112", true, false, false, false, false},
         {u"[StartDate]>= <46082 AND [StartDate]<= <46112", false, true, false, false, false},
-        {u"([DueDate]>= <46082 AND [DueDate]<= <46112) OR ([StartDate]>= <46082 AND [StartDate]<= <46112)", true,
-         true, false, false, false},
-        {u"([DueDate]>= <46082 AND [DueDate]<= <46112) OR ([DueDate]<= <46096 AND [Complete]=False)", true, false,
-         true, false, false},
-        {u"([StartDate]>= <46082 AND [StartDate]<= <46112) OR ([DueDate]<= <46096 AND [Complete]=False)", false,
-         true, true, false, false},
+        {u"([DueDate]>= <46082 AND [DueDate]<= <46112) OR ([StartDate]>= <46082 AND [StartDate]<= <46112)",
+         true, true, false, false, false},
+        {u"([DueDate]>= <46082 AND [DueDate]<= <46112) OR ([DueDate]<= <46096 AND [Complete]=False)", true,
+         false, true, false, false},
+        {u"([StartDate]>= <46082 AND [StartDate]<= <46112) OR ([DueDate]<= <46096 AND [Complete]=False)",
+         false, true, true, false, false},
         {u"([DueDate]>= <46082 AND [DueDate]<= <46112) OR ([StartDate]>= <46082 AND [StartDate]<= <46112) OR "
          u"([DueDate]<= <46096 AND [Complete]=False)",
          true, true, true, false, false},
@@ -75,12 +75,14 @@ TEST(Restriction, EveryTaskStringTheStoreSends) {
 }
 
 TEST(Restriction, MalformedTextIsAnErrorNotEverything) {
-    for (const char16_t* text : {u"[Start]<= 46000", u"[Start]<= <", u"[Foo]<= <1", u"[Start]<= <1 AND",
-                                 u"([Start]<= <1", u"[Start]<= <1)", u"[Complete]>= True", u"[Complete]=Maybe",
-                                 u"[Start] < <1", u"[Start]<= <1 XOR [End]>= <1", u"[Start]<= <99999999999999"}) {
+    for (const char16_t* text :
+         {u"[Start]<= 46000", u"[Start]<= <", u"[Foo]<= <1", u"[Start]<= <1 AND", u"([Start]<= <1",
+          u"[Start]<= <1)", u"[Complete]>= True", u"[Complete]=Maybe", u"[Start] < <1",
+          u"[Start]<= <1 XOR [End]>= <1", u"[Start]<= <99999999999999"}) {
         Restriction r;
         std::string error;
-        EXPECT_FALSE(r.Parse(text, error)) << std::string(text, text + std::char_traits<char16_t>::length(text));
+        EXPECT_FALSE(r.Parse(text, error))
+            << std::string(text, text + std::char_traits<char16_t>::length(text));
         EXPECT_FALSE(error.empty());
     }
     std::u16string deep(1000, u'(');

@@ -25,24 +25,30 @@ protected:
         PimRecord record;
         return items->Item(0, record) ? record.oid : -1;
     }
-    std::string RuleOf(const std::string& relative) { return SeriesExceptions::RawRuleLine(ReadFile(relative)); }
-    static bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+    std::string RuleOf(const std::string& relative) {
+        return SeriesExceptions::RawRuleLine(ReadFile(relative));
+    }
+    static bool Has(const std::string& text, const std::string& part) {
+        return text.find(part) != std::string::npos;
+    }
 
     std::unique_ptr<VdirSource> source_;
 };
 
 TEST_F(SeriesRuleWriteTest, RulesTheRecordCannotSayStayByteForByteThroughAnEdit) {
     const std::vector<std::string> rules = {
-        "RRULE:FREQ=MONTHLY;WKST=SU;BYMONTHDAY=1,15",
-        "RRULE:FREQ=MONTHLY;BYDAY=MO,TU,WE,TH,FR;BYSETPOS=1,-1",
+        "RRULE:FREQ=MONTHLY;WKST=SU;BYMONTHDAY=1,15", "RRULE:FREQ=MONTHLY;BYDAY=MO,TU,WE,TH,FR;BYSETPOS=1,-1",
         "RRULE:BYDAY=MO;FREQ=WEEKLY;WKST=MO;COUNT=5", // sayable, but written in another order
     };
     int n = 0;
     for (const std::string& rule : rules) {
         const std::string uid = "keep" + std::to_string(++n);
-        WriteFile("calendar/" + uid + ".ics",
-                  Event(uid, "DTSTART;TZID=Europe/Berlin:20260302T090000\r\nDTEND;TZID=Europe/Berlin:20260302T100000\r\n"
-                             "SUMMARY:Old\r\n" + rule + "\r\nEXDATE;TZID=Europe/Berlin:20260316T090000\r\n"));
+        WriteFile(
+            "calendar/" + uid + ".ics",
+            Event(uid,
+                  "DTSTART;TZID=Europe/Berlin:20260302T090000\r\nDTEND;TZID=Europe/Berlin:20260302T100000\r\n"
+                  "SUMMARY:Old\r\n" +
+                      rule + "\r\nEXDATE;TZID=Europe/Berlin:20260316T090000\r\n"));
         source_ = OpenSource(false);
         const std::int32_t oid = OnlyItem(kFolderCalendar);
         PimRecord record = Load(oid);
@@ -61,13 +67,14 @@ TEST_F(SeriesRuleWriteTest, RulesTheRecordCannotSayStayByteForByteThroughAnEdit)
 
 TEST_F(SeriesRuleWriteTest, ANewPatternKeepsOnlyTheExceptionsThatFallOnIt) {
     // Monday and Wednesday; the Monday 9 March cancelled, Wednesday 11 March moved.
-    WriteFile("calendar/mw.ics",
-              "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//test//EN\r\nBEGIN:VEVENT\r\nUID:mw\r\n"
-              "DTSTART;TZID=Europe/Berlin:20260302T090000\r\nDTEND;TZID=Europe/Berlin:20260302T100000\r\n"
-              "SUMMARY:Standup\r\nRRULE:FREQ=WEEKLY;BYDAY=MO,WE\r\nEXDATE;TZID=Europe/Berlin:20260309T090000\r\n"
-              "END:VEVENT\r\nBEGIN:VEVENT\r\nUID:mw\r\nRECURRENCE-ID;TZID=Europe/Berlin:20260311T090000\r\n"
-              "DTSTART;TZID=Europe/Berlin:20260311T110000\r\nDTEND;TZID=Europe/Berlin:20260311T120000\r\n"
-              "SUMMARY:Standup late\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n");
+    WriteFile(
+        "calendar/mw.ics",
+        "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//test//EN\r\nBEGIN:VEVENT\r\nUID:mw\r\n"
+        "DTSTART;TZID=Europe/Berlin:20260302T090000\r\nDTEND;TZID=Europe/Berlin:20260302T100000\r\n"
+        "SUMMARY:Standup\r\nRRULE:FREQ=WEEKLY;BYDAY=MO,WE\r\nEXDATE;TZID=Europe/Berlin:20260309T090000\r\n"
+        "END:VEVENT\r\nBEGIN:VEVENT\r\nUID:mw\r\nRECURRENCE-ID;TZID=Europe/Berlin:20260311T090000\r\n"
+        "DTSTART;TZID=Europe/Berlin:20260311T110000\r\nDTEND;TZID=Europe/Berlin:20260311T120000\r\n"
+        "SUMMARY:Standup late\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n");
     const std::string before = ReadFile("calendar/mw.ics");
     const std::vector<double> exceptions = SeriesExceptions::Read(before);
     ASSERT_EQ(exceptions.size(), 2u);
@@ -125,7 +132,8 @@ TEST_F(SeriesRuleWriteTest, BadRecordsAreClampedBeforeTheyAreWritten) {
     };
     EXPECT_EQ(save([](RecurrencePattern& p) { p.Interval = 0; }), "RRULE:FREQ=WEEKLY;BYDAY=MO");
     EXPECT_EQ(save([](RecurrencePattern& p) { p.Interval = -1; }), "RRULE:FREQ=WEEKLY;BYDAY=MO");
-    EXPECT_EQ(save([](RecurrencePattern& p) { p.Interval = 100000; }), "RRULE:FREQ=WEEKLY;INTERVAL=999;BYDAY=MO");
+    EXPECT_EQ(save([](RecurrencePattern& p) { p.Interval = 100000; }),
+              "RRULE:FREQ=WEEKLY;INTERVAL=999;BYDAY=MO");
     EXPECT_EQ(save([](RecurrencePattern& p) { p.DayOfWeekMask = 0; }), "RRULE:FREQ=WEEKLY;BYDAY=WE");
     EXPECT_EQ(save([](RecurrencePattern& p) { p.Occurrences = -4; }), "RRULE:FREQ=WEEKLY;BYDAY=MO");
     // An end before the start ends the series on its first day.
@@ -183,15 +191,17 @@ TEST_F(SeriesRuleWriteTest, TasksKeepDatesStatusAndPriorityBothWays) {
     for (const auto& [priority, importance] : priorities) {
         IcsItem item;
         std::string problem;
-        ASSERT_TRUE(item.Parse(Todo("p", "SUMMARY:x\r\nPRIORITY:" + std::to_string(priority) + "\r\n"), problem));
+        ASSERT_TRUE(
+            item.Parse(Todo("p", "SUMMARY:x\r\nPRIORITY:" + std::to_string(priority) + "\r\n"), problem));
         EXPECT_EQ(item.GetRecord().importance, importance) << priority;
     }
 }
 
 TEST_F(SeriesRuleWriteTest, ARecurringTaskCompletedMovesToItsNextOccurrence) {
-    WriteFile("tasks/gym.ics", Todo("gym", "SUMMARY:Gym\r\nDTSTART;VALUE=DATE:20260302\r\nDUE;VALUE=DATE:20260303\r\n"
-                                           "RRULE:FREQ=WEEKLY;COUNT=3\r\nEXDATE;VALUE=DATE:20260309\r\n"
-                                           "STATUS:NEEDS-ACTION\r\n"));
+    WriteFile("tasks/gym.ics",
+              Todo("gym", "SUMMARY:Gym\r\nDTSTART;VALUE=DATE:20260302\r\nDUE;VALUE=DATE:20260303\r\n"
+                          "RRULE:FREQ=WEEKLY;COUNT=3\r\nEXDATE;VALUE=DATE:20260309\r\n"
+                          "STATUS:NEEDS-ACTION\r\n"));
     source_ = OpenSource(false);
     const std::int32_t oid = OnlyItem(kFolderTasks);
     PimRecord task = Load(oid);
@@ -226,7 +236,8 @@ namespace {
 
 TEST_F(SeriesRuleWriteTest, ACompletedTaskIsListedAsDone) {
     const std::string binary = std::string(MIRODATE_BINARY_DIR) + "/mirodate";
-    if (!std::filesystem::exists(binary)) GTEST_SKIP() << "the program is not built";
+    if (!std::filesystem::exists(binary))
+        GTEST_SKIP() << "the program is not built";
     source_ = OpenSource(false);
     PimRecord task;
     task.itemKind = kItemTask;
@@ -238,13 +249,14 @@ TEST_F(SeriesRuleWriteTest, ACompletedTaskIsListedAsDone) {
     ASSERT_EQ(source_->Save(done, kFolderTasks), SaveResult::Saved);
     source_.reset();
     const std::string command = "TZ=Europe/Berlin XDG_CONFIG_HOME='" + (dir_ / "config").string() +
-                                "' XDG_CACHE_HOME='" + (dir_ / "cache").string() + "' '" + binary + "' --store '" +
-                                Root() + "' --list 2026-03-16 2026-03-16";
+                                "' XDG_CACHE_HOME='" + (dir_ / "cache").string() + "' '" + binary +
+                                "' --store '" + Root() + "' --list 2026-03-16 2026-03-16";
     FILE* pipe = popen(command.c_str(), "r");
     ASSERT_TRUE(pipe);
     std::string out;
     char buffer[1024];
-    while (size_t n = std::fread(buffer, 1, sizeof buffer, pipe)) out.append(buffer, n);
+    while (size_t n = std::fread(buffer, 1, sizeof buffer, pipe))
+        out.append(buffer, n);
     pclose(pipe);
     EXPECT_EQ(out, "2026-03-16 task [x] Return books\n");
 }

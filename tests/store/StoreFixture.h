@@ -57,12 +57,12 @@ protected:
     }
 
     static std::string Event(const std::string& uid, const std::string& body) {
-        return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//test//EN\r\nBEGIN:VEVENT\r\nUID:" + uid + "\r\n" + body +
-               "END:VEVENT\r\nEND:VCALENDAR\r\n";
+        return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//test//EN\r\nBEGIN:VEVENT\r\nUID:" + uid + "\r\n" +
+               body + "END:VEVENT\r\nEND:VCALENDAR\r\n";
     }
     static std::string Todo(const std::string& uid, const std::string& body) {
-        return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//test//EN\r\nBEGIN:VTODO\r\nUID:" + uid + "\r\n" + body +
-               "END:VTODO\r\nEND:VCALENDAR\r\n";
+        return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//test//EN\r\nBEGIN:VTODO\r\nUID:" + uid + "\r\n" +
+               body + "END:VTODO\r\nEND:VCALENDAR\r\n";
     }
 
     std::unique_ptr<VdirSource> OpenSource(bool useIndex = true) const {

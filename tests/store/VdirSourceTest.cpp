@@ -34,19 +34,24 @@ TEST_F(VdirSourceTest, BadFilesAreSkippedCountedAndNeverRewritten) {
         {"calendar/dup2.ics", Event("dup", "DTSTART:20260302T100000\r\nSUMMARY:Second\r\n")},
         {"contacts/broken.vcf", "BEGIN:VCALENDAR\r\n"},
     };
-    for (const auto& [name, text] : bad) WriteFile(name, text);
+    for (const auto& [name, text] : bad)
+        WriteFile(name, text);
     WriteFile("calendar/dup1.ics", Event("dup", "DTSTART:20260301T100000\r\nSUMMARY:First\r\n"));
-    WriteFile("calendar/unknowntz.ics", Event("tz", "DTSTART;TZID=Nowhere/Land:20260303T100000\r\nSUMMARY:TZ\r\n"));
-    WriteFile("calendar/two.ics", "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nUID:a\r\nDTSTART:20260304T100000\r\nSUMMARY:A\r\n"
-                                  "END:VEVENT\r\nBEGIN:VEVENT\r\nUID:b\r\nDTSTART:20260305T100000\r\nSUMMARY:B\r\n"
-                                  "END:VEVENT\r\nEND:VCALENDAR\r\n");
-    WriteFile("calendar/endless.ics", Event("e", "DTSTART:19700101T000000Z\r\nRRULE:FREQ=SECONDLY\r\nSUMMARY:Tick\r\n"));
+    WriteFile("calendar/unknowntz.ics",
+              Event("tz", "DTSTART;TZID=Nowhere/Land:20260303T100000\r\nSUMMARY:TZ\r\n"));
+    WriteFile("calendar/two.ics",
+              "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nUID:a\r\nDTSTART:20260304T100000\r\nSUMMARY:A\r\n"
+              "END:VEVENT\r\nBEGIN:VEVENT\r\nUID:b\r\nDTSTART:20260305T100000\r\nSUMMARY:B\r\n"
+              "END:VEVENT\r\nEND:VCALENDAR\r\n");
+    WriteFile("calendar/endless.ics",
+              Event("e", "DTSTART:19700101T000000Z\r\nRRULE:FREQ=SECONDLY\r\nSUMMARY:Tick\r\n"));
     auto source = OpenSource();
     EXPECT_EQ(source->GetSkippedCount(), 5);
     const auto march = Find(*source, kFolderCalendar, u"[Start]<= <46112 AND [End]>= <46082");
     std::vector<std::u16string> subjects;
     for (const auto& r : march)
-        if (r.subject != u"Tick") subjects.push_back(r.subject);
+        if (r.subject != u"Tick")
+            subjects.push_back(r.subject);
     EXPECT_EQ(subjects, (std::vector<std::u16string>{u"First", u"TZ", u"A"}));
     EXPECT_GT(march.size(), 3u); // the endless series, bounded
 
@@ -57,18 +62,21 @@ TEST_F(VdirSourceTest, BadFilesAreSkippedCountedAndNeverRewritten) {
     added.start = DateTime(2026, 3, 6, 9, 0, 0).ToDate();
     added.end = DateTime(2026, 3, 6, 10, 0, 0).ToDate();
     ASSERT_EQ(source->Save(added, kFolderCalendar), SaveResult::Saved);
-    for (const auto& [name, text] : bad) EXPECT_EQ(ReadFile(name), text) << name;
+    for (const auto& [name, text] : bad)
+        EXPECT_EQ(ReadFile(name), text) << name;
 }
 
 TEST_F(VdirSourceTest, OidsSurviveARestartWithOrWithoutTheIndex) {
     for (int i = 0; i < 50; ++i)
         WriteFile("calendar/e" + std::to_string(i) + ".ics",
-                  Event("uid-" + std::to_string(i), "DTSTART:20260301T100000\r\nSUMMARY:E" + std::to_string(i) + "\r\n"));
+                  Event("uid-" + std::to_string(i),
+                        "DTSTART:20260301T100000\r\nSUMMARY:E" + std::to_string(i) + "\r\n"));
     WriteFile("tasks/t.ics", Todo("task-1", "SUMMARY:T\r\n"));
     std::map<std::string, std::int32_t> first;
     {
         auto source = OpenSource();
-        for (const auto& r : Find(*source, kFolderCalendar, u"")) first[r.uid] = r.oid;
+        for (const auto& r : Find(*source, kFolderCalendar, u""))
+            first[r.uid] = r.oid;
         PimRecord task;
         ASSERT_TRUE(source->GetItemFromOid(VdirSource::HashUid("task-1"), task));
         EXPECT_EQ(source->GetItemKind(task.oid), kItemTask);
@@ -78,10 +86,12 @@ TEST_F(VdirSourceTest, OidsSurviveARestartWithOrWithoutTheIndex) {
     EXPECT_TRUE(std::filesystem::exists(StoreIndex::PathFor(Root())));
     for (bool useIndex : {true, false}) {
         auto source = OpenSource(useIndex);
-        for (const auto& r : Find(*source, kFolderCalendar, u"")) EXPECT_EQ(r.oid, first[r.uid]) << r.uid;
+        for (const auto& r : Find(*source, kFolderCalendar, u""))
+            EXPECT_EQ(r.oid, first[r.uid]) << r.uid;
     }
     // A damaged index is ignored.
-    std::ofstream(StoreIndex::PathFor(Root()), std::ios::binary | std::ios::trunc) << "MIRODATE-INDEX-3\ngarbage";
+    std::ofstream(StoreIndex::PathFor(Root()), std::ios::binary | std::ios::trunc)
+        << "MIRODATE-INDEX-3\ngarbage";
     auto source = OpenSource();
     EXPECT_EQ(source->GetItemCount(), 51);
 }
@@ -116,7 +126,9 @@ TEST_F(VdirSourceTest, ContactAddressesComeFromTheFilesAndFromTheIndex) {
 }
 
 TEST_F(VdirSourceTest, SaveRefusesAFileChangedSinceItWasRead) {
-    WriteFile("calendar/a.ics", Event("a", "DTSTART:20260301T100000\r\nDTEND:20260301T110000\r\nSUMMARY:Mine\r\nX-OTHER:kept\r\n"));
+    WriteFile(
+        "calendar/a.ics",
+        Event("a", "DTSTART:20260301T100000\r\nDTEND:20260301T110000\r\nSUMMARY:Mine\r\nX-OTHER:kept\r\n"));
     auto source = OpenSource();
     PimRecord record;
     ASSERT_TRUE(source->GetItemFromOid(VdirSource::HashUid("a"), record));
@@ -147,8 +159,9 @@ TEST_F(VdirSourceTest, AttendeesAreReadAndKeptOnSave) {
     auto source = OpenSource();
     PimRecord record;
     ASSERT_TRUE(source->GetItemFromOid(VdirSource::HashUid("m"), record));
-    EXPECT_EQ(record.attendees, u"Ann Boss|ann@example.org~Doe, Jo|jo@example.org~Pipe Tilde Man|pt@example.org~"
-                                u"|bare@example.org");
+    EXPECT_EQ(record.attendees,
+              u"Ann Boss|ann@example.org~Doe, Jo|jo@example.org~Pipe Tilde Man|pt@example.org~"
+              u"|bare@example.org");
 
     // Unchanged attendees keep their roles and replies through a save.
     record.subject = u"Meeting, moved";
@@ -182,26 +195,32 @@ TEST_F(VdirSourceTest, AttendeesAreReadAndKeptOnSave) {
 }
 
 TEST_F(VdirSourceTest, DeleteCopyAndOccurrenceChanges) {
-    WriteFile("calendar/s.ics", Event("s", "DTSTART;TZID=Europe/Berlin:20260302T180000\r\n"
-                                           "DTEND;TZID=Europe/Berlin:20260302T190000\r\nRRULE:FREQ=WEEKLY\r\nSUMMARY:S\r\n"));
+    WriteFile("calendar/s.ics",
+              Event("s", "DTSTART;TZID=Europe/Berlin:20260302T180000\r\n"
+                         "DTEND;TZID=Europe/Berlin:20260302T190000\r\nRRULE:FREQ=WEEKLY\r\nSUMMARY:S\r\n"));
     auto source = OpenSource();
     const std::int32_t oid = VdirSource::HashUid("s");
-    EXPECT_EQ(source->SaveOccurrence(oid, DateTime(2026, 3, 9, 18, 0, 0).ToDate(), nullptr), SaveResult::Saved);
+    EXPECT_EQ(source->SaveOccurrence(oid, DateTime(2026, 3, 9, 18, 0, 0).ToDate(), nullptr),
+              SaveResult::Saved);
     PimRecord moved;
     moved.itemKind = kItemAppointment;
     moved.subject = u"S moved";
     moved.start = DateTime(2026, 3, 17, 7, 0, 0).ToDate();
     moved.end = DateTime(2026, 3, 17, 8, 0, 0).ToDate();
-    EXPECT_EQ(source->SaveOccurrence(oid, DateTime(2026, 3, 16, 18, 0, 0).ToDate(), &moved), SaveResult::Saved);
+    EXPECT_EQ(source->SaveOccurrence(oid, DateTime(2026, 3, 16, 18, 0, 0).ToDate(), &moved),
+              SaveResult::Saved);
     const std::int32_t copy = source->Copy(oid);
     ASSERT_GT(copy, 0);
     EXPECT_NE(copy, oid);
     const auto march = Find(*source, kFolderCalendar, u"[Start]<= <46112 AND [End]>= <46082");
     std::vector<std::pair<int, std::u16string>> got;
     for (const auto& r : march)
-        if (r.oid == oid) got.emplace_back(DateTime(r.start).GetDay(), r.subject);
-    EXPECT_EQ(got, (std::vector<std::pair<int, std::u16string>>{{2, u"S"}, {17, u"S moved"}, {23, u"S"}, {30, u"S"}}));
-    EXPECT_EQ(std::count_if(march.begin(), march.end(), [&](const PimRecord& r) { return r.oid == copy; }), 4);
+        if (r.oid == oid)
+            got.emplace_back(DateTime(r.start).GetDay(), r.subject);
+    EXPECT_EQ(got, (std::vector<std::pair<int, std::u16string>>{
+                       {2, u"S"}, {17, u"S moved"}, {23, u"S"}, {30, u"S"}}));
+    EXPECT_EQ(std::count_if(march.begin(), march.end(), [&](const PimRecord& r) { return r.oid == copy; }),
+              4);
     ASSERT_TRUE(source->Delete(oid));
     EXPECT_FALSE(std::filesystem::exists(dir_ / "vdir/calendar/s.ics"));
     EXPECT_EQ(source->GetItemKind(oid), 0);
@@ -239,7 +258,8 @@ TEST_F(VdirSourceTest, ReportsChangesByOriginFolderAndOid) {
     // Another process writes a new event (through a temporary file and a rename).
     const auto incoming = dir_ / "incoming.ics";
     std::ofstream(incoming) << Event("remote-1", "DTSTART:20260310T100000\r\nSUMMARY:From elsewhere\r\n");
-    const std::string command = "mv '" + incoming.string() + "' '" + (dir_ / "vdir/calendar/remote-1.ics").string() + "'";
+    const std::string command =
+        "mv '" + incoming.string() + "' '" + (dir_ / "vdir/calendar/remote-1.ics").string() + "'";
     ASSERT_EQ(std::system(command.c_str()), 0);
     auto seen = recorder.WaitFor(1);
     ASSERT_EQ(seen.size(), 1u);

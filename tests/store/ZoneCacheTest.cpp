@@ -4,8 +4,8 @@
 // file's tree is freed and the next one takes its memory; the bound holds
 // while files whose definition was dropped from the cache still read; and
 // threads read one shared zone at once.
-#include "store/IcsItem.h"
 #include "store/ZoneCache.h"
+#include "store/IcsItem.h"
 #include "tests/store/StoreFixture.h"
 
 #include <gtest/gtest.h>
@@ -46,13 +46,13 @@ protected:
         ZoneCache::Clear();
         StoreFixture::TearDown();
     }
-    static std::unique_ptr<IcsItem> Item(const std::string& zone, const std::string& tzid, const std::string& start,
-                                         const std::string& extra = "") {
+    static std::unique_ptr<IcsItem> Item(const std::string& zone, const std::string& tzid,
+                                         const std::string& start, const std::string& extra = "") {
         auto item = std::make_unique<IcsItem>();
         std::string problem;
-        const std::string text = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n" + zone +
-                                 "BEGIN:VEVENT\r\nUID:zone-" + start + "\r\nDTSTART;TZID=" + tzid + ":" + start +
-                                 "\r\nDURATION:PT1H\r\n" + extra + "END:VEVENT\r\nEND:VCALENDAR\r\n";
+        const std::string text = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n" + zone + "BEGIN:VEVENT\r\nUID:zone-" +
+                                 start + "\r\nDTSTART;TZID=" + tzid + ":" + start + "\r\nDURATION:PT1H\r\n" +
+                                 extra + "END:VEVENT\r\nEND:VCALENDAR\r\n";
         EXPECT_TRUE(item->Parse(text, problem)) << problem;
         return item;
     }
@@ -72,7 +72,8 @@ TEST_F(ZoneCacheTest, ItemsOfOneDefinitionShareItAndReadTheirTimesAsWithTheirOwn
     EXPECT_EQ(Start(*gap), DateTime(2026, 3, 8, 7, 30, 0));
     EXPECT_EQ(Start(*twice), DateTime(2026, 11, 1, 5, 30, 0));
     // A series expanded later reads through the shared zone too, over a change.
-    const auto series = Item(kNewYork, "America/New_York", "20260301T090000", "RRULE:FREQ=WEEKLY;COUNT=3\r\n");
+    const auto series =
+        Item(kNewYork, "America/New_York", "20260301T090000", "RRULE:FREQ=WEEKLY;COUNT=3\r\n");
     std::vector<PimRecord> occurrences;
     series->Expand(DateTime(2026, 3, 1).ToDate(), DateTime(2026, 4, 1).ToDate(), occurrences);
     ASSERT_EQ(occurrences.size(), 3u);
@@ -100,8 +101,8 @@ TEST_F(ZoneCacheTest, OneTzidDefinedTwoWaysStaysTwoZones) {
 }
 
 TEST_F(ZoneCacheTest, TheBoundHoldsAndItemsWhoseDefinitionWasDroppedStillRead) {
-    const auto first =
-        Item(FixedZone("Bound/First", "+0200"), "Bound/First", "20260301T090000", "RRULE:FREQ=DAILY;COUNT=2\r\n");
+    const auto first = Item(FixedZone("Bound/First", "+0200"), "Bound/First", "20260301T090000",
+                            "RRULE:FREQ=DAILY;COUNT=2\r\n");
     std::vector<std::unique_ptr<IcsItem>> others;
     for (int i = 0; i < static_cast<int>(ZoneCache::kMaxZones) + 10; ++i) {
         char offset[8];

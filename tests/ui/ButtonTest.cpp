@@ -87,15 +87,16 @@ TEST_F(ButtonTest, LookOfGradientLabelAndSeparators) {
     button.SetSeparators(true, true);
     windows_->RunUntilIdle();
     EXPECT_EQ(FramePixel(140, 100), RGB(255, 255, 255)); // gradient starts at its top colour
-    EXPECT_EQ(FramePixel(140, 135), kBack);               // and is flat below half height
-    EXPECT_EQ(FramePixel(179, 130), RGB(0, 0, 0));        // right separator
-    EXPECT_EQ(FramePixel(100, 130), RGB(96, 96, 96));     // left separator
-    EXPECT_EQ(FramePixel(179, 100), RGB(255, 255, 255));  // separators start one pixel down
+    EXPECT_EQ(FramePixel(140, 135), kBack);              // and is flat below half height
+    EXPECT_EQ(FramePixel(179, 130), RGB(0, 0, 0));       // right separator
+    EXPECT_EQ(FramePixel(100, 130), RGB(96, 96, 96));    // left separator
+    EXPECT_EQ(FramePixel(179, 100), RGB(255, 255, 255)); // separators start one pixel down
 
     ButtonWnd& labelled = MakeButton(u"MMMM", 200, 300, 120, 40);
     int lit = 0;
     for (int x = 200; x < 320; ++x)
-        if (FramePixel(x, 320) != kBack) ++lit;
+        if (FramePixel(x, 320) != kBack)
+            ++lit;
     EXPECT_GT(lit, 10);
     (void)labelled;
 }
@@ -146,9 +147,10 @@ TEST_F(ButtonTest, TooltipAtTheLeftEdgeStartsAtZero) {
 
 TEST_F(ButtonTest, MenuBarSharesTheWidthAndReportsWhichButton) {
     MenuBar bar;
-    ASSERT_TRUE(bar.Create(parent_.GetHwnd(),
-                           {{"Menu", MenuBarIcon::Menu}, {"Filter", MenuBarIcon::Filter}, {"New", MenuBarIcon::New}},
-                           0, 580, 480));
+    ASSERT_TRUE(
+        bar.Create(parent_.GetHwnd(),
+                   {{"Menu", MenuBarIcon::Menu}, {"Filter", MenuBarIcon::Filter}, {"New", MenuBarIcon::New}},
+                   0, 580, 480));
     EXPECT_EQ(bar.Height(), SkinStyles::Current().menuBar.height);
     ASSERT_EQ(bar.Count(), 3);
     RECT last;
@@ -165,7 +167,8 @@ TEST_F(ButtonTest, MenuBarSharesTheWidthAndReportsWhichButton) {
     int differing = 0;
     for (int y = 590; y < 630; ++y)
         for (int x = 220; x < 260; ++x)
-            if (FramePixel(x, y) != corner) ++differing;
+            if (FramePixel(x, y) != corner)
+                ++differing;
     EXPECT_GT(differing, 20);
 }
 

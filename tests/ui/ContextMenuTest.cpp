@@ -3,10 +3,10 @@
 // virtual clock or at once without animations, choosing by tap and by key
 // with the one-second guard, closing without a choice; the tabs' integer
 // widths, their look and the deliberate clear-on-miss.
+#include "ui/ContextMenu.h"
 #include "ControlTestKit.h"
 #include "platform/Settings.h"
 #include "platform/VirtualKeys.h"
-#include "ui/ContextMenu.h"
 #include "ui/Scale.h"
 #include "ui/ScreenBars.h"
 #include "ui/TabCtrl.h"
@@ -248,7 +248,8 @@ TEST_F(TabCtrlTest, ThreeTabsOn100PixelsAre33WideAndTheLastColumnStaysBackground
     ASSERT_EQ(parent.notices.size(), 1u);
     EXPECT_EQ(parent.notices[0].from, tabs.GetHwnd());
     EXPECT_EQ(parent.notices[0].code, NM_LONG_PRESS);
-    for (int y = 10; y < 40; ++y) EXPECT_EQ(FramePixel(10 + 99, y), colors.background) << y;
+    for (int y = 10; y < 40; ++y)
+        EXPECT_EQ(FramePixel(10 + 99, y), colors.background) << y;
     EXPECT_EQ(FramePixel(10 + 35, 10 + 3), colors.selected);   // inside the selected tab
     EXPECT_EQ(FramePixel(10 + 34, 10 + 1), colors.background); // its rounded top corner
     EXPECT_EQ(FramePixel(10 + 34, 10 + 29), colors.selected);  // square at the bottom

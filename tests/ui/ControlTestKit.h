@@ -32,7 +32,8 @@ public:
         return 0;
     }
     LRESULT WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override {
-        if (message == WM_CLOSE_POPUP) ++closePopups;
+        if (message == WM_CLOSE_POPUP)
+            ++closePopups;
         return BaseWnd::WindowProc(hwnd, message, wParam, lParam);
     }
 };
@@ -43,7 +44,8 @@ public:
     ColourRow(int height, COLORREF colour, std::vector<int>* clicks, int index, bool longTaps = false)
         : height_(height), colour_(colour), clicks_(clicks), index_(index), longTaps_(longTaps) {}
     void Click(HWND, int, int) override {
-        if (clicks_) clicks_->push_back(index_);
+        if (clicks_)
+            clicks_->push_back(index_);
     }
     bool AcceptsLongTap(HWND) override { return longTaps_; }
     void Draw(Dc& dc, const RECT& rect) override {
@@ -60,6 +62,8 @@ private:
 };
 
 // Row colours that tell neighbours apart.
-inline COLORREF RowColour(int index) { return index % 2 ? RGB(200, 0, 0) : RGB(0, 0, 200); }
+inline COLORREF RowColour(int index) {
+    return index % 2 ? RGB(200, 0, 0) : RGB(0, 0, 200);
+}
 
 } // namespace mirodate::test

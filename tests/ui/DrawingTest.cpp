@@ -23,7 +23,8 @@ class PaintedWnd : public BaseWnd {
 public:
     std::function<void(Dc&)> paint;
     void OnPaint(HDC dc) override {
-        if (paint) paint(*dc);
+        if (paint)
+            paint(*dc);
     }
 };
 
@@ -64,7 +65,8 @@ TEST_F(DrawingTest, TransparentIconLeavesOutItsBackgroundAndKeyPixels) {
     // An icon with alpha: transparent border, a key-coloured pixel, blue body.
     Bitmap icon(8, 8, Bitmap::Format::Argb);
     for (int y = 2; y < 6; ++y)
-        for (int x = 2; x < 6; ++x) icon.SetPixel(x, y, kBlue);
+        for (int x = 2; x < 6; ++x)
+            icon.SetPixel(x, y, kBlue);
     icon.SetPixel(3, 3, kKeyColor);
     PaintedWnd wnd;
     wnd.paint = [&](Dc& dc) {
@@ -73,8 +75,8 @@ TEST_F(DrawingTest, TransparentIconLeavesOutItsBackgroundAndKeyPixels) {
     };
     wnd.Create(nullptr, "TEST::PAINTED", WS_POPUP | WS_VISIBLE, u"", 0, 0, 480, 640);
     windows_->RunUntilIdle();
-    EXPECT_EQ(FramePixel(1, 1), kRed);   // transparent border
-    EXPECT_EQ(FramePixel(6, 6), kRed);   // the key pixel at (3,3), doubled
+    EXPECT_EQ(FramePixel(1, 1), kRed); // transparent border
+    EXPECT_EQ(FramePixel(6, 6), kRed); // the key pixel at (3,3), doubled
     EXPECT_EQ(FramePixel(10, 10), kBlue);
     EXPECT_EQ(FramePixel(15, 15), kRed);
 }
@@ -187,7 +189,8 @@ protected:
         windows_->RunUntilIdle();
         std::vector<COLORREF> pixels;
         for (int y = 0; y < 40; ++y)
-            for (int x = 0; x < 60; ++x) pixels.push_back(FramePixel(x, y));
+            for (int x = 0; x < 60; ++x)
+                pixels.push_back(FramePixel(x, y));
         return pixels;
     }
     OwnerButton Record() {
@@ -232,7 +235,8 @@ TEST_F(OwnerButtonTest, TappingShowsThePressedLookAndSendsTheCommand) {
     public:
         int clicks = 0;
         void OnCommand(UINT id, UINT code, HWND control) override {
-            if (id == kButtonId && code == BN_CLICKED) ++clicks;
+            if (id == kButtonId && code == BN_CLICKED)
+                ++clicks;
             ButtonPage::OnCommand(id, code, control);
         }
     } page;

@@ -25,10 +25,12 @@ public:
     bool* destroyed = nullptr;
 
     ~RecordingWnd() override {
-        if (destroyed) *destroyed = true;
+        if (destroyed)
+            *destroyed = true;
     }
     void Note(const std::string& what) {
-        if (log) log->push_back(what);
+        if (log)
+            log->push_back(what);
     }
     void OnPaint(HDC) override { Note("Paint"); }
     void OnAfterPaint() override { Note("AfterPaint"); }
@@ -90,8 +92,8 @@ TEST_F(FrameworkTest, RegisteredWindowGetsCreationMessagesThenPaintsWhenIdle) {
     EXPECT_EQ(reinterpret_cast<BaseWnd*>(GetWindowLongPtr(hwnd, GWL_USERDATA)), &wnd);
     EXPECT_EQ(wnd.previousWindowProc, &BaseWnd::FrameworkWindowProc);
     windows_->RunUntilIdle();
-    const std::vector<std::string> expected = {"Create", "Size",  "Show", "Activate", "EraseBackground",
-                                               "Paint",  "AfterPaint"};
+    const std::vector<std::string> expected = {"Create",          "Size",  "Show",      "Activate",
+                                               "EraseBackground", "Paint", "AfterPaint"};
     EXPECT_EQ(log, expected);
     // Registered windows never see the dialog's initialisation.
     EXPECT_EQ(wnd.readyCount, 0);

@@ -1,8 +1,8 @@
 // Message pages on the real window system: the answer is the number of the
 // button chosen by finger, by Enter (the first), Escape (the last) or a digit.
+#include "ui/MessagePage.h"
 #include "platform/VirtualKeys.h"
 #include "tests/ui/UiTestFixture.h"
-#include "ui/MessagePage.h"
 
 namespace mirodate::test {
 namespace {
@@ -26,7 +26,8 @@ TEST_F(MessagePageTest, AnswersWithTheChosenButtonsNumber) {
     std::vector<RECT> buttons;
     MessagePage::SetOpenObserver([&](MessagePage& page) {
         buttons.clear();
-        for (size_t i = 0; i < page.Buttons().size(); ++i) buttons.push_back(page.ButtonScreenRect(static_cast<int>(i)));
+        for (size_t i = 0; i < page.Buttons().size(); ++i)
+            buttons.push_back(page.ButtonScreenRect(static_cast<int>(i)));
         const RECT b = buttons[static_cast<size_t>(tapButton - 1)];
         DisplayEvent e;
         e.type = DisplayEvent::Type::PointerDown;

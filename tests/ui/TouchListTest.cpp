@@ -57,7 +57,8 @@ protected:
 TEST_F(TouchListTest, LayoutHitTestAndVisibilityFollowVariableHeights) {
     OpenList(480, 640, 0, 0);
     const int heights[] = {30, 70, 10, 200, 45};
-    for (int i = 0; i < 5; ++i) list_.AddItem(std::make_unique<ColourRow>(heights[i], RowColour(i), nullptr, i));
+    for (int i = 0; i < 5; ++i)
+        list_.AddItem(std::make_unique<ColourRow>(heights[i], RowColour(i), nullptr, i));
     EXPECT_EQ(Scroller().TotalHeight(), 355);
     EXPECT_EQ(Scroller().AverageHeight(), 71);
     EXPECT_EQ(list_.HitTest(0), 0);
@@ -78,7 +79,8 @@ TEST_F(TouchListTest, LayoutHitTestAndVisibilityFollowVariableHeights) {
     EXPECT_EQ(Scroller().AverageHeight(), 1);
     EXPECT_EQ(list_.HitTest(0), -1);
 
-    for (int i = 0; i < 40; ++i) list_.AddItem(std::make_unique<ColourRow>(50, RowColour(i), nullptr, i));
+    for (int i = 0; i < 40; ++i)
+        list_.AddItem(std::make_unique<ColourRow>(50, RowColour(i), nullptr, i));
     EXPECT_EQ(Scroller().MaxPosition(), 40 * 50 - (640 - 64));
     EXPECT_TRUE(list_.IsVisible(11));
     EXPECT_FALSE(list_.IsVisible(12));

@@ -18,7 +18,8 @@ public:
     std::vector<UINT> messages;
     void OnTimer(UINT_PTR id) override { fired.emplace_back(id, GetTickCount()); }
     LRESULT WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override {
-        if (message >= WM_APP) messages.push_back(message);
+        if (message >= WM_APP)
+            messages.push_back(message);
         return BaseWnd::WindowProc(hwnd, message, wParam, lParam);
     }
 };
@@ -54,13 +55,15 @@ TEST_F(WindowSystemTest, PostingFromAnotherThreadWakesTheWaitingLoop) {
     // Idle: block on the display until something arrives (no timers run).
     windows_->SetIdleHook([this](std::optional<std::uint32_t>) { display_->WaitEvent(-1); });
     std::thread worker([&] {
-        for (UINT i = 0; i < 50; ++i) windows_->PostMessage(hwnd, WM_APP + i, 0, 0);
+        for (UINT i = 0; i < 50; ++i)
+            windows_->PostMessage(hwnd, WM_APP + i, 0, 0);
         windows_->PostTask([this] { windows_->PostQuitMessage(3); });
     });
     EXPECT_EQ(windows_->Run(), 3);
     worker.join();
     ASSERT_EQ(wnd.messages.size(), 50u);
-    for (UINT i = 0; i < 50; ++i) EXPECT_EQ(wnd.messages[i], WM_APP + i);
+    for (UINT i = 0; i < 50; ++i)
+        EXPECT_EQ(wnd.messages[i], WM_APP + i);
 }
 
 TEST_F(WindowSystemTest, BroadcastsReachEveryTopLevelWindowButNoChild) {
@@ -137,11 +140,12 @@ TEST_F(WindowSystemTest, HiddenAndDisabledWindowsGetNoPointerInput) {
 TEST(HeadlessScriptTest, BadLinesAreReportedWithTheirNumber) {
     std::vector<ScriptAction> actions;
     std::string error;
-    const char* bad[] = {"wait\n",          "wait -5\n",         "tap 1\n",       "drag 1 2 3 4\n",
-                         "key F13\n",       "frobnicate 1 2\n",  "text\n",        "quit now\n",
-                         "tap 1 2x\n",      "wait 99999999999\n", "screenshot\n"};
+    const char* bad[] = {"wait\n",     "wait -5\n",          "tap 1\n",     "drag 1 2 3 4\n",
+                         "key F13\n",  "frobnicate 1 2\n",   "text\n",      "quit now\n",
+                         "tap 1 2x\n", "wait 99999999999\n", "screenshot\n"};
     for (const char* line : bad) {
-        EXPECT_FALSE(HeadlessScript::Parse(std::string("# comment\n\ntap 1 2\n") + line, actions, error)) << line;
+        EXPECT_FALSE(HeadlessScript::Parse(std::string("# comment\n\ntap 1 2\n") + line, actions, error))
+            << line;
         EXPECT_EQ(error.rfind("line 4: ", 0), 0u) << error;
         EXPECT_TRUE(actions.empty());
     }
@@ -151,9 +155,10 @@ TEST(HeadlessScriptTest, BadLinesAreReportedWithTheirNumber) {
 TEST(HeadlessScriptTest, CommandsBecomeTimedInput) {
     std::vector<ScriptAction> actions;
     std::string error;
-    ASSERT_TRUE(HeadlessScript::Parse("drag 0 0 100 50 64\r\nkey q\n  text hello world \nscreenshot /tmp/a b.png\n"
-                                      "Quit\n",
-                                      actions, error))
+    ASSERT_TRUE(
+        HeadlessScript::Parse("drag 0 0 100 50 64\r\nkey q\n  text hello world \nscreenshot /tmp/a b.png\n"
+                              "Quit\n",
+                              actions, error))
         << error;
     using K = ScriptAction::Kind;
     using T = DisplayEvent::Type;

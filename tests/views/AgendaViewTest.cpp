@@ -1,10 +1,10 @@
 // The agenda on the real window system and a real vdir: which days get
 // headers, where tomorrow's header lies, the day bars in pixels, and bad
 // input.
+#include "views/AgendaView.h"
 #include "platform/Settings.h"
 #include "tests/views/ViewFixture.h"
 #include "tests/views/ViewRows.h"
-#include "views/AgendaView.h"
 #include "views/DayBar.h"
 #include "views/ItemCommands.h"
 #include "views/ItemRow.h"
@@ -34,15 +34,14 @@ TEST_F(AgendaViewTest, LeavesOutEmptyDaysButTheFirstAndCoversAgendaSizeWeeks) {
     // Friday 15 March 2024 is today.
     AddTimed("a", "Standup", "20240315T090000", "20240315T093000");
     AddTimed("b", "Brunch", "20240317T110000", "20240317T120000");
-    AddTimed("c", "Day eight", "20240322T110000", "20240322T120000");  // the last day of one week
-    AddTimed("d", "Day nine", "20240323T110000", "20240323T120000");   // one day too far for one week
-    AddTimed("e", "Day 29", "20240412T110000", "20240412T120000");     // the last day of four weeks
+    AddTimed("c", "Day eight", "20240322T110000", "20240322T120000"); // the last day of one week
+    AddTimed("d", "Day nine", "20240323T110000", "20240323T120000");  // one day too far for one week
+    AddTimed("e", "Day 29", "20240412T110000", "20240412T120000");    // the last day of four weeks
     AddTimed("f", "Day 30", "20240413T110000", "20240413T120000");
     Settings::SetNumber("AgendaSize", 0); // behaves as 1: 8 days
     Settings::SetNumber("AgendaMode", 0);
     AgendaView& agenda = OpenAgenda();
-    EXPECT_EQ(RowTexts(agenda.List()),
-              (Rows{"H:Today", "I:Standup", "H:", "I:Brunch", "H:", "I:Day eight"}));
+    EXPECT_EQ(RowTexts(agenda.List()), (Rows{"H:Today", "I:Standup", "H:", "I:Brunch", "H:", "I:Day eight"}));
 
     Settings::SetNumber("AgendaSize", 9); // behaves as 4: 29 days
     agenda.Reload();
@@ -103,8 +102,8 @@ TEST_F(AgendaViewTest, DayBarsShowWhereInTheDayAnAppointmentLies) {
     EXPECT_EQ(bar[460], 0xF800);
     EXPECT_EQ(bar[479], 0xF800);
     // The same on the next day: from the left end to 01:00.
-    DayBar::Fill(DateTime(2024, 3, 15, 23, 0, 0).ToDate(), DateTime(2024, 3, 16, 1, 0, 0).ToDate(), day + 1, 480,
-                 RGB(255, 255, 255), RGB(255, 0, 0), bar.data());
+    DayBar::Fill(DateTime(2024, 3, 15, 23, 0, 0).ToDate(), DateTime(2024, 3, 16, 1, 0, 0).ToDate(), day + 1,
+                 480, RGB(255, 255, 255), RGB(255, 0, 0), bar.data());
     EXPECT_EQ(bar[0], 0xF800);
     EXPECT_EQ(bar[19], 0xF800);
     EXPECT_EQ(bar[20], 0xFFFF);
@@ -136,7 +135,8 @@ TEST_F(AgendaViewTest, HostileItemsStillMakeAnAgenda) {
     AddTimed("empty", "", "20240315T090000", "20240315T100000");
     AddTimed("long", std::string(10000, 'x'), "20240315T110000", "20240315T120000");
     for (int i = 0; i < 500; ++i)
-        AddTimed("many" + std::to_string(i), "Item " + std::to_string(i), "20240316T090000", "20240316T091500");
+        AddTimed("many" + std::to_string(i), "Item " + std::to_string(i), "20240316T090000",
+                 "20240316T091500");
     AgendaView& agenda = OpenAgenda();
     const Rows rows = RowTexts(agenda.List());
     EXPECT_EQ(rows.size(), 1u + 2u + 1u + 500u);

@@ -1,11 +1,11 @@
 // The day view: its header, the slide to the next and previous day across
 // the turn of the year and a leap day, the flick guard, and the check-mark
 // zone writing the task's file.
+#include "views/DayView.h"
 #include "platform/Settings.h"
 #include "platform/VirtualKeys.h"
 #include "tests/views/ViewFixture.h"
 #include "tests/views/ViewRows.h"
-#include "views/DayView.h"
 #include "views/ItemRow.h"
 
 namespace mirodate::test {
@@ -59,7 +59,8 @@ TEST_F(DayViewTest, SlidesToTheNextAndPreviousDayAcrossYearsAndLeapDays) {
     EXPECT_EQ(day.CurrentDate(), DateTime(2024, 1, 1));
     // 16 equal steps of the width x 0.0625 (30 pixels), the old day going left.
     ASSERT_EQ(offsets.size(), 16u);
-    for (int i = 0; i < 16; ++i) EXPECT_EQ(offsets[static_cast<size_t>(i)], -30 * (i + 1));
+    for (int i = 0; i < 16; ++i)
+        EXPECT_EQ(offsets[static_cast<size_t>(i)], -30 * (i + 1));
     EXPECT_EQ(ListX(day.List()), 0);
     EXPECT_FALSE(IsWindowVisible(day.IncomingList().GetHwnd()));
 

@@ -2,13 +2,13 @@
 // delete asks, what lands in the files (read back with libical), "Cancel"
 // changing nothing, items from contacts without a pop-up, and rows whose
 // file went away before the user acted.
+#include "views/ItemCommands.h"
 #include "platform/Settings.h"
 #include "platform/VirtualKeys.h"
 #include "tests/views/ViewFixture.h"
 #include "tests/views/ViewRows.h"
 #include "ui/ContextMenu.h"
 #include "views/DayView.h"
-#include "views/ItemCommands.h"
 #include "views/ItemTexts.h"
 
 #include <libical/ical.h>
@@ -20,7 +20,8 @@ namespace {
 std::vector<std::string> ExceptionDates(const std::string& text) {
     std::vector<std::string> dates;
     icalcomponent* calendar = icalparser_parse_string(text.c_str());
-    if (!calendar) return dates;
+    if (!calendar)
+        return dates;
     icalcomponent* event = icalcomponent_get_first_component(calendar, ICAL_VEVENT_COMPONENT);
     for (icalproperty* p = event ? icalcomponent_get_first_property(event, ICAL_EXDATE_PROPERTY) : nullptr; p;
          p = icalcomponent_get_next_property(event, ICAL_EXDATE_PROPERTY)) {
@@ -114,7 +115,8 @@ TEST_F(ItemCommandsTest, DuplicateWritesTheOccurrenceAsANewFileWithANewUid) {
     for (const auto& entry : std::filesystem::directory_iterator(Root() + "/calendar")) {
         ++files;
         const std::string name = entry.path().filename().string();
-        if (name != "yoga.ics" && name != "single.ics") copy = ReadFile("calendar/" + name);
+        if (name != "yoga.ics" && name != "single.ics")
+            copy = ReadFile("calendar/" + name);
     }
     EXPECT_EQ(files, 3);
     EXPECT_NE(copy.find("SUMMARY:Yoga"), std::string::npos);
@@ -131,7 +133,8 @@ TEST_F(ItemCommandsTest, BirthdaysHaveNoPopup) {
     day.Reload();
     int birthday = -1;
     for (int i = 0; i < day.List().ItemCount(); ++i)
-        if (auto* row = dynamic_cast<ViewRow*>(day.List().Item(i)); row && row->Item()->kind == PimItem::kBirthday)
+        if (auto* row = dynamic_cast<ViewRow*>(day.List().Item(i));
+            row && row->Item()->kind == PimItem::kBirthday)
             birthday = i;
     ASSERT_GE(birthday, 0);
     EXPECT_FALSE(day.List().Item(birthday)->AcceptsLongTap(day.List().GetHwnd()));
@@ -170,9 +173,10 @@ TEST_F(ItemCommandsTest, AFileChangedOnDiskSinceItWasReadIsNotOverwritten) {
     AddTask("rent", "Pay rent", "20240315");
     OpenDay(DateTime(2024, 3, 15));
     // Another program rewrites the file after the store read it.
-    const std::string theirs = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//other//EN\r\nBEGIN:VTODO\r\nUID:rent\r\n"
-                               "SUMMARY:Pay rent (theirs, a longer text)\r\nDUE;VALUE=DATE:20240315\r\nEND:VTODO\r\n"
-                               "END:VCALENDAR\r\n";
+    const std::string theirs =
+        "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//other//EN\r\nBEGIN:VTODO\r\nUID:rent\r\n"
+        "SUMMARY:Pay rent (theirs, a longer text)\r\nDUE;VALUE=DATE:20240315\r\nEND:VTODO\r\n"
+        "END:VCALENDAR\r\n";
     WriteFile("tasks/rent.ics", theirs);
     Run("Pay rent", ItemCommands::kToggleComplete);
     EXPECT_EQ(ReadFile("tasks/rent.ics"), theirs);

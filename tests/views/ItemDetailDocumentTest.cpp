@@ -39,14 +39,15 @@ TEST_F(ItemDetailDocumentTest, AppointmentWithAttendeesNotesWebAddressAndPhone) 
     PimItem item;
     item.SetTimes(DateTime(2024, 3, 15, 9, 0, 0), DateTime(2024, 3, 15, 10, 30, 0));
     const std::string doc = Utf16ToUtf8(ItemDetailDocument::Build(record, item, colors, linkifier));
-    EXPECT_EQ(doc,
-              "<font color='#E8E8EA'><b>Kick-off &lt;draft></b><br>"
-              "Room 4, see <a href='http://rooms.example.org/'>http://rooms.example.org/</a>4<br>"
-              "<i>Freitag, 15 März 2024, 09:00 - 10:30<br>(Einmalig, Work)</i><br>"
-              "<br>Teilnehmer:<br>Ann Boss (<a href='mailto:ann@example.org'>ann@example.org</a>)<br>"
-              "Jo (<a href='mailto:jo@example.org'>jo@example.org</a>)<br><br>"
-              "<font color='# 5a0ff'><br><i>Agenda: <a href='http://wiki.example.org/'>http://wiki.example.org/</a>"
-              "kickoff<br>Dial-in <a href='Tel:030 1234 5678'>030 1234 5678</a></i><br><br></font></font>");
+    EXPECT_EQ(
+        doc,
+        "<font color='#E8E8EA'><b>Kick-off &lt;draft></b><br>"
+        "Room 4, see <a href='http://rooms.example.org/'>http://rooms.example.org/</a>4<br>"
+        "<i>Freitag, 15 März 2024, 09:00 - 10:30<br>(Einmalig, Work)</i><br>"
+        "<br>Teilnehmer:<br>Ann Boss (<a href='mailto:ann@example.org'>ann@example.org</a>)<br>"
+        "Jo (<a href='mailto:jo@example.org'>jo@example.org</a>)<br><br>"
+        "<font color='# 5a0ff'><br><i>Agenda: <a href='http://wiki.example.org/'>http://wiki.example.org/</a>"
+        "kickoff<br>Dial-in <a href='Tel:030 1234 5678'>030 1234 5678</a></i><br><br></font></font>");
 }
 
 TEST_F(ItemDetailDocumentTest, WithoutNotesAttendeesOrLocation) {
@@ -63,8 +64,9 @@ TEST_F(ItemDetailDocumentTest, WithoutNotesAttendeesOrLocation) {
     EXPECT_EQ(doc.find("Teilnehmer"), std::string::npos);
     // Attendees that were not loaded are counted, not listed.
     record.attendees = ItemDetailDocument::kAttendeesNotLoaded;
-    EXPECT_NE(Utf16ToUtf8(ItemDetailDocument::Build(record, item, colors, linkifier)).find("<br>0 Teilnehmer<br>"),
-              std::string::npos);
+    EXPECT_NE(
+        Utf16ToUtf8(ItemDetailDocument::Build(record, item, colors, linkifier)).find("<br>0 Teilnehmer<br>"),
+        std::string::npos);
 }
 
 TEST_F(ItemDetailDocumentTest, TaskHasTitleAndDueHeading) {
@@ -76,8 +78,9 @@ TEST_F(ItemDetailDocumentTest, TaskHasTitleAndDueHeading) {
     task.type = PimItem::kTypeTask;
     task.SetTaskDates(kNoDate, DateTime::Today().ToDate());
     const std::string doc = Utf16ToUtf8(ItemDetailDocument::Build(record, task, colors, linkifier));
-    EXPECT_EQ(doc, "<font color='#E8E8EA'><b><u>Taxes</u></b></font><br><font color='# 5a0ff'><b>Fällig: Heute</b>"
-                   "<br><i>Forms at www.example.org</i><br><br></font>");
+    EXPECT_EQ(doc,
+              "<font color='#E8E8EA'><b><u>Taxes</u></b></font><br><font color='# 5a0ff'><b>Fällig: Heute</b>"
+              "<br><i>Forms at www.example.org</i><br><br></font>");
     record.body.clear();
     EXPECT_NE(Utf16ToUtf8(ItemDetailDocument::Build(record, task, colors, linkifier))
                   .find("<font color='# 5a0ff'><b>Fällig: Heute</b><br><br></font>"),

@@ -32,7 +32,8 @@ TEST(LinkifierTest, WebAddresses) {
     EXPECT_EQ(Linkify(u"router at http://192.168.1.10:8080/"),
               "router at <a href='http://192.168.1.10:8080/'>http://192.168.1.10:8080/</a>");
     // The pattern is lower-case only: capitals are left alone.
-    EXPECT_EQ(Linkify(u"HTTP://EXAMPLE.COM and Http://example.com"), "HTTP://EXAMPLE.COM and Http://example.com");
+    EXPECT_EQ(Linkify(u"HTTP://EXAMPLE.COM and Http://example.com"),
+              "HTTP://EXAMPLE.COM and Http://example.com");
 }
 
 TEST(LinkifierTest, RepeatedAddressUsesTheFirstPlaceholderEverywhere) {
@@ -46,8 +47,9 @@ TEST(LinkifierTest, RepeatedAddressUsesTheFirstPlaceholderEverywhere) {
 }
 
 TEST(LinkifierTest, MailAddresses) {
-    EXPECT_EQ(Linkify(u"Write to bob.smith+cal@mail.example.co.uk."),
-              "Write to <a href='mailto:bob.smith+cal@mail.example.co.uk'>bob.smith+cal@mail.example.co.uk</a>.");
+    EXPECT_EQ(
+        Linkify(u"Write to bob.smith+cal@mail.example.co.uk."),
+        "Write to <a href='mailto:bob.smith+cal@mail.example.co.uk'>bob.smith+cal@mail.example.co.uk</a>.");
     EXPECT_EQ(Linkify(u"not@ an address, nor @this"), "not@ an address, nor @this");
 }
 
@@ -95,7 +97,8 @@ TEST_F(LinkifierFileTest, BracketedPathBecomesALinkOnlyWhenItExists) {
               "Read <a href='file:///" + file + "'>" + file + "</a> first");
 
     std::string folder = (dir_ / "folder one").string();
-    EXPECT_EQ(Linkify(Utf8ToUtf16("[" + folder + "]")), "<a href='file:///" + folder + "'>" + folder + "</a>");
+    EXPECT_EQ(Linkify(Utf8ToUtf16("[" + folder + "]")),
+              "<a href='file:///" + folder + "'>" + folder + "</a>");
 
     std::string missing = "Read [" + (dir_ / "missing.txt").string() + "] first";
     EXPECT_EQ(Linkify(Utf8ToUtf16(missing)), missing);

@@ -29,7 +29,9 @@ protected:
         day_.reset();
         ViewFixture::TearDown();
     }
-    void WriteAt(const std::string& path, const std::string& text) { std::ofstream(dir_ + "/" + path) << text; }
+    void WriteAt(const std::string& path, const std::string& text) {
+        std::ofstream(dir_ + "/" + path) << text;
+    }
     DayView& OpenDay() {
         OpenStore();
         day_ = std::make_unique<DayView>(DateTime(2024, 3, 15));
@@ -50,15 +52,16 @@ TEST_F(PlatformHandoffTest, OpenInPlatformCalendarRunsTheOtherCalendarProgramOnT
     EXPECT_EQ(questions, (std::vector<std::u16string>{u"NoPlatformCalendar"}));
     EXPECT_TRUE(services.Calls().empty());
 
-    WriteAt("config/mimeapps.list", "[Default Applications]\ntext/calendar=mirodate.desktop;othercal.desktop;\n");
+    WriteAt("config/mimeapps.list",
+            "[Default Applications]\ntext/calendar=mirodate.desktop;othercal.desktop;\n");
     WriteAt("data/applications/mirodate.desktop", "[Desktop Entry]\nExec=mirodate %f\n");
     WriteAt("data/applications/othercal.desktop",
             "[Desktop Entry]\nName=Other\nExec=\"/opt/other cal/bin/othercal\" --import %f\n");
     day.SelectRowItem(0);
     day.RunCommand(ItemCommands::kOpenInPlatform);
     ASSERT_EQ(services.Programs().size(), 1u);
-    EXPECT_EQ(services.Programs()[0],
-              (std::vector<std::string>{"/opt/other cal/bin/othercal", "--import", Root() + "/calendar/meet.ics"}));
+    EXPECT_EQ(services.Programs()[0], (std::vector<std::string>{"/opt/other cal/bin/othercal", "--import",
+                                                                Root() + "/calendar/meet.ics"}));
     day.RunCommand(ItemCommands::kOpenPlatformCalendar);
     ASSERT_EQ(services.Programs().size(), 2u);
     EXPECT_EQ(services.Programs()[1], (std::vector<std::string>{"/opt/other cal/bin/othercal", "--import"}));
@@ -76,8 +79,9 @@ TEST_F(PlatformHandoffTest, ABirthdayRowOpensTheContactsCard) {
 }
 
 TEST_F(PlatformHandoffTest, BeamWritesAStandaloneCalendarFileWithItsTimeZone) {
-    AddEvent("berlin", "Call Berlin / Team", "DTSTART;TZID=Europe/Berlin:20240315T090000\r\n"
-                                             "DTEND;TZID=Europe/Berlin:20240315T100000\r\n");
+    AddEvent("berlin", "Call Berlin / Team",
+             "DTSTART;TZID=Europe/Berlin:20240315T090000\r\n"
+             "DTEND;TZID=Europe/Berlin:20240315T100000\r\n");
     WriteAt("config/user-dirs.dirs", "XDG_DOWNLOAD_DIR=\"$HOME/Fetched\"\n");
     DayView& day = OpenDay();
     ASSERT_EQ(day.List().ItemCount(), 1);

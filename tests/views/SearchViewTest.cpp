@@ -2,19 +2,20 @@
 // the display's text events restarting timer 3, Enter searching at once, a
 // delay of 0 leaving it to Enter, the 255-character cut, the "nothing found"
 // row, results under day headers and a fresh search when the store changes.
+#include "views/SearchView.h"
 #include "platform/Settings.h"
 #include "platform/VirtualKeys.h"
 #include "tests/views/ViewFixture.h"
 #include "tests/views/ViewRows.h"
 #include "ui/RegisteredMessages.h"
-#include "views/SearchView.h"
 
 namespace mirodate::test {
 namespace {
 
 using Rows = std::vector<std::string>;
 // The row as Narrow() reads it: UTF-16 units cut to bytes, so ß is 0xDF.
-const std::string kDentistRow = "I:Dentist Bergstra\xDF" "e";
+const std::string kDentistRow = "I:Dentist Bergstra\xDF"
+                                "e";
 
 class SearchViewTest : public ViewFixture {
 protected:

@@ -2,13 +2,13 @@
 // through the view on a fixed set of tasks, the sort menu's marks, choosing a
 // key again flipping it, the rows' priority marks and strike-through, and
 // completed tasks hidden by the filter.
+#include "views/TasksView.h"
 #include "data/TaskSorter.h"
 #include "platform/Settings.h"
 #include "tests/views/ViewFixture.h"
 #include "tests/views/ViewRows.h"
 #include "ui/ListCtrlWnd.h"
 #include "views/ItemRow.h"
-#include "views/TasksView.h"
 
 namespace mirodate::test {
 namespace {
@@ -23,9 +23,10 @@ protected:
         AddTask("b", "Beta", "20240318", "PRIORITY:1\r\nDTSTART;VALUE=DATE:20240310\r\n");
         AddTask("a", "alpha", "20240319", "PRIORITY:5\r\n");
         AddTask("d", "delta", "20240316", "PRIORITY:9\r\nDTSTART;VALUE=DATE:20240310\r\n");
-        WriteFile("tasks/g.ics", "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//test//EN\r\nBEGIN:VTODO\r\nUID:g\r\n"
-                                 "SUMMARY:Gamma\r\nPRIORITY:9\r\nDTSTART;VALUE=DATE:20240312\r\nSTATUS:COMPLETED\r\n"
-                                 "END:VTODO\r\nEND:VCALENDAR\r\n");
+        WriteFile("tasks/g.ics",
+                  "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//test//EN\r\nBEGIN:VTODO\r\nUID:g\r\n"
+                  "SUMMARY:Gamma\r\nPRIORITY:9\r\nDTSTART;VALUE=DATE:20240312\r\nSTATUS:COMPLETED\r\n"
+                  "END:VTODO\r\nEND:VCALENDAR\r\n");
     }
     TasksView& OpenTasks(int order) {
         Settings::SetNumber("TaskSort", order);
@@ -42,7 +43,8 @@ protected:
     ItemRow* RowOf(const std::string& subject) {
         for (int i = 0; i < tasks_->List().ItemCount(); ++i) {
             auto* row = dynamic_cast<ItemRow*>(tasks_->List().Item(i));
-            if (row && Narrow(row->Item()->subject) == subject) return row;
+            if (row && Narrow(row->Item()->subject) == subject)
+                return row;
         }
         return nullptr;
     }
@@ -57,10 +59,8 @@ TEST_F(TasksViewTest, EveryOrderListsTheTasksAsItsKeysSay) {
         {"I:delta", "I:Beta", "I:alpha", "I:Gamma"}, // 3: open before completed, then due date
         {"I:Beta", "I:delta", "I:Gamma", "I:alpha"}, // 4: start date, equal starts by priority
         {"I:Gamma", "I:alpha", "I:Beta", "I:delta"}, // 5..9: the exact reverse
-        {"I:Gamma", "I:delta", "I:alpha", "I:Beta"},
-        {"I:delta", "I:alpha", "I:Gamma", "I:Beta"},
-        {"I:Gamma", "I:alpha", "I:Beta", "I:delta"},
-        {"I:alpha", "I:Gamma", "I:delta", "I:Beta"},
+        {"I:Gamma", "I:delta", "I:alpha", "I:Beta"}, {"I:delta", "I:alpha", "I:Gamma", "I:Beta"},
+        {"I:Gamma", "I:alpha", "I:Beta", "I:delta"}, {"I:alpha", "I:Gamma", "I:delta", "I:Beta"},
     };
     TasksView& view = OpenTasks(0);
     for (int order = 0; order <= TaskSorter::kLastOrder; ++order) {
@@ -117,8 +117,8 @@ TEST_F(TasksViewTest, RowsCarryPriorityAndDueTextsAndDoneTasksAreStruckOrHidden)
     EXPECT_TRUE(RowOf("Gamma")->DetailText().empty()); // no due date
 
     FilterConfig filters = PimStore::Instance().GetFilters();
-    PimStore::Instance().SetFilters(filters.excludeFilter, filters.categoryFilter, true, filters.showBirthdays,
-                                    filters.showAnniversaries);
+    PimStore::Instance().SetFilters(filters.excludeFilter, filters.categoryFilter, true,
+                                    filters.showBirthdays, filters.showAnniversaries);
     view.Reload();
     EXPECT_EQ(RowTexts(view.List()), (Rows{"I:delta", "I:Beta", "I:alpha"}));
 }

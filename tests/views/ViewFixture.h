@@ -29,7 +29,8 @@ protected:
         MessagePage::SetOpenObserver([this](MessagePage& page) {
             questions.push_back(page.Text());
             const int answer = answers.empty() ? static_cast<int>(page.Buttons().size()) : answers.front();
-            if (!answers.empty()) answers.pop_front();
+            if (!answers.empty())
+                answers.pop_front();
             // Tapped like a finger does, on the button itself.
             const RECT button = page.ButtonScreenRect(answer - 1);
             DisplayEvent down;
@@ -62,7 +63,9 @@ protected:
         std::ifstream file(Root() + "/" + relative, std::ios::binary);
         return std::string((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
     }
-    bool FileExists(const std::string& relative) const { return std::filesystem::exists(Root() + "/" + relative); }
+    bool FileExists(const std::string& relative) const {
+        return std::filesystem::exists(Root() + "/" + relative);
+    }
 
     // An event file: `times` holds DTSTART/DTEND (and any other lines).
     void AddEvent(const std::string& uid, const std::string& subject, const std::string& times,
@@ -77,9 +80,10 @@ protected:
     }
     void AddTask(const std::string& uid, const std::string& subject, const std::string& due,
                  const std::string& more = "") {
-        WriteFile("tasks/" + uid + ".ics", "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//test//EN\r\nBEGIN:VTODO\r\nUID:" +
-                                               uid + "\r\nSUMMARY:" + subject + "\r\nDUE;VALUE=DATE:" + due + "\r\n" +
-                                               more + "END:VTODO\r\nEND:VCALENDAR\r\n");
+        WriteFile("tasks/" + uid + ".ics",
+                  "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//test//EN\r\nBEGIN:VTODO\r\nUID:" + uid +
+                      "\r\nSUMMARY:" + subject + "\r\nDUE;VALUE=DATE:" + due + "\r\n" + more +
+                      "END:VTODO\r\nEND:VCALENDAR\r\n");
     }
     void AddContact(const std::string& uid, const std::string& name, const std::string& birthday) {
         WriteFile("contacts/" + uid + ".vcf", "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:" + uid + "\r\nFN:" + name +
@@ -101,7 +105,7 @@ protected:
     }
 
     VdirSource* source_ = nullptr;
-    std::deque<int> answers;            // button numbers for the next message pages
+    std::deque<int> answers;               // button numbers for the next message pages
     std::vector<std::u16string> questions; // texts of the pages shown
 };
 

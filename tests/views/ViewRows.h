@@ -12,16 +12,22 @@
 
 namespace mirodate::test {
 
-inline std::string Narrow(const std::u16string& text) { return std::string(text.begin(), text.end()); }
+inline std::string Narrow(const std::u16string& text) {
+    return std::string(text.begin(), text.end());
+}
 
 inline std::vector<std::string> RowTexts(TouchListCtrlWnd& list) {
     std::vector<std::string> rows;
     for (int i = 0; i < list.ItemCount(); ++i) {
         auto* row = dynamic_cast<ViewRow*>(list.Item(i));
-        if (!row) continue;
-        if (auto* header = dynamic_cast<DayHeaderRow*>(row)) rows.push_back("H:" + Narrow(header->Caption()));
-        else if (auto* message = dynamic_cast<MessageRow*>(row)) rows.push_back("M:" + Narrow(message->Text()));
-        else rows.push_back("I:" + Narrow(row->Item()->subject));
+        if (!row)
+            continue;
+        if (auto* header = dynamic_cast<DayHeaderRow*>(row))
+            rows.push_back("H:" + Narrow(header->Caption()));
+        else if (auto* message = dynamic_cast<MessageRow*>(row))
+            rows.push_back("M:" + Narrow(message->Text()));
+        else
+            rows.push_back("I:" + Narrow(row->Item()->subject));
     }
     return rows;
 }

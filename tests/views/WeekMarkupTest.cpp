@@ -82,8 +82,8 @@ TEST_F(WeekMarkupTest, TimedAllDayColouredAndPastEntries) {
     // A timed entry that began the day before has no start time on this day.
     options.showTime = true;
     const PimItem night = Timed(5, u"Night shift", DateTime(2024, 3, 14, 22, 0, 0), 8 * 60);
-    EXPECT_EQ(Box(friday, {night}), "<font color='#112233'>" + Link(5, 'a', f.c_str()) +
-                                        "<b>Night shift</b></a>, </font>");
+    EXPECT_EQ(Box(friday, {night}),
+              "<font color='#112233'>" + Link(5, 'a', f.c_str()) + "<b>Night shift</b></a>, </font>");
     EXPECT_EQ(Box(friday, {}), "<font color='#112233'></font>");
 }
 
@@ -101,7 +101,8 @@ TEST_F(WeekMarkupTest, TasksOnceItalicAndOverdueInRedOnToday) {
     const std::string box = Box(friday, {}, {late, both, coloured, done, sameName}, &counts);
     EXPECT_EQ(box, "<font color='#112233'>" + Link(10, 't', "20240315") + "<i>Report</i></a>, " +
                        Link(11, 't', "20240315") + "<font color='#008000'><i>Taxes</i></font></a>, " +
-                       Link(12, 't', "20240315") + "<font color='#ff0000'><i>Call back</i></font></a>, </font>");
+                       Link(12, 't', "20240315") +
+                       "<font color='#ff0000'><i>Call back</i></font></a>, </font>");
     EXPECT_EQ(counts.tasks, 3);
     EXPECT_EQ(counts.appointments, 0);
     // The overdue task stands on today only, not on the other days of the week.
@@ -116,7 +117,8 @@ TEST_F(WeekMarkupTest, SummaryBeyondTheLimit) {
                                       AllDay(2, u"B", friday)};
     const std::vector<PimItem> task = {Task(3, u"T", friday.ToDate())};
     options.maxEvents = 0; // every non-empty box is summarised
-    EXPECT_EQ(Box(friday, two, task), "<font color='#112233'><font color='#112233'>Termine: 2, Aufgaben: 1</font></font>");
+    EXPECT_EQ(Box(friday, two, task),
+              "<font color='#112233'><font color='#112233'>Termine: 2, Aufgaben: 1</font></font>");
     EXPECT_EQ(Box(friday, {}), "<font color='#112233'></font>");
     options.maxEvents = 3; // three entries fit
     EXPECT_NE(Box(friday, two, task).find("<b>09:00 A</b>"), std::string::npos);
@@ -124,7 +126,8 @@ TEST_F(WeekMarkupTest, SummaryBeyondTheLimit) {
     EXPECT_NE(Box(friday, two, task).find("Termine: 2, Aufgaben: 1"), std::string::npos);
     options.maxEvents = -1; // never summarised
     std::vector<PimItem> many;
-    for (int i = 0; i < 40; ++i) many.push_back(Timed(100 + i, u"X", DateTime(2024, 3, 15, 8, 0, 0), 10));
+    for (int i = 0; i < 40; ++i)
+        many.push_back(Timed(100 + i, u"X", DateTime(2024, 3, 15, 8, 0, 0), 10));
     EXPECT_EQ(Box(friday, many).find("Termine"), std::string::npos);
 }
 
@@ -136,8 +139,9 @@ TEST_F(WeekMarkupTest, EntryLinksNameTheirItem) {
     EXPECT_EQ(parsed->oid, 123456789);
     EXPECT_TRUE(parsed->task);
     EXPECT_EQ(parsed->day, DateTime(2024, 12, 31));
-    for (const char16_t* bad : {u"", u"item:", u"item:12:x:20241231", u"item:12:a:20241331", u"item:-5:a:20240101",
-                                u"item:99999999999:a:20240101", u"open:12:a:20240101", u"item:12:a:2024010"})
+    for (const char16_t* bad :
+         {u"", u"item:", u"item:12:x:20241231", u"item:12:a:20241331", u"item:-5:a:20240101",
+          u"item:99999999999:a:20240101", u"open:12:a:20240101", u"item:12:a:2024010"})
         EXPECT_FALSE(WeekEntryLink::Parse(bad)) << Utf16ToUtf8(bad);
 }
 
