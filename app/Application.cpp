@@ -101,15 +101,8 @@ Application::HandOverResult Application::HandOver(const std::string& socketPath,
 
 int Application::Run() {
     Log::SetVerbose(options_.verbose);
-    if (options_.demo) {
-        int status = StoreCommands::Demo(options_);
-        if (status != 0 || !options_.list)
-            return status;
-    }
-    if (options_.list)
-        return StoreCommands::List(options_);
-    if (options_.exportGiven)
-        return StoreCommands::Export(options_);
+    if (StoreCommands::Wanted(options_))
+        return StoreCommands::Run(options_);
     const std::u16string& commandLine = options_.commandLine;
 
     // "-f": the desktop's previous calendar or tasks program takes the

@@ -68,6 +68,21 @@ void AppendLine(std::string& out, const DateTime& day, const PimItem& item) {
 
 } // namespace
 
+bool StoreCommands::Wanted(const ProgramOptions& options) {
+    return options.demo || options.list || options.exportGiven;
+}
+
+int StoreCommands::Run(const ProgramOptions& options) {
+    if (options.demo) {
+        const int status = Demo(options);
+        if (status != 0 || !options.list)
+            return status;
+    }
+    if (options.list)
+        return List(options);
+    return Export(options);
+}
+
 int StoreCommands::List(const ProgramOptions& options) {
     DateTime from, to;
     if (!ParseIsoDate(options.listFrom, from) || !ParseIsoDate(options.listTo, to)) {

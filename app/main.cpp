@@ -1,8 +1,23 @@
-#include "app/Application.h"
+// The program's entry. The store commands (--list, --export, --demo) run in
+// this process, which loads only the libraries the store needs, so that a
+// listing starts in a few milliseconds. Everything with a window is the
+// window program installed beside this one, which takes over this process.
 #include "app/ProgramOptions.h"
+#include "app/StoreCommands.h"
+#include "platform/Log.h"
+#include "platform/Paths.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <unistd.h>
+
+namespace {
+
+constexpr char kWindowProgram[] = "mirodate-ui";
+
+} // namespace
 
 int main(int argc, char** argv) {
     std::vector<std::string> args(argv + 1, argv + argc);
@@ -12,14 +27,18 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "mirodate: %s\n%s", error.c_str(), mirodate::ProgramOptions::Usage().c_str());
         return 2;
     }
-    const bool listing = options.list;
-    const int status = mirodate::Application(std::move(options)).Run();
-    if (listing) {
-        // A listing is complete once its text is out and the store's index
-        // is saved: the process ends without freeing the store's tables one
-        // by one, which would take a tenth of its time.
+    if (mirodate::StoreCommands::Wanted(options)) {
+        mirodate::Log::SetVerbose(options.verbose);
+        const int status = mirodate::StoreCommands::Run(options);
+        // The output and the store's index are written by now: the process
+        // ends without freeing the store's tables one by one, which would
+        // take a tenth of a listing's time.
         std::fflush(nullptr);
         std::_Exit(status);
     }
-    return status;
+    const std::string window = mirodate::Paths::ProgramDir() + "/" + kWindowProgram;
+    argv[0] = const_cast<char*>(window.c_str());
+    execv(window.c_str(), argv);
+    std::fprintf(stderr, "mirodate: cannot start %s: %s\n", window.c_str(), std::strerror(errno));
+    return 127;
 }

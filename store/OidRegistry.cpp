@@ -35,7 +35,41 @@ void OidRegistry::Add(std::string key, Entry entry) {
     files_[std::move(key)] = std::move(entry);
 }
 
-void OidRegistry::AssignAll() {
+void OidRegistry::Add(Files::node_type node) {
+    files_.insert(std::move(node));
+}
+
+bool OidRegistry::TakeStoredOids(const std::vector<const Entry*>& ordered) {
+    byOid_.reserve(ordered.size());
+    for (const Entry* entry : ordered) {
+        const Entry& item = *entry;
+        if (!byOid_.emplace(item->record.oid, item).second) {
+            byOid_.clear();
+            snapshots_.clear();
+            return false;
+        }
+        snapshots_[item->folder].push_back(item);
+    }
+    uidTablesMade_ = false;
+    return true;
+}
+
+void OidRegistry::MakeUidTables() {
+    if (uidTablesMade_)
+        return;
+    uidTablesMade_ = true;
+    oidOfUid_.reserve(byOid_.size());
+    uidOfOid_.reserve(byOid_.size());
+    for (const auto& [oid, item] : byOid_) {
+        oidOfUid_.emplace(item->uid, oid);
+        uidOfOid_.emplace(oid, item->uid);
+    }
+}
+
+void OidRegistry::AssignAll(bool keepOids) {
+    // OIDs handed out before (a second filling) stay with their UIDs.
+    MakeUidTables();
+    keepOids = keepOids && oidOfUid_.empty();
     byOid_.clear();
     snapshots_.clear();
     std::vector<const Entry*> ordered;
@@ -45,6 +79,8 @@ void OidRegistry::AssignAll() {
             ordered.push_back(&item);
     std::sort(ordered.begin(), ordered.end(),
               [](const Entry* a, const Entry* b) { return InFileOrder(**a, **b); });
+    if (keepOids && TakeStoredOids(ordered))
+        return;
     // The first file of a UID (in folder and name order) holds it; later
     // files with the same UID are skipped.
     std::unordered_map<std::string_view, StoredItem*> byUid;
@@ -85,6 +121,7 @@ void OidRegistry::AssignAll() {
 }
 
 void OidRegistry::AssignOid(StoredItem& item) {
+    MakeUidTables();
     auto known = oidOfUid_.find(item.uid);
     if (known != oidOfUid_.end()) {
         item.record.oid = known->second;
@@ -109,6 +146,7 @@ void OidRegistry::Release(const Entry& entry) {
 }
 
 void OidRegistry::Publish(Entry entry) {
+    MakeUidTables();
     const std::string key = VdirFileIo::Key(entry->directory, entry->fileName);
     auto old = files_.find(key);
     if (old != files_.end())
@@ -137,6 +175,7 @@ void OidRegistry::Publish(Entry entry) {
 }
 
 void OidRegistry::Unpublish(const std::string& key) {
+    MakeUidTables();
     auto it = files_.find(key);
     if (it == files_.end())
         return;
@@ -155,7 +194,13 @@ OidRegistry::Entry OidRegistry::FindOid(std::int32_t oid) const {
     return it == byOid_.end() ? nullptr : it->second;
 }
 
-OidRegistry::Entry OidRegistry::FindUid(const std::string& uid) const {
+bool OidRegistry::KnowsUid(const std::string& uid) {
+    MakeUidTables();
+    return oidOfUid_.count(uid) != 0;
+}
+
+OidRegistry::Entry OidRegistry::FindUid(const std::string& uid) {
+    MakeUidTables();
     auto known = oidOfUid_.find(uid);
     return known == oidOfUid_.end() ? nullptr : FindOid(known->second);
 }

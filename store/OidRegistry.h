@@ -25,9 +25,12 @@ public:
     static std::int32_t HashUid(const std::string& uid);
 
     // Filling at the start: files added, then their OIDs assigned at once.
+    // `keepOids`: every entry comes from the index of this very set of
+    // files and keeps the OID it had there, which skips the assignment.
     void Reserve(std::size_t files);
     void Add(std::string key, Entry entry);
-    void AssignAll();
+    void Add(Files::node_type node);
+    void AssignAll(bool keepOids = false);
 
     // A file read again (or new) replaces its entry; one gone is removed.
     void Publish(Entry entry);
@@ -38,9 +41,9 @@ public:
     Entry FindFile(const std::string& key) const;
     Entry FindOid(std::int32_t oid) const;
     // The entry that holds a UID now (null when none does).
-    Entry FindUid(const std::string& uid) const;
+    Entry FindUid(const std::string& uid);
     // Whether a UID ever had an OID here (a new item must not reuse it).
-    bool KnowsUid(const std::string& uid) const { return oidOfUid_.count(uid) != 0; }
+    bool KnowsUid(const std::string& uid);
     std::size_t ItemCount() const { return byOid_.size(); }
     // The readable items of a folder in folder and file name order.
     Snapshot GetSnapshot(int folderId);
@@ -52,12 +55,19 @@ public:
 private:
     void AssignOid(StoredItem& item);
     void Release(const Entry& entry);
+    // The UID tables are made from the published entries when first needed:
+    // a start that only shows the store never needs them.
+    void MakeUidTables();
+    // Whether `ordered` (readable entries in file order) holds its OIDs
+    // once each; fills byOid_ and the snapshots from it.
+    bool TakeStoredOids(const std::vector<const Entry*>& ordered);
 
     Files files_;
     std::unordered_map<std::int32_t, Entry> byOid_;
     std::unordered_map<std::string, std::int32_t> oidOfUid_;
     std::unordered_map<std::int32_t, std::string> uidOfOid_;
     std::map<int, Snapshot> snapshots_; // per folder, rebuilt after a change
+    bool uidTablesMade_ = true;
     bool dirty_ = false;
 };
 

@@ -21,7 +21,7 @@ namespace mirodate {
 
 namespace {
 
-constexpr char kMagic[] = "MIRODATE-INDEX-9\n";
+constexpr char kMagic[] = "MIRODATE-INDEX-10\n";
 // Largest index we read (a store of a million items stays far below).
 constexpr std::size_t kMaxIndexBytes = 512u * 1024u * 1024u;
 
@@ -117,6 +117,7 @@ void WriteItem(Writer& w, const StoredItem& item) {
     w.Value(item.seriesEnd);
     w.Value(item.longest);
     const PimRecord& rec = item.record;
+    w.Value<std::int32_t>(rec.oid);
     w.Value<std::int32_t>(rec.itemKind);
     w.Text(rec.subject);
     w.Text(rec.location);
@@ -154,6 +155,7 @@ void ReadItem(Reader& r, StoredItem& item) {
     item.seriesEnd = r.Value<double>();
     item.longest = r.Value<double>();
     PimRecord& rec = item.record;
+    rec.oid = r.Value<std::int32_t>();
     rec.itemKind = r.Value<std::int32_t>();
     rec.uid = item.uid;
     rec.subject = r.Text();
@@ -226,6 +228,8 @@ bool IsPlausible(const StoredItem& item) {
         return false;
     if (!item.readable)
         return true;
+    if (rec.oid <= 0)
+        return false;
     switch (item.folder) {
     case kFolderCalendar:
         return rec.itemKind == kItemAppointment && rec.end >= rec.start && !item.uid.empty();
@@ -311,7 +315,11 @@ StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string&
         plausible = reader.ok && IsPlausible(*item);
         if (!plausible)
             break;
-        std::string key = std::to_string(item->directory) + "/" + item->fileName;
+        std::string key;
+        key.reserve(item->fileName.size() + 2);
+        key += static_cast<char>('0' + item->directory); // 0..2, checked above
+        key += '/';
+        key += item->fileName;
         plausible = entries.emplace(std::move(key), std::move(item)).second;
     }
     if (!plausible || !reader.AtEnd()) {

@@ -16,7 +16,8 @@ namespace mirodate {
 
 class StoreIndex {
 public:
-    // By "<folder>/<file name>"; each entry ready to be published.
+    // By "<folder>/<file name>"; each entry ready to be published, with the
+    // OID it had when the index was written.
     using Entries = std::unordered_map<std::string, std::shared_ptr<StoredItem>>;
 
     // The index file of a store root.

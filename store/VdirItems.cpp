@@ -81,26 +81,40 @@ FindResult VdirItems::Find(const std::u16string& text, PimRecord& item) {
     if (!restriction.Parse(text, error))
         return FindResult::BadRestriction;
     const Restriction::Window window = restriction.GetWindow();
+    // Which stored items are series to expand, and over what days: only
+    // occurrences that can match are made (the restriction bounds their
+    // start, and their end bounds it from below). Without bounds a series
+    // stays one item.
+    struct Span {
+        double from = 0, before = 0;
+    };
+    auto expansion = [&](const StoredItem& stored, Span& span) {
+        if (!includeRecurrences_ || !stored.series)
+            return false;
+        span.from = std::max(window.startFrom, window.endFrom - stored.longest);
+        span.before = window.startBefore;
+        return std::isfinite(span.from) && std::isfinite(span.before);
+    };
+    auto mayOccur = [](const StoredItem& stored, const Span& span) {
+        return stored.record.start < span.before &&
+               (stored.seriesEnd == kNoDate || stored.seriesEnd >= span.from);
+    };
+    // The series files are parsed first, all at once on every core.
+    std::vector<std::shared_ptr<const StoredItem>> series;
+    Span span;
+    for (const auto& stored : items_)
+        if (expansion(*stored, span) && mayOccur(*stored, span))
+            series.push_back(stored);
+    source_.ParseAhead(series);
+
     std::vector<PimRecord> occurrences;
     for (const auto& stored : items_) {
-        if (!includeRecurrences_ || !stored->series) {
+        if (!expansion(*stored, span)) {
             if (restriction.Matches(stored->record) && (!textFilter_ || textFilter_->Matches(stored->record)))
                 found_.push_back(stored->record);
             continue;
         }
-        // Only occurrences that can match are made: the restriction bounds
-        // their start, and their end bounds it from below.
-        const double from = std::max(window.startFrom, window.endFrom - stored->longest);
-        const double before = window.startBefore;
-        if (!std::isfinite(from) || !std::isfinite(before)) {
-            // Without bounds a series stays one item.
-            if (restriction.Matches(stored->record) && (!textFilter_ || textFilter_->Matches(stored->record)))
-                found_.push_back(stored->record);
-            continue;
-        }
-        if (stored->record.start >= before)
-            continue;
-        if (stored->seriesEnd != kNoDate && stored->seriesEnd < from)
+        if (!mayOccur(*stored, span))
             continue;
         auto parsed = source_.GetParsed(stored);
         if (!parsed)
@@ -108,7 +122,7 @@ FindResult VdirItems::Find(const std::u16string& text, PimRecord& item) {
         if (textFilter_ && !textFilter_->Matches(stored->record) && !AnyMatches(*textFilter_, *parsed))
             continue; // no occurrence can carry the text: nothing to expand
         occurrences.clear();
-        parsed->Expand(from, before, occurrences);
+        parsed->Expand(span.from, span.before, occurrences);
         for (auto& occurrence : occurrences) {
             occurrence.oid = stored->record.oid;
             occurrence.uid = stored->uid;

@@ -1,6 +1,7 @@
 #include "store/VdirSource.h"
 
 #include "platform/Log.h"
+#include "platform/ParallelFor.h"
 #include "platform/Paths.h"
 #include "platform/TextUtil.h"
 #include "store/IcsAlarms.h"
@@ -22,11 +23,18 @@
 #include <set>
 #include <string_view>
 #include <sys/stat.h>
+#include <system_error>
+#include <thread>
 #include <unistd.h>
 
 namespace mirodate {
 
 namespace {
+
+// Files read per thread below which another thread does not pay.
+constexpr std::size_t kMinReadsPerSlice = 64;
+// Series files parsed per thread below which another thread does not pay.
+constexpr std::size_t kMinParsesPerSlice = 16;
 
 int DirectoryOfFolder(int folderId) {
     if (folderId == kFolderTasks)
@@ -72,47 +80,92 @@ bool VdirSource::Logon() {
         Log::Error("store: %s is not a readable folder", root.c_str());
         return false;
     }
-    // The files first: what they are bounds what the index may hold.
-    std::uint64_t foundBytes = 0;
-    std::vector<VdirFileIo::FoundFile> found = io_.ListItemFiles(options_.createIfMissing, foundBytes);
-
-    const std::string zone = StoreIndex::ZoneSignature();
+    // The index is read beside the listing: neither needs the other, and
+    // together they are most of a start.
     const std::string indexPath = StoreIndex::PathFor(root);
     StoreIndex::Entries index;
-    if (options_.useIndex)
-        index = StoreIndex::Load(indexPath, root, zone, found.size(),
-                                 StoreIndex::MaxBytesFor(found.size(), foundBytes));
-    std::size_t reused = 0;
-    bool dirty = false;
-    registry_.Reserve(found.size());
-    for (VdirFileIo::FoundFile& file : found) {
-        std::string key = Key(file.directory, file.name);
-        auto known = index.find(key);
-        Entry item;
-        if (known != index.end() && known->second->size == file.size &&
-            known->second->mtimeNs == file.mtimeNs) {
-            item = std::move(known->second);
-            ++reused;
-            if (!item->readable)
-                Log::Warning("store: skipped %s: %s",
-                             PrintableText(io_.FilePath(file.directory, file.name)).c_str(),
-                             PrintableText(item->problem).c_str());
-        } else {
-            bool exists = false;
-            item = std::make_shared<StoredItem>(io_.ReadFile(file.directory, file.name, exists));
-            if (!exists)
-                continue;
-            dirty = true;
+    std::thread indexReader;
+    auto loadIndex = [&] { index = StoreIndex::Load(indexPath, root, StoreIndex::ZoneSignature()); };
+    if (options_.useIndex) {
+        try {
+            indexReader = std::thread(loadIndex);
+        } catch (const std::system_error&) {
+            loadIndex(); // no thread to be had: read it here
         }
-        registry_.Add(std::move(key), std::move(item));
     }
-    if (reused != index.size())
+    std::uint64_t foundBytes = 0;
+    std::vector<VdirFileIo::FoundFile> found = io_.ListItemFiles(options_.createIfMissing, foundBytes);
+    if (indexReader.joinable())
+        indexReader.join();
+    if (!index.empty() && !IndexFitsFiles(indexPath, index.size(), found.size(), foundBytes))
+        index.clear();
+
+    const std::size_t indexed = index.size();
+    std::size_t reused = 0;
+    registry_.Reserve(found.size());
+    std::vector<std::size_t> unread; // files the index does not hold as they are now
+    std::string key;
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        const VdirFileIo::FoundFile& file = found[i];
+        key.assign(1, static_cast<char>('0' + file.directory));
+        key += '/';
+        key += file.name;
+        auto known = index.find(key);
+        if (known == index.end() || known->second->size != file.size ||
+            known->second->mtimeNs != file.mtimeNs) {
+            unread.push_back(i);
+            continue;
+        }
+        if (!known->second->readable)
+            Log::Warning("store: skipped %s: %s",
+                         PrintableText(io_.FilePath(file.directory, file.name)).c_str(),
+                         PrintableText(known->second->problem).c_str());
+        registry_.Add(index.extract(known));
+        ++reused;
+    }
+    // New and changed files are read on every core.
+    std::vector<StoredItem> fresh(unread.size());
+    std::vector<unsigned char> exists(unread.size(), 0);
+    ParallelFor(unread.size(), kMinReadsPerSlice, [&](std::size_t begin, std::size_t end) {
+        for (std::size_t j = begin; j < end; ++j) {
+            const VdirFileIo::FoundFile& file = found[unread[j]];
+            bool there = false;
+            fresh[j] = io_.ReadFile(file.directory, file.name, there);
+            exists[j] = there;
+        }
+    });
+    bool dirty = reused != indexed;
+    for (std::size_t j = 0; j < unread.size(); ++j) {
+        if (!exists[j])
+            continue;
+        const VdirFileIo::FoundFile& file = found[unread[j]];
+        registry_.Add(Key(file.directory, file.name), std::make_shared<StoredItem>(std::move(fresh[j])));
         dirty = true;
-    registry_.AssignAll();
+    }
+    // Nothing new, changed or gone: the OIDs are those the index holds.
+    registry_.AssignAll(!dirty && indexed > 0);
     registry_.SetDirty(dirty);
     if (dirty && options_.useIndex)
         SaveIndexLocked();
     loggedOn_ = true;
+    return true;
+}
+
+bool VdirSource::IndexFitsFiles(const std::string& indexPath, std::size_t entries, std::size_t files,
+                                std::uint64_t fileBytes) {
+    if (entries > files) {
+        Log::Info("store: the index %s has more entries than the store has files; it is built again",
+                  PrintableText(indexPath).c_str());
+        return false;
+    }
+    struct stat st {};
+    if (stat(indexPath.c_str(), &st) == 0 &&
+        static_cast<std::uint64_t>(st.st_size) > StoreIndex::MaxBytesFor(files, fileBytes)) {
+        // Stale (files deleted while the program was not running) or not ours.
+        Log::Info("store: the index %s is larger than the store's files can explain; it is built again",
+                  PrintableText(indexPath).c_str());
+        return false;
+    }
     return true;
 }
 
@@ -156,6 +209,38 @@ VdirSource::Snapshot VdirSource::GetSnapshot(int folderId) {
 std::shared_ptr<const IcsItem> VdirSource::GetParsed(const std::shared_ptr<const StoredItem>& item) {
     std::lock_guard lock(mutex_);
     return GetParsedLocked(item);
+}
+
+void VdirSource::ParseAhead(const std::vector<std::shared_ptr<const StoredItem>>& items) {
+    std::vector<std::shared_ptr<const StoredItem>> wanted;
+    {
+        std::lock_guard lock(mutex_);
+        for (const auto& item : items)
+            if (!item->parsed)
+                wanted.push_back(item);
+    }
+    if (wanted.size() < 2 * kMinParsesPerSlice)
+        return; // GetParsed reads them one by one
+    // Read and parsed outside the lock, so that the views' queries on other
+    // threads go on meanwhile.
+    std::vector<std::shared_ptr<const IcsItem>> parsed(wanted.size());
+    ParallelFor(wanted.size(), kMinParsesPerSlice, [&](std::size_t begin, std::size_t end) {
+        std::string text, problem;
+        for (std::size_t i = begin; i < end; ++i) {
+            auto item = std::make_shared<IcsItem>();
+            if (io_.ReadWholeFile(io_.FilePath(wanted[i]->directory, wanted[i]->fileName), text) &&
+                item->Parse(text, problem))
+                parsed[i] = std::move(item);
+        }
+    });
+    std::lock_guard lock(mutex_);
+    for (std::size_t i = 0; i < wanted.size(); ++i) {
+        // Kept only for the entry still published: a file changed meanwhile
+        // is read again when asked for.
+        const Entry current = registry_.FindFile(Key(wanted[i]->directory, wanted[i]->fileName));
+        if (parsed[i] && current == wanted[i] && !current->parsed)
+            current->parsed = parsed[i];
+    }
 }
 
 std::shared_ptr<const IcsItem> VdirSource::GetParsedLocked(const std::shared_ptr<const StoredItem>& item) {

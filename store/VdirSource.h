@@ -89,6 +89,9 @@ public:
     using Snapshot = OidRegistry::Snapshot;
     Snapshot GetSnapshot(int folderId);
     std::shared_ptr<const IcsItem> GetParsed(const std::shared_ptr<const StoredItem>& item);
+    // Parses those of `items` not parsed yet, on every core, so that the
+    // GetParsed calls that follow find them done.
+    void ParseAhead(const std::vector<std::shared_ptr<const StoredItem>>& items);
     void EnableNotifications(int folderId, int origins);
 
 private:
@@ -98,6 +101,10 @@ private:
     static std::string Key(int directory, const std::string& fileName) {
         return VdirFileIo::Key(directory, fileName);
     }
+    // Whether an index of `entries` entries fits a store of `files` files
+    // of `fileBytes` bytes; one that does not is stale or not ours.
+    static bool IndexFitsFiles(const std::string& indexPath, std::size_t entries, std::size_t files,
+                               std::uint64_t fileBytes);
     // Reads an entry's file again after someone else changed it.
     void Reread(const Entry& entry);
     void SaveIndexLocked();

@@ -181,13 +181,18 @@ HostileFiles::HostileFiles(std::string scratch, const std::string& program) : sc
     fs::create_directories(programDir_, error);
     // The program finds its resources beside its own file: a link keeps it
     // the same binary, a copy does where links cannot be made.
+    // The window program beside it comes along: `mirodate` hands it every
+    // use with a window.
     const fs::path built(program);
-    const fs::path copy = fs::path(programDir_) / built.filename();
-    fs::create_hard_link(built, copy, error);
-    if (error)
-        fs::copy_file(built, copy, error);
-    if (error)
-        return;
+    for (const fs::path& binary : {built, built.parent_path() / "mirodate-ui"}) {
+        const fs::path copy = fs::path(programDir_) / binary.filename();
+        error.clear();
+        fs::create_hard_link(binary, copy, error);
+        if (error)
+            fs::copy_file(binary, copy, error);
+        if (error)
+            return;
+    }
     for (const auto& entry : fs::directory_iterator(built.parent_path(), error)) {
         const std::string name = entry.path().filename().string();
         if ((name.rfind("lang.", 0) == 0 && name.size() > 9 && name.ends_with(".txt")) ||

@@ -162,6 +162,7 @@ protected:
         entry_.uid = "meeting";
         entry_.record.itemKind = kItemAppointment;
         entry_.record.uid = "meeting";
+        entry_.record.oid = 1;
         entry_.record.subject = u"From the index";
         entry_.record.start = DateTime(2026, 3, 10, 10, 0, 0).ToDate();
         entry_.record.end = DateTime(2026, 3, 10, 11, 0, 0).ToDate();
@@ -198,6 +199,7 @@ TEST_F(DamagedIndexTest, AnyImpossibleValueThrowsTheIndexAwayAndItIsBuiltAgain) 
         {"start 1e308", [&](StoredItem& i) { i.record.start = huge; }},
         {"end -1e308", [&](StoredItem& i) { i.record.end = -huge; }},
         {"end before start", [&](StoredItem& i) { i.record.end = i.record.start - 1; }},
+        {"no OID", [&](StoredItem& i) { i.record.oid = 0; }},
         {"due date NaN", [&](StoredItem& i) { i.record.dueDate = nan; }},
         {"birthday infinite",
          [&](StoredItem& i) { i.record.birthday = std::numeric_limits<double>::infinity(); }},

@@ -96,6 +96,46 @@ TEST_F(VdirSourceTest, OidsSurviveARestartWithOrWithoutTheIndex) {
     EXPECT_EQ(source->GetItemCount(), 51);
 }
 
+// A start that finds every file as the index has it takes the OIDs from the
+// index and makes the UID tables only when a change needs them; hundreds of
+// files are read on several threads when there is no index.
+TEST_F(VdirSourceTest, AStartFromAWholeIndexKeepsOidsAndEveryUid) {
+    constexpr int kFiles = 300;
+    for (int i = 0; i < kFiles; ++i)
+        WriteFile("calendar/e" + std::to_string(i) + ".ics",
+                  Event("uid-" + std::to_string(i),
+                        "DTSTART:20260301T100000\r\nSUMMARY:E" + std::to_string(i) + "\r\n"));
+    WriteFile("calendar/zz-copy.ics", Event("uid-7", "DTSTART:20260302T100000\r\nSUMMARY:Copy\r\n"));
+    std::map<std::string, std::int32_t> first;
+    {
+        auto source = OpenSource();
+        for (const auto& r : Find(*source, kFolderCalendar, u""))
+            first[r.uid] = r.oid;
+        EXPECT_EQ(source->GetSkippedCount(), 1);
+    }
+    ASSERT_EQ(first.size(), static_cast<std::size_t>(kFiles));
+    auto source = OpenSource();
+    EXPECT_EQ(source->GetSkippedCount(), 1); // the copy, as before
+    for (const auto& r : Find(*source, kFolderCalendar, u""))
+        EXPECT_EQ(r.oid, first[r.uid]) << r.uid;
+
+    // A deleted item's UID keeps its OID: a new item that asks for it gets
+    // a UID of its own.
+    ASSERT_TRUE(source->Delete(first["uid-5"]));
+    PimRecord again;
+    again.itemKind = kItemAppointment;
+    again.uid = "uid-5";
+    again.subject = u"Again";
+    again.start = DateTime(2026, 3, 6, 9, 0, 0).ToDate();
+    again.end = DateTime(2026, 3, 6, 10, 0, 0).ToDate();
+    ASSERT_EQ(source->Save(again, kFolderCalendar), SaveResult::Saved);
+    EXPECT_NE(again.uid, "uid-5");
+    EXPECT_NE(again.oid, first["uid-5"]);
+    PimRecord kept;
+    ASSERT_TRUE(source->GetItemFromOid(first["uid-6"], kept));
+    EXPECT_EQ(kept.subject, u"E6");
+}
+
 TEST_F(VdirSourceTest, IndexIsCheckedAgainstTheFiles) {
     WriteFile("calendar/a.ics", Event("a", "DTSTART:20260301T100000\r\nSUMMARY:Old\r\n"));
     { auto source = OpenSource(); }
