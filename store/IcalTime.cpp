@@ -265,4 +265,18 @@ std::string IcalTime::LocalDateToUtcText(double date) {
     return text;
 }
 
+icaltimetype IcalTime::PropertyTime(icalcomponent* component, icalproperty_kind kind) {
+    icalproperty* p = icalcomponent_get_first_property(component, kind);
+    if (!p)
+        return icaltime_null_time();
+    return icalproperty_get_datetime_with_component(p, component);
+}
+
+icaltimetype IcalTime::WallDate(icaltimetype time) {
+    time.is_date = 1;
+    time.hour = time.minute = time.second = 0;
+    time.zone = nullptr;
+    return time;
+}
+
 } // namespace mirodate

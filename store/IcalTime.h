@@ -28,6 +28,12 @@ public:
     static icaltimezone* LocalZone();
     // A local DATE as UTC text "YYYYMMDDTHHMMSSZ".
     static std::string LocalDateToUtcText(double date);
+    // The time of a component's property with its TZID resolved (from the
+    // file's VTIMEZONEs or the system's zones); unknown zones read as
+    // floating local time. Null when the component has no such property.
+    static icaltimetype PropertyTime(icalcomponent* component, icalproperty_kind kind);
+    // The day of a wall time in its own zone, as a DATE value.
+    static icaltimetype WallDate(icaltimetype time);
 };
 
 } // namespace mirodate

@@ -4,6 +4,7 @@
 // occurrence, and the occurrences of a series within a window.
 #include "data/PimRecord.h"
 #include "store/IcalHandle.h"
+#include "store/IcsExpansion.h"
 #include "store/ZoneCache.h"
 
 #include <ctime>
@@ -18,11 +19,9 @@ class IcsItem {
 public:
     enum class Kind { None, Event, Task };
 
-    // Bounds on the work one expansion may do, so that a rule asking for
-    // millions of occurrences costs no more than a long series.
-    static constexpr int kMaxIterations = 200000;
-    // A series every ten minutes fills a month with 4,464.
-    static constexpr int kMaxOccurrences = 5000;
+    // Bounds on the work one expansion may do (see IcsExpansion).
+    static constexpr int kMaxIterations = IcsExpansion::kMaxIterations;
+    static constexpr int kMaxOccurrences = IcsExpansion::kMaxOccurrences;
 
     // False (with the reason) when the text holds no usable event or task.
     bool Parse(std::string_view text, std::string& problem);
@@ -49,20 +48,8 @@ public:
     std::vector<PimRecord> GetOverrideRecords() const;
 
 private:
-    // Occurrences the rule makes that do not happen as made: EXDATEs and the
-    // originals of overrides. Sorted, so that a series with a hundred
-    // thousand of them costs a search per occurrence, not a walk.
-    struct Exclusions {
-        std::vector<int> wholeDays;        // DATE exclusions, as yyyymmdd
-        std::vector<int> days;             // the day of every exclusion, as yyyymmdd
-        std::vector<std::time_t> instants; // DATE-TIME exclusions
-        void Add(const icaltimetype& time);
-        void Sort();
-        bool Contains(const icaltimetype& occurrence) const;
-    };
-
     bool ReadComponent(icalcomponent* component, PimRecord& record, std::string& problem) const;
-    // Reads what every expansion of a series needs once, at parse time.
+    // Reads the overrides and hands the series to the expansion, once, at parse time.
     void PrepareSeries();
 
     IcalComponentPtr calendar_;
@@ -79,9 +66,7 @@ private:
     bool unrelated_ = false;
     double seriesEnd_ = kNoDate;
     double longest_ = 0.0;
-    Exclusions excluded_;
-    std::vector<std::pair<double, icaltimetype>> extraDates_; // RDATEs by local start
-    std::vector<PimRecord> moved_;                            // overrides by start
+    IcsExpansion expansion_; // the series' occurrences, read at parse time
 };
 
 } // namespace mirodate

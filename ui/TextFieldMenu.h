@@ -10,6 +10,10 @@ namespace mirodate {
 class TextFieldMenu : public ContextMenu {
 public:
     TextFieldMenu(HWND field, std::vector<ContextMenuItem> items);
+    // The entries for a field: cut, copy, paste and select all, enabled by
+    // the selection and the clipboard, and with `withInsert` the three insert
+    // entries, greyed unless `insertEnabled`.
+    static std::vector<ContextMenuItem> Items(bool selection, bool withInsert, bool insertEnabled);
     void DeliverChoice(UINT command) override;
 
 private:

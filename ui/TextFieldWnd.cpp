@@ -1,9 +1,6 @@
 #include "ui/TextFieldWnd.h"
 
-#include "lang/LanguageTable.h"
-#include "platform/TextUtil.h"
 #include "platform/VirtualKeys.h"
-#include "ui/Clipboard.h"
 #include "ui/Dc.h"
 #include "ui/GestureTuning.h"
 #include "ui/Scale.h"
@@ -73,9 +70,7 @@ void TextFieldWnd::OnDestroy() {
 }
 
 HWND TextFieldWnd::Create(HWND parent, int id, int x, int y, int width, int height, bool multiLine) {
-    TextEditBuffer fresh(multiLine);
-    fresh.SetLimit(buffer_.Limit());
-    buffer_ = fresh;
+    editor_.Reset(multiLine);
     BaseWnd::Create(parent, kTextFieldClass, WS_CHILD | WS_VISIBLE | WS_TABSTOP, u"", x, y, width, height);
     if (!window)
         return nullptr;
@@ -91,9 +86,7 @@ HWND TextFieldWnd::Create(HWND parent, int id, int x, int y, int width, int heig
 // ---- text and state --------------------------------------------------------
 
 void TextFieldWnd::SetText(const std::u16string& text) {
-    composition_.clear();
-    compositionCursor_ = 0;
-    buffer_.SetText(text);
+    editor_.SetText(text);
     Relayout();
     EnsureCaretVisible();
     if (window)
@@ -101,7 +94,7 @@ void TextFieldWnd::SetText(const std::u16string& text) {
 }
 
 void TextFieldWnd::SetLimit(std::size_t units) {
-    if (buffer_.SetLimit(units))
+    if (editor_.Buffer().SetLimit(units))
         Changed(false);
 }
 
@@ -113,7 +106,7 @@ void TextFieldWnd::SetFont(const LOGFONT& logFont) {
 }
 
 void TextFieldWnd::SetSelection(int anchor, int caret) {
-    buffer_.SetSelection(anchor, caret);
+    editor_.Buffer().SetSelection(anchor, caret);
     Moved();
 }
 
@@ -130,18 +123,15 @@ RECT TextFieldWnd::TextArea() const {
                 std::max(margin, client.bottom - margin)};
 }
 
-int TextFieldWnd::ShownCaret() const {
-    return buffer_.Caret() + compositionCursor_;
-}
-
 void TextFieldWnd::Relayout() {
+    const TextEditBuffer& buffer = editor_.Buffer();
     const RECT area = TextArea();
-    const int wrap = buffer_.IsMultiLine() ? std::max(1, area.Width()) : 0;
-    if (composition_.empty()) {
-        layout_.SetText(buffer_.Text(), *font_, wrap);
+    const int wrap = buffer.IsMultiLine() ? std::max(1, area.Width()) : 0;
+    if (editor_.Composition().empty()) {
+        layout_.SetText(buffer.Text(), *font_, wrap);
     } else {
-        std::u16string shown = buffer_.Text();
-        shown.insert(static_cast<size_t>(buffer_.Caret()), composition_);
+        std::u16string shown = buffer.Text();
+        shown.insert(static_cast<size_t>(buffer.Caret()), editor_.Composition());
         layout_.SetText(shown, *font_, wrap);
     }
     if (scroller_) {
@@ -152,18 +142,14 @@ void TextFieldWnd::Relayout() {
 
 int TextFieldWnd::PositionAt(int x, int y) const {
     const RECT area = TextArea();
-    const int shown = layout_.HitTest(x - area.left + scrollX_, y - area.top + ScrollY());
-    // Outside a composition the shown text is the buffer's.
-    if (composition_.empty() || shown <= buffer_.Caret())
-        return shown;
-    return std::max(buffer_.Caret(), shown - static_cast<int>(composition_.size()));
+    return editor_.BufferPosition(layout_.HitTest(x - area.left + scrollX_, y - area.top + ScrollY()));
 }
 
 void TextFieldWnd::EnsureCaretVisible() {
     if (!window)
         return;
     const RECT area = TextArea();
-    const RECT caret = layout_.CaretRect(ShownCaret());
+    const RECT caret = layout_.CaretRect(editor_.ShownCaret());
     if (scroller_) {
         const int position = scroller_->Position();
         if (caret.top < position)
@@ -186,7 +172,7 @@ void TextFieldWnd::UpdateTextInputRect() {
     if (!window || GetFocus() != window)
         return;
     const RECT area = TextArea();
-    const RECT caret = layout_.CaretRect(ShownCaret());
+    const RECT caret = layout_.CaretRect(editor_.ShownCaret());
     POINT origin{area.left + caret.left - scrollX_, area.top + caret.top - ScrollY()};
     ClientToScreen(window, &origin);
     Wm().GetDisplay().StartTextInput(origin.x, origin.y, Scale(kCaretWidth), caret.Height());
@@ -223,66 +209,43 @@ void TextFieldWnd::Moved() {
         InvalidateRect(window, nullptr, false);
 }
 
-void TextFieldWnd::InsertTyped(const std::u16string& text) {
-    bool cut = false;
-    if (buffer_.Insert(text, &cut))
-        Changed(cut);
-    else if (cut)
+void TextFieldWnd::Apply(const TextFieldEditor::Edit& edit) {
+    if (edit.relayout)
+        Relayout();
+    if (edit.changed)
+        Changed(edit.cut);
+    else if (edit.cut)
         Notify(EN_MAXTEXT);
+    else if (edit.moved)
+        Moved();
+    if (edit.enter && window)
+        Notify(EN_ENTER);
 }
 
 void TextFieldWnd::ReplaceSelection(const std::u16string& text) {
-    InsertTyped(text);
+    Apply(editor_.Insert(text));
 }
 
 // ---- editing commands ------------------------------------------------------
 
 void TextFieldWnd::Copy() {
-    if (buffer_.HasSelection())
-        Clipboard::SetText(buffer_.SelectedText());
+    editor_.Copy();
 }
 
 void TextFieldWnd::Cut() {
-    if (!buffer_.HasSelection())
-        return;
-    Clipboard::SetText(buffer_.SelectedText());
-    if (buffer_.DeleteSelection())
-        Changed(false);
+    Apply(editor_.Cut());
 }
 
 void TextFieldWnd::Paste() {
-    if (!Clipboard::HasText())
-        return;
-    // Only what can fit is converted; a huge clipboard is not read whole.
-    InsertTyped(Clipboard::GetText(buffer_.Limit() + 1));
+    Apply(editor_.Paste());
 }
 
 void TextFieldWnd::SelectAll() {
-    buffer_.SelectAll();
-    Moved();
+    Apply(editor_.SelectAll());
 }
 
 std::vector<ContextMenuItem> TextFieldWnd::MenuItems() const {
-    const bool selection = buffer_.SelectionStart() != buffer_.SelectionEnd();
-    std::vector<ContextMenuItem> items;
-    auto add = [&](const char* key, UINT command, bool enabled) {
-        ContextMenuItem item;
-        item.text = Lang(key);
-        item.command = command;
-        item.enabled = enabled;
-        items.push_back(std::move(item));
-    };
-    add("Cut", kCommandCut, selection);
-    add("Copy", kCommandCopy, selection);
-    add("Paste", kCommandPaste, Clipboard::HasText());
-    // Select all asks for a selection too, as cut does.
-    add("SelectAll", kCommandSelectAll, selection);
-    if (!noInsert_) {
-        add("InsertContact", kCommandInsertContact, insertEnabled_);
-        add("InsertLocation", kCommandInsertLocation, insertEnabled_);
-        add("InsertDate", kCommandInsertDate, insertEnabled_);
-    }
-    return items;
+    return TextFieldMenu::Items(editor_.Buffer().HasSelection(), !noInsert_, insertEnabled_);
 }
 
 void TextFieldWnd::OpenMenu() {
@@ -328,130 +291,30 @@ void TextFieldWnd::OnCommand(UINT id, UINT, HWND) {
 // ---- keys and text input ---------------------------------------------------
 
 void TextFieldWnd::OnKeyDown(UINT key, UINT) {
-    const bool shift = ShiftDown(), control = ControlDown();
-    const int caret = buffer_.Caret();
-    auto move = [&](int index) {
-        buffer_.MoveCaret(index, shift);
-        Moved();
-    };
-    switch (key) {
-    case VK_ESCAPE:
+    if (key == VK_ESCAPE) {
         // A field has nothing to cancel itself: Escape is the page's, which
         // closes or goes back, also while the caret is in one of its fields.
         if (HWND parent = GetParent(window))
             SendMessage(parent, WM_KEYDOWN, key, 0);
         return;
-    case VK_LEFT:
-        if (buffer_.HasSelection() && !shift)
-            move(buffer_.SelectionStart());
-        else
-            move(control ? buffer_.PreviousWordStart(caret) : buffer_.PreviousPosition(caret));
-        break;
-    case VK_RIGHT:
-        if (buffer_.HasSelection() && !shift)
-            move(buffer_.SelectionEnd());
-        else
-            move(control ? buffer_.NextWordEnd(caret) : buffer_.NextPosition(caret));
-        break;
-    case VK_UP:
-    case VK_DOWN: {
-        if (!buffer_.IsMultiLine())
-            break;
-        const RECT at = layout_.CaretRect(caret);
-        const int y = key == VK_UP ? at.top - 1 : at.bottom + 1;
-        if (y < 0)
-            move(0);
-        else if (y >= layout_.Height())
-            move(buffer_.Length());
-        else
-            move(layout_.HitTest(at.left, y));
-        break;
     }
-    case VK_HOME:
-        move(control ? 0 : layout_.LineStart(caret));
-        break;
-    case VK_END:
-        move(control ? buffer_.Length() : layout_.LineEnd(caret));
-        break;
-    case VK_DELETE:
-        if (shift && buffer_.HasSelection())
-            Cut();
-        else if (buffer_.DeleteForward(control))
-            Changed(false);
-        break;
-    case 'A':
-        if (control)
-            SelectAll();
-        break;
-    case 'C':
-        if (control)
-            Copy();
-        break;
-    case 'X':
-        if (control)
-            Cut();
-        break;
-    case 'V':
-        if (control)
-            Paste();
-        break;
-    default:
-        break;
-    }
+    Apply(editor_.OnKey(key, ShiftDown(), ControlDown(), layout_));
 }
 
 void TextFieldWnd::OnChar(char16_t ch, UINT flags) {
-    if (!(flags & static_cast<UINT>(kCharFromTextInput))) {
-        // Characters that keys stand for.
-        if (ch == u'\b') {
-            if (buffer_.DeleteBackward(ControlDown()))
-                Changed(false);
-        } else if (ch == u'\r') {
-            if (buffer_.IsMultiLine())
-                InsertTyped(u"\n");
-            if (window)
-                Notify(EN_ENTER);
-        }
-        return;
-    }
-    // Committed text ends the composition it came from.
-    if (!composition_.empty()) {
-        composition_.clear();
-        compositionCursor_ = 0;
-        Relayout();
-    }
-    if (IsHighSurrogate(ch)) {
-        pendingHighSurrogate_ = ch; // the low half follows in the next message
-        return;
-    }
-    // CR LF from an input method is one line break, as in pasted text.
-    const bool afterCr = lastTypedCr_;
-    lastTypedCr_ = ch == u'\r';
-    if (afterCr && ch == u'\n')
-        return;
-    std::u16string text;
-    if (IsLowSurrogate(ch) && pendingHighSurrogate_)
-        text.push_back(pendingHighSurrogate_);
-    pendingHighSurrogate_ = 0;
-    text.push_back(ch);
-    // Control characters an input method sends are cleaned away, except a
-    // line break in a multi-line field.
-    InsertTyped(text);
+    if (flags & static_cast<UINT>(kCharFromTextInput))
+        Apply(editor_.OnTextChar(ch));
+    else
+        Apply(editor_.OnKeyChar(ch, ControlDown())); // characters that keys stand for
 }
 
 void TextFieldWnd::OnComposition() {
-    const std::u16string& composition = Wm().GetComposition();
     // The composition lives in the field only while it has the focus, and
     // only as much of it as the limit leaves room for.
-    std::u16string clean = TextEditBuffer::Clean(composition, false);
-    const std::size_t room =
-        buffer_.Limit() - std::min(buffer_.Limit(), static_cast<std::size_t>(buffer_.Length()));
-    if (clean.size() > room)
-        clean.resize(room);
-    if (buffer_.HasSelection() && !clean.empty() && buffer_.DeleteSelection())
+    std::u16string clean = editor_.FitComposition(Wm().GetComposition());
+    if (editor_.Buffer().HasSelection() && !clean.empty() && editor_.Buffer().DeleteSelection())
         Changed(false);
-    composition_ = clean;
-    compositionCursor_ = std::min(Wm().GetCompositionCursor(), static_cast<int>(composition_.size()));
+    editor_.SetComposition(std::move(clean), Wm().GetCompositionCursor());
     Relayout();
     EnsureCaretVisible();
     UpdateTextInputRect();
@@ -480,8 +343,7 @@ LRESULT TextFieldWnd::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM 
         Paste();
         return 0;
     case WM_CLEAR:
-        if (buffer_.DeleteSelection())
-            Changed(false);
+        Apply(editor_.DeleteSelection());
         return 0;
     default:
         return BaseWnd::WindowProc(hwnd, message, wParam, lParam);
@@ -496,12 +358,8 @@ LRESULT TextFieldWnd::OnSetFocus(HWND) {
 
 LRESULT TextFieldWnd::OnKillFocus(HWND) {
     Wm().GetDisplay().StopTextInput();
-    if (!composition_.empty()) {
-        composition_.clear();
-        compositionCursor_ = 0;
+    if (editor_.LoseFocus())
         Relayout();
-    }
-    pendingHighSurrogate_ = 0;
     InvalidateRect(window, nullptr, false);
     return 0;
 }
@@ -535,9 +393,7 @@ LRESULT TextFieldWnd::OnPointerDown(int button, int x, int y, WPARAM) {
         scroller_->OnPress(x, y);
     SetCapture(window);
     if (doubleTap) {
-        buffer_.SelectWord(pressIndex_);
-        wordStart_ = buffer_.SelectionStart();
-        wordEnd_ = buffer_.SelectionEnd();
+        editor_.SelectWordAt(pressIndex_);
         press_ = Press::Word;
         TakeOverFromScroller();
         Moved();
@@ -569,19 +425,15 @@ void TextFieldWnd::OnPointerMove(int x, int y, WPARAM) {
         }
         press_ = Press::Selecting;
         TakeOverFromScroller();
-        buffer_.MoveCaret(pressIndex_, ShiftDown());
+        editor_.Buffer().MoveCaret(pressIndex_, ShiftDown());
     }
     const int index = PositionAt(x, y);
     if (press_ == Press::Word) {
         if (!moved)
             return;
-        // Dragging from a double-tapped word keeps the whole word selected.
-        if (index < wordStart_)
-            buffer_.SetSelection(wordEnd_, index);
-        else
-            buffer_.SetSelection(wordStart_, std::max(index, wordEnd_));
+        editor_.ExtendWordSelection(index);
     } else {
-        buffer_.MoveCaret(index, true);
+        editor_.Buffer().MoveCaret(index, true);
     }
     Moved();
 }
@@ -597,7 +449,7 @@ LRESULT TextFieldWnd::OnPointerUp(int button, int x, int y, WPARAM) {
     if (GetCapture() == window)
         ReleaseCapture();
     if (press == Press::Pending && !pressStoppedFling_) {
-        buffer_.MoveCaret(pressIndex_, ShiftDown());
+        editor_.Buffer().MoveCaret(pressIndex_, ShiftDown());
         hasTapped_ = true;
         lastTapTime_ = GetTickCount();
         lastTapPoint_ = POINT{x, y};
@@ -676,17 +528,19 @@ void TextFieldWnd::OnPaint(HDC dc) {
     dc->FillRect(client, enabled ? kBackground : kDisabledBackground);
     const RECT area = TextArea();
     dc->IntersectClip(area);
-    const int compositionStart = buffer_.Caret();
-    const int compositionEnd = compositionStart + static_cast<int>(composition_.size());
-    if (composition_.empty())
-        layout_.SetMarks(buffer_.SelectionStart(), buffer_.SelectionEnd(), kSelectionText, kSelectionBack, 0,
+    const TextEditBuffer& buffer = editor_.Buffer();
+    const std::u16string& composition = editor_.Composition();
+    const int compositionStart = buffer.Caret();
+    const int compositionEnd = compositionStart + static_cast<int>(composition.size());
+    if (composition.empty())
+        layout_.SetMarks(buffer.SelectionStart(), buffer.SelectionEnd(), kSelectionText, kSelectionBack, 0,
                          0);
     else
         layout_.SetMarks(0, 0, kSelectionText, kSelectionBack, compositionStart, compositionEnd);
     const int originX = area.left - scrollX_, originY = area.top - ScrollY();
     layout_.Draw(*dc, originX, originY, enabled ? kText : kFrame);
-    if (focused && !buffer_.HasSelection()) {
-        const RECT caret = layout_.CaretRect(ShownCaret());
+    if (focused && !buffer.HasSelection()) {
+        const RECT caret = layout_.CaretRect(editor_.ShownCaret());
         dc->FillSolidRect(originX + caret.left, originY + caret.top, Scale(kCaretWidth), caret.Height(),
                           kCaret);
     }

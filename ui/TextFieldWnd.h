@@ -12,7 +12,7 @@
 // WM_NOTIFY NM_TEXTFIELD_INSERT with the command in an NMTEXTFIELDINSERT.
 #include "ui/BaseWnd.h"
 #include "ui/Font.h"
-#include "ui/TextEditBuffer.h"
+#include "ui/TextFieldEditor.h"
 #include "ui/TextFieldLayout.h"
 #include "ui/TouchScroller.h"
 #include "ui/TouchScrollerHost.h"
@@ -56,23 +56,23 @@ public:
 
     HWND Create(HWND parent, int id, int x, int y, int width, int height, bool multiLine);
 
-    const std::u16string& GetText() const { return buffer_.Text(); }
+    const std::u16string& GetText() const { return editor_.Buffer().Text(); }
     // Replaces the text (no change notification: the caller knows).
     void SetText(const std::u16string& text);
     void SetLimit(std::size_t units);
-    std::size_t Limit() const { return buffer_.Limit(); }
+    std::size_t Limit() const { return editor_.Buffer().Limit(); }
     void SetFont(const LOGFONT& logFont);
     // With the flag on the pop-up leaves out the three insert entries; with
     // it off they are listed, greyed unless insert commands are enabled.
     void SetNoInsert(bool noInsert) { noInsert_ = noInsert; }
     void SetInsertCommandsEnabled(bool enabled) { insertEnabled_ = enabled; }
-    bool IsMultiLine() const { return buffer_.IsMultiLine(); }
+    bool IsMultiLine() const { return editor_.Buffer().IsMultiLine(); }
 
-    int SelectionStart() const { return buffer_.SelectionStart(); }
-    int SelectionEnd() const { return buffer_.SelectionEnd(); }
-    int Caret() const { return buffer_.Caret(); }
+    int SelectionStart() const { return editor_.Buffer().SelectionStart(); }
+    int SelectionEnd() const { return editor_.Buffer().SelectionEnd(); }
+    int Caret() const { return editor_.Buffer().Caret(); }
     void SetSelection(int anchor, int caret);
-    const std::u16string& Composition() const { return composition_; }
+    const std::u16string& Composition() const { return editor_.Composition(); }
 
     // The editing commands, as the pop-up and the keys use them.
     void Cut();
@@ -119,8 +119,6 @@ private:
     RECT TextArea() const;
     // The shown text: the buffer with the composition at the caret.
     void Relayout();
-    // Caret position in the shown text (composition included).
-    int ShownCaret() const;
     int PositionAt(int x, int y) const; // client point to buffer position
     void EnsureCaretVisible();
     void UpdateTextInputRect();
@@ -129,19 +127,16 @@ private:
     void Moved();
     void Notify(WORD code);
     void OnComposition();
-    void InsertTyped(const std::u16string& text);
+    // Shows and reports what an edit of the editor did.
+    void Apply(const TextFieldEditor::Edit& edit);
     void EndPress();
     // A press the scroller took becomes the field's own (selecting).
     void TakeOverFromScroller();
 
-    TextEditBuffer buffer_;
+    TextFieldEditor editor_; // text, caret, selection and composition
     TextFieldLayout layout_;
     std::unique_ptr<Font> font_;
     std::unique_ptr<TouchScroller> scroller_; // multi-line only
-    std::u16string composition_;
-    int compositionCursor_ = 0;
-    char16_t pendingHighSurrogate_ = 0;
-    bool lastTypedCr_ = false;
     bool noInsert_ = false;
     bool insertEnabled_ = false;
     int scrollX_ = 0;
@@ -150,8 +145,6 @@ private:
     int pressX_ = 0;
     int pressY_ = 0;
     int pressIndex_ = 0;
-    int wordStart_ = 0;
-    int wordEnd_ = 0;
     bool pressStoppedFling_ = false;
     bool handingOver_ = false;
     DWORD lastTapTime_ = 0;

@@ -2,10 +2,11 @@
 
 #include "platform/Clock.h"
 #include "platform/Log.h"
-#include "platform/VirtualKeys.h"
 #include "ui/Compositor.h"
 #include "ui/Dc.h"
+#include "ui/DialogSupport.h"
 #include "ui/InputRouter.h"
+#include "ui/MessageDispatcher.h"
 #include "ui/MessageLoop.h"
 #include "ui/MessageQueue.h"
 #include "ui/Messages.h"
@@ -13,35 +14,30 @@
 #include "ui/Scale.h"
 #include "ui/TimerQueue.h"
 #include "ui/WindowClasses.h"
+#include "ui/WindowLifecycle.h"
 #include "ui/WindowTree.h"
-
-#include <algorithm>
 
 namespace mirodate {
 
 namespace {
 WindowManager* g_current = nullptr;
-
-constexpr const char* kDialogClass = "#32770";
-
-bool DirectDialogResult(UINT message) {
-    return message == WM_INITDIALOG || message == WM_CTLCOLORBTN;
-}
 } // namespace
 
 WindowManager::WindowManager(Display& display)
-    : display_(display), uiThread_(std::this_thread::get_id()), tree_(std::make_unique<WindowTree>()),
-      queue_(std::make_unique<MessageQueue>()), timers_(std::make_unique<TimerQueue>()),
-      compositor_(std::make_unique<Compositor>(*tree_, display)),
+    : display_(display), tree_(std::make_unique<WindowTree>()), queue_(std::make_unique<MessageQueue>()),
+      timers_(std::make_unique<TimerQueue>()), compositor_(std::make_unique<Compositor>(*tree_, display)),
       input_(std::make_unique<InputRouter>(*this, *tree_, display)),
-      loop_(std::make_unique<MessageLoop>(*this, *queue_, *input_, *compositor_, *timers_, display)) {
+      loop_(std::make_unique<MessageLoop>(*this, *queue_, *input_, *compositor_, *timers_, display)),
+      messages_(std::make_unique<MessageDispatcher>(*this, *tree_, *queue_, display)),
+      dialogs_(std::make_unique<DialogSupport>(*this, *tree_, *loop_)),
+      lifecycle_(std::make_unique<WindowLifecycle>(*this, *tree_, *compositor_, *input_, *timers_)) {
     if (g_current)
         Log::Warning("a second window system replaces the first");
     g_current = this;
     SetHighResolution(display.Width() >= kHighResolutionWidth);
     WNDCLASS dialog;
     dialog.lpfnWndProc = &WindowManager::DialogWindowProc;
-    dialog.lpszClassName = kDialogClass;
+    dialog.lpszClassName = DialogSupport::kClassName;
     RegisterClass(dialog);
     WNDCLASS button;
     button.lpfnWndProc = &PushButtonControl::WindowProc;
@@ -78,149 +74,26 @@ bool WindowManager::RegisterClass(const WNDCLASS& windowClass) {
 HWND WindowManager::CreateWindowEx(DWORD exStyle, const std::string& className, const std::u16string& title,
                                    DWORD style, int x, int y, int width, int height, HWND parent, UINT_PTR id,
                                    HINSTANCE instance, void* param) {
-    const WNDCLASS* cls = tree_->FindClass(className);
-    if (!cls) {
-        Log::Warning("window class %s is not registered", className.c_str());
-        return nullptr;
-    }
-    const bool child = (style & WS_CHILD) != 0;
-    if (child && !Get(parent))
-        return nullptr;
-    if (!child && parent && !Get(parent))
-        return nullptr;
-
-    auto window = std::make_unique<WindowRecord>();
-    window->className = className;
-    window->classStyle = cls->style;
-    window->title = title;
-    window->style = style & ~WS_VISIBLE;
-    window->exStyle = exStyle;
-    window->id = child ? id : 0;
-    window->rect = RECT{x, y, x + std::max(0, width), y + std::max(0, height)};
-    window->proc = cls->lpfnWndProc;
-    if (child)
-        window->parent = parent;
-    else
-        window->owner = parent ? tree_->TopLevelOf(parent) : nullptr;
-    Compositor::ResizeSurface(*window);
-    const HWND handle = tree_->Add(std::move(window));
-
-    CREATESTRUCT create;
-    create.lpCreateParams = param;
-    create.hInstance = instance;
-    create.hMenu = id;
-    create.hwndParent = parent;
-    create.x = x;
-    create.y = y;
-    create.cx = width;
-    create.cy = height;
-    create.style = style;
-    create.lpszName = title.c_str();
-    create.lpszClass = className.c_str();
-    create.dwExStyle = exStyle;
-    if (SendMessage(handle, WM_CREATE, 0, reinterpret_cast<LPARAM>(&create)) == -1) {
-        DestroyWindow(handle);
-        return nullptr;
-    }
-    if (!IsWindow(handle))
-        return nullptr;
-    SendMessage(handle, WM_SIZE, SIZE_RESTORED, MAKELPARAM(width, height));
-    if (style & WS_VISIBLE)
-        ShowWindow(handle, SW_SHOW);
-    return IsWindow(handle) ? handle : nullptr;
+    return lifecycle_->CreateWindowEx(exStyle, className, title, style, x, y, width, height, parent, id,
+                                      instance, param);
 }
 
 HWND WindowManager::CreateDialogParam(HINSTANCE instance, int templateId, HWND parent, DLGPROC proc,
                                       LPARAM param) {
-    if (templateId != kEmptyDialogTemplate) {
-        Log::Warning("no dialog template %d", templateId);
-        return nullptr;
-    }
-    // The empty template: a full-screen pop-up, shown once initialised.
-    HWND window = CreateWindowEx(0, kDialogClass, u"", WS_POPUP, 0, 0, ScreenWidth(), ScreenHeight(), parent,
-                                 0, instance, nullptr);
-    if (!window)
-        return nullptr;
-    WindowRecord* dialog = Get(window);
-    dialog->isDialog = true;
-    dialog->dialogProc = proc;
-    SendMessage(window, WM_INITDIALOG, 0, param);
-    if (!IsWindow(window))
-        return nullptr;
-    ShowWindow(window, SW_SHOW);
-    return IsWindow(window) ? window : nullptr;
+    return dialogs_->CreateDialogParam(instance, templateId, parent, proc, param);
 }
 
 INT_PTR WindowManager::DialogBoxParam(HINSTANCE instance, int templateId, HWND parent, DLGPROC proc,
                                       LPARAM param) {
-    HWND owner = parent ? tree_->TopLevelOf(parent) : nullptr;
-    const bool disableOwner = owner && IsWindowEnabled(owner);
-    if (disableOwner)
-        EnableWindow(owner, false);
-    HWND dialog = CreateDialogParam(instance, templateId, parent, proc, param);
-    INT_PTR result = -1;
-    if (dialog) {
-        result = loop_->RunModal(dialog, [&]() -> std::optional<INT_PTR> {
-            const WindowRecord* window = Get(dialog);
-            if (window && window->dialogEnded)
-                return window->dialogResult;
-            return std::nullopt;
-        });
-    }
-    if (disableOwner && IsWindow(owner))
-        EnableWindow(owner, true);
-    if (dialog && IsWindow(dialog)) {
-        if (owner && IsWindow(owner) && IsWindowVisible(owner))
-            SetActiveWindow(owner);
-        DestroyWindow(dialog);
-    }
-    return result;
+    return dialogs_->DialogBoxParam(instance, templateId, parent, proc, param);
 }
 
 bool WindowManager::EndDialog(HWND dialog, INT_PTR result) {
-    WindowRecord* window = Get(dialog);
-    if (!window || !window->isDialog)
-        return false;
-    window->dialogEnded = true;
-    window->dialogResult = result;
-    ShowWindow(dialog, SW_HIDE);
-    return true;
+    return dialogs_->EndDialog(dialog, result);
 }
 
-bool WindowManager::DestroyWindow(HWND handle) {
-    WindowRecord* window = Get(handle);
-    if (!window || window->destroying)
-        return false;
-    window->destroying = true;
-    for (HWND owned : GetTopLevelWindows())
-        if (WindowRecord* w = Get(owned); w && w->owner == handle)
-            DestroyWindow(owned);
-    if (IsWindowVisible(handle))
-        compositor_->MarkDirty();
-    input_->DropCapture(handle);
-    SendMessage(handle, WM_DESTROY, 0, 0);
-    if (WindowRecord* w = Get(handle)) {
-        const std::vector<HWND> children = w->children;
-        for (HWND child : children)
-            DestroyWindow(child);
-    }
-    SendMessage(handle, WM_NCDESTROY, 0, 0);
-
-    window = Get(handle);
-    if (!window)
-        return true;
-    timers_->KillAllOf(handle);
-    const bool wasActive = input_->Forget(handle);
-    const HWND owner = window->owner;
-    tree_->Remove(handle);
-    compositor_->MarkDirty();
-    if (wasActive) {
-        if (owner && IsWindow(owner) && IsWindowVisible(owner) && IsWindowEnabled(owner))
-            SetActiveWindow(owner);
-        else
-            input_->ActivateNextAfter(handle);
-    }
-    return true;
+bool WindowManager::DestroyWindow(HWND window) {
+    return lifecycle_->DestroyWindow(window);
 }
 
 bool WindowManager::IsWindow(HWND window) const {
@@ -240,65 +113,12 @@ bool WindowManager::IsWindowVisible(HWND window) const {
     return tree_->IsShown(Get(window));
 }
 
-bool WindowManager::ShowWindow(HWND handle, int command) {
-    WindowRecord* window = Get(handle);
-    if (!window)
-        return false;
-    const bool wasVisible = window->IsVisibleStyle();
-    const bool show = command != SW_HIDE && command != SW_MINIMIZE && command != SW_SHOWMINIMIZED;
-    window->minimized = command == SW_MINIMIZE || command == SW_SHOWMINIMIZED;
-    if (show != wasVisible) {
-        if (show)
-            window->style |= WS_VISIBLE;
-        else
-            window->style &= ~WS_VISIBLE;
-        SendMessage(handle, WM_SHOWWINDOW, show ? 1 : 0, 0);
-        window = Get(handle);
-        if (!window)
-            return wasVisible;
-        compositor_->MarkDirty();
-        if (show)
-            InvalidateRect(handle, nullptr, true);
-    }
-    if (!window->parent) {
-        if (show && command != SW_SHOWNA)
-            SetActiveWindow(handle);
-        else if (!show)
-            input_->Deactivate(handle);
-    } else if (!show && input_->Focus() && input_->Focus() == handle) {
-        SetFocus(window->parent);
-    }
-    return wasVisible;
+bool WindowManager::ShowWindow(HWND window, int command) {
+    return lifecycle_->ShowWindow(window, command);
 }
 
-bool WindowManager::MoveWindow(HWND handle, int x, int y, int width, int height, bool repaint) {
-    WindowRecord* window = Get(handle);
-    if (!window)
-        return false;
-    const RECT old = window->rect;
-    window->rect = RECT{x, y, x + std::max(0, width), y + std::max(0, height)};
-    const bool sized = old.Width() != window->rect.Width() || old.Height() != window->rect.Height();
-    const bool moved = old.left != x || old.top != y;
-    if (sized)
-        Compositor::ResizeSurface(*window);
-    if (tree_->IsShown(window))
-        compositor_->MarkDirty();
-    WINDOWPOS pos;
-    pos.hwnd = handle;
-    pos.x = x;
-    pos.y = y;
-    pos.cx = width;
-    pos.cy = height;
-    SendMessage(handle, WM_WINDOWPOSCHANGED, 0, reinterpret_cast<LPARAM>(&pos));
-    // Size and move follow directly, also for windows that handle the
-    // position change themselves.
-    if (sized)
-        SendMessage(handle, WM_SIZE, SIZE_RESTORED, MAKELPARAM(width, height));
-    if (moved)
-        SendMessage(handle, WM_MOVE, 0, MAKELPARAM(x, y));
-    if (repaint && IsWindow(handle))
-        InvalidateRect(handle, nullptr, true);
-    return true;
+bool WindowManager::MoveWindow(HWND window, int x, int y, int width, int height, bool repaint) {
+    return lifecycle_->MoveWindow(window, x, y, width, height, repaint);
 }
 
 bool WindowManager::GetClientRect(HWND handle, RECT* rect) const {
@@ -375,56 +195,16 @@ std::vector<HWND> WindowManager::GetTopLevelWindows() const {
 
 LONG_PTR WindowManager::GetWindowLongPtr(HWND handle, int index) const {
     const WindowRecord* window = Get(handle);
-    if (!window)
-        return 0;
-    if (window->isDialog && index == DWL_USER)
-        return window->dialogUser;
-    if (window->isDialog && index == DWL_MSGRESULT)
-        return window->dialogMessageResult;
-    switch (index) {
-    case GWL_USERDATA:
-        return window->userData;
-    case GWL_STYLE:
-        return static_cast<LONG_PTR>(window->style);
-    case GWL_ID:
-        return static_cast<LONG_PTR>(window->id);
-    case GWL_WNDPROC:
-        return reinterpret_cast<LONG_PTR>(window->proc);
-    default:
-        return 0;
-    }
+    return window ? window->GetLong(index) : 0;
 }
 
 LONG_PTR WindowManager::SetWindowLongPtr(HWND handle, int index, LONG_PTR value) {
     WindowRecord* window = Get(handle);
     if (!window)
         return 0;
-    LONG_PTR old = GetWindowLongPtr(handle, index);
-    if (window->isDialog && index == DWL_USER) {
-        window->dialogUser = value;
-        return old;
-    }
-    if (window->isDialog && index == DWL_MSGRESULT) {
-        window->dialogMessageResult = value;
-        return old;
-    }
-    switch (index) {
-    case GWL_USERDATA:
-        window->userData = value;
-        break;
-    case GWL_STYLE:
-        window->style = static_cast<DWORD>(value);
+    const LONG_PTR old = window->SetLong(index, value);
+    if (index == GWL_STYLE)
         compositor_->MarkDirty();
-        break;
-    case GWL_ID:
-        window->id = static_cast<UINT_PTR>(value);
-        break;
-    case GWL_WNDPROC:
-        window->proc = reinterpret_cast<WNDPROC>(value);
-        break;
-    default:
-        break;
-    }
     return old;
 }
 
@@ -522,49 +302,20 @@ int WindowManager::GetCompositionCursor() const {
 
 // ---- messages --------------------------------------------------------------
 
-LRESULT WindowManager::SendMessage(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (!OnUiThread()) {
-        // Only the UI thread calls windows; others get the message queued.
-        PostMessage(handle, message, wParam, lParam);
-        return 0;
-    }
-    if (handle == HWND_BROADCAST) {
-        for (HWND window : GetTopLevelWindows())
-            if (IsWindow(window))
-                SendMessage(window, message, wParam, lParam);
-        return 0;
-    }
-    const WindowRecord* window = Get(handle);
-    if (!window || !window->proc)
-        return 0;
-    return window->proc(handle, message, wParam, lParam);
+LRESULT WindowManager::SendMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    return messages_->SendMessage(window, message, wParam, lParam);
 }
 
-bool WindowManager::PostMessage(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (OnUiThread() && handle && handle != HWND_BROADCAST && !IsWindow(handle))
-        return false;
-    MSG msg;
-    msg.hwnd = handle;
-    msg.message = message;
-    msg.wParam = wParam;
-    msg.lParam = lParam;
-    queue_->Post(msg);
-    if (!OnUiThread())
-        display_.Wake();
-    return true;
+bool WindowManager::PostMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    return messages_->PostMessage(window, message, wParam, lParam);
 }
 
-bool WindowManager::SendNotifyMessage(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (!OnUiThread())
-        return PostMessage(handle, message, wParam, lParam);
-    SendMessage(handle, message, wParam, lParam);
-    return true;
+bool WindowManager::SendNotifyMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    return messages_->SendNotifyMessage(window, message, wParam, lParam);
 }
 
 void WindowManager::PostQuitMessage(int exitCode) {
-    queue_->PostQuit(exitCode);
-    if (!OnUiThread())
-        display_.Wake();
+    messages_->PostQuitMessage(exitCode);
 }
 
 bool WindowManager::IsQuitPending() const {
@@ -575,20 +326,11 @@ int WindowManager::QuitCode() const {
 }
 
 UINT WindowManager::RegisterWindowMessage(const std::string& name) {
-    // Process-wide, so that a number once handed out keeps its meaning even
-    // when a test replaces the window system.
-    static std::mutex mutex;
-    static std::map<std::string, UINT> registered;
-    std::lock_guard lock(mutex);
-    auto [it, inserted] =
-        registered.try_emplace(name, kFirstRegisteredMessage + static_cast<UINT>(registered.size()));
-    return it->second;
+    return MessageDispatcher::RegisterWindowMessage(name);
 }
 
 void WindowManager::PostTask(std::function<void()> task) {
-    queue_->PostTask(std::move(task));
-    if (!OnUiThread())
-        display_.Wake();
+    messages_->PostTask(std::move(task));
 }
 
 bool WindowManager::GetMessage(MSG* msg) {
@@ -600,94 +342,23 @@ bool WindowManager::PeekMessage(MSG* msg, UINT removeFlags) {
 }
 
 void WindowManager::TranslateMessage(const MSG* msg) {
-    if (msg->message != WM_KEYDOWN)
-        return;
-    // Keys that stand for a character without typing one.
-    switch (msg->wParam) {
-    case VK_RETURN:
-        PostMessage(msg->hwnd, WM_CHAR, '\r', msg->lParam);
-        break;
-    case VK_ESCAPE:
-        PostMessage(msg->hwnd, WM_CHAR, 0x1B, msg->lParam);
-        break;
-    case VK_BACK:
-        PostMessage(msg->hwnd, WM_CHAR, '\b', msg->lParam);
-        break;
-    case VK_TAB:
-        PostMessage(msg->hwnd, WM_CHAR, '\t', msg->lParam);
-        break;
-    default:
-        break;
-    }
+    messages_->TranslateMessage(msg);
 }
 
 LRESULT WindowManager::DispatchMessage(const MSG* msg) {
-    if (msg->message == WM_TIMER && msg->lParam) {
-        reinterpret_cast<TIMERPROC>(msg->lParam)(msg->hwnd, WM_TIMER, msg->wParam, GetTickCount());
-        return 0;
-    }
-    if (msg->hwnd == HWND_BROADCAST)
-        return SendMessage(HWND_BROADCAST, msg->message, msg->wParam, msg->lParam);
-    if (!IsWindow(msg->hwnd))
-        return 0;
-    LRESULT result = SendMessage(msg->hwnd, msg->message, msg->wParam, msg->lParam);
-    // A window that did not paint is taken as painted, or it would be asked forever.
-    if (msg->message == WM_PAINT)
-        ValidateRect(msg->hwnd);
-    return result;
+    return messages_->DispatchMessage(msg);
 }
 
-LRESULT WindowManager::DefWindowProc(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {
-    switch (message) {
-    case WM_CLOSE:
-        DestroyWindow(handle);
-        return 0;
-    case WM_PAINT: {
-        PAINTSTRUCT paint;
-        BeginPaint(handle, &paint);
-        EndPaint(handle, &paint);
-        return 0;
-    }
-    case WM_ERASEBKGND:
-        return 0; // no class has a background brush
-    case WM_SETTEXT:
-        if (lParam)
-            SetWindowText(handle, reinterpret_cast<const char16_t*>(lParam));
-        return 1;
-    case WM_MOUSEWHEEL:
-        // Unhandled wheel turns go to the parent, as scrolling containers expect.
-        if (WindowRecord* window = Get(handle); window && window->parent)
-            return SendMessage(window->parent, message, wParam, lParam);
-        return 0;
-    default:
-        (void)wParam;
-        return 0;
-    }
+LRESULT WindowManager::DefWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    return messages_->DefWindowProc(window, message, wParam, lParam);
 }
 
-LRESULT WindowManager::DefDlgProc(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_CLOSE) {
-        PostMessage(handle, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
-        return 0;
-    }
-    return DefWindowProc(handle, message, wParam, lParam);
+LRESULT WindowManager::DefDlgProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    return dialogs_->DefDlgProc(window, message, wParam, lParam);
 }
 
-LRESULT WindowManager::DialogWindowProc(HWND handle, UINT message, WPARAM wParam, LPARAM lParam) {
-    WindowManager& wm = Current();
-    WindowRecord* window = wm.Get(handle);
-    if (!window)
-        return 0;
-    DLGPROC proc = window->dialogProc;
-    const INT_PTR result = proc ? proc(handle, message, wParam, lParam) : 0;
-    window = wm.Get(handle);
-    if (!window)
-        return result; // the page went away while handling the message
-    if (DirectDialogResult(message))
-        return result;
-    if (result)
-        return window->dialogMessageResult;
-    return wm.DefDlgProc(handle, message, wParam, lParam);
+LRESULT WindowManager::DialogWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    return Current().dialogs_->WindowProc(window, message, wParam, lParam);
 }
 
 void WindowManager::OnScreenResize(int width, int height) {

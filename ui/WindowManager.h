@@ -32,15 +32,19 @@ namespace mirodate {
 
 class Compositor;
 class Dc;
+class DialogSupport;
 class InputRouter;
+class MessageDispatcher;
 class MessageLoop;
 class MessageQueue;
 class TimerQueue;
+class WindowLifecycle;
 class WindowTree;
 struct WindowRecord;
 
 // The face of the window system; the work is done by its parts: the window
-// tree, the message queue and loops, input routing, timers and composition.
+// tree, the message queue and loops, input routing, timers, composition,
+// message sending, dialogs and the changes of a window's life.
 class WindowManager {
 public:
     explicit WindowManager(Display& display);
@@ -178,12 +182,10 @@ private:
 
     WindowRecord* Get(HWND window) const;
     void OnScreenResize(int width, int height);
-    bool OnUiThread() const { return std::this_thread::get_id() == uiThread_; }
 
     static LRESULT DialogWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
     Display& display_;
-    std::thread::id uiThread_;
     // The parts, each behind this face; see their headers.
     std::unique_ptr<WindowTree> tree_;
     std::unique_ptr<MessageQueue> queue_;
@@ -191,6 +193,9 @@ private:
     std::unique_ptr<Compositor> compositor_;
     std::unique_ptr<InputRouter> input_;
     std::unique_ptr<MessageLoop> loop_;
+    std::unique_ptr<MessageDispatcher> messages_;
+    std::unique_ptr<DialogSupport> dialogs_;
+    std::unique_ptr<WindowLifecycle> lifecycle_;
 };
 
 } // namespace mirodate

@@ -14,6 +14,54 @@ std::uintptr_t Key(HWND window) {
 constexpr std::uintptr_t kHandleStep = 4;
 } // namespace
 
+LONG_PTR WindowRecord::GetLong(int index) const {
+    if (isDialog && index == DWL_USER)
+        return dialogUser;
+    if (isDialog && index == DWL_MSGRESULT)
+        return dialogMessageResult;
+    switch (index) {
+    case GWL_USERDATA:
+        return userData;
+    case GWL_STYLE:
+        return static_cast<LONG_PTR>(style);
+    case GWL_ID:
+        return static_cast<LONG_PTR>(id);
+    case GWL_WNDPROC:
+        return reinterpret_cast<LONG_PTR>(proc);
+    default:
+        return 0;
+    }
+}
+
+LONG_PTR WindowRecord::SetLong(int index, LONG_PTR value) {
+    const LONG_PTR old = GetLong(index);
+    if (isDialog && index == DWL_USER) {
+        dialogUser = value;
+        return old;
+    }
+    if (isDialog && index == DWL_MSGRESULT) {
+        dialogMessageResult = value;
+        return old;
+    }
+    switch (index) {
+    case GWL_USERDATA:
+        userData = value;
+        break;
+    case GWL_STYLE:
+        style = static_cast<DWORD>(value);
+        break;
+    case GWL_ID:
+        id = static_cast<UINT_PTR>(value);
+        break;
+    case GWL_WNDPROC:
+        proc = reinterpret_cast<WNDPROC>(value);
+        break;
+    default:
+        break;
+    }
+    return old;
+}
+
 WindowTree::WindowTree() = default;
 WindowTree::~WindowTree() = default;
 

@@ -49,6 +49,10 @@ struct WindowRecord {
 
     RECT ClientRect() const { return RECT{0, 0, rect.Width(), rect.Height()}; }
     bool IsVisibleStyle() const { return (style & WS_VISIBLE) != 0; }
+    // The words of GetWindowLongPtr (GWL_, and DWL_ for a dialog); 0 for
+    // any other index. SetLong returns the old value.
+    LONG_PTR GetLong(int index) const;
+    LONG_PTR SetLong(int index, LONG_PTR value);
 };
 
 class WindowTree {
