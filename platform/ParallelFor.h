@@ -15,10 +15,17 @@ namespace mirodate {
 // small files, which stops scaling beyond a few cores.
 constexpr std::size_t kMaxParallelSlices = 4;
 
-template <typename Work> void ParallelFor(std::size_t count, std::size_t minPerSlice, Work&& work) {
-    const std::size_t cores = std::max(1u, std::thread::hardware_concurrency());
-    const std::size_t slices = std::clamp<std::size_t>(count / std::max<std::size_t>(1, minPerSlice), 1,
-                                                       std::min(cores, kMaxParallelSlices));
+// The cores the machine has (at least 1).
+inline std::size_t CoreCount() {
+    return std::max(1u, std::thread::hardware_concurrency());
+}
+
+template <typename Work>
+void ParallelFor(std::size_t count, std::size_t minPerSlice, Work&& work,
+                 std::size_t maxSlices = kMaxParallelSlices) {
+    const std::size_t most = std::max<std::size_t>(1, std::min({CoreCount(), kMaxParallelSlices, maxSlices}));
+    const std::size_t slices =
+        std::clamp<std::size_t>(count / std::max<std::size_t>(1, minPerSlice), 1, most);
     if (slices <= 1) {
         if (count > 0)
             work(std::size_t{0}, count);

@@ -200,7 +200,7 @@ void IcsExpansion::Prepare(icalcomponent* master, const std::vector<icalcomponen
 }
 
 void IcsExpansion::Expand(const PimRecord& series, double longest, double from, double before,
-                          std::vector<PimRecord>& occurrences) const {
+                          std::vector<PimRecord>& occurrences, bool* complete) const {
     const std::size_t firstNew = occurrences.size();
     const icaltimetype zonedStart = IcalTime::PropertyTime(master_, ICAL_DTSTART_PROPERTY);
     // The series' own zone: its rule runs on that zone's wall clock.
@@ -281,6 +281,8 @@ void IcsExpansion::Expand(const PimRecord& series, double longest, double from, 
         auto consider = [&](icaltimetype occurrence) {
             if (++iterations > kMaxIterations || produced >= kMaxOccurrences) {
                 Log::Warning("store: series %s has too many occurrences; the rest is left out", uid_.c_str());
+                if (complete)
+                    *complete = false;
                 return false;
             }
             occurrence.zone = wallStart.is_date ? nullptr : zone;

@@ -37,8 +37,9 @@ public:
     // Occurrences of the series whose start lies in [from, before), appended
     // to `occurrences` sorted by start. `series` is the series' record for its
     // first occurrence and `longest` its longest occurrence in days.
+    // `complete`, when given, is set false when a bound on work cut it short.
     void Expand(const PimRecord& series, double longest, double from, double before,
-                std::vector<PimRecord>& occurrences) const;
+                std::vector<PimRecord>& occurrences, bool* complete = nullptr) const;
 
     // The overrides by start.
     const std::vector<PimRecord>& Moved() const { return moved_; }

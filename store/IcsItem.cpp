@@ -281,7 +281,9 @@ bool IcsItem::Parse(std::string_view text, std::string& problem) {
     return true;
 }
 
-void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurrences) const {
+void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurrences, bool* complete) const {
+    if (complete)
+        *complete = true;
     if (kind_ != Kind::Event)
         return;
     if (!series_) {
@@ -289,7 +291,7 @@ void IcsItem::Expand(double from, double before, std::vector<PimRecord>& occurre
             occurrences.push_back(record_);
         return;
     }
-    expansion_.Expand(record_, longest_, from, before, occurrences);
+    expansion_.Expand(record_, longest_, from, before, occurrences, complete);
 }
 
 std::vector<PimRecord> IcsItem::GetOverrideRecords() const {

@@ -40,8 +40,11 @@ public:
 
     // Occurrences whose start lies in [from, before) (local DATEs), sorted by
     // start, moved and cancelled occurrences applied. A plain item gives
-    // itself when it starts in the window.
-    void Expand(double from, double before, std::vector<PimRecord>& occurrences) const;
+    // itself when it starts in the window. `complete`, when given, tells
+    // whether the expansion stayed within its bounds on work (false: the
+    // rest of a rule with too many occurrences was left out).
+    void Expand(double from, double before, std::vector<PimRecord>& occurrences,
+                bool* complete = nullptr) const;
     // The occurrences that carry texts of their own (moved or retitled), as
     // written, so that a text search can pass over a series none of whose
     // texts match without expanding it.

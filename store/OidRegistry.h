@@ -30,6 +30,10 @@ public:
     void Reserve(std::size_t files);
     void Add(std::string key, Entry entry);
     void Add(Files::node_type node);
+    // Takes a whole table of files at once (an index as it was read), and
+    // gives the files back out.
+    void Adopt(Files files) { files_ = std::move(files); }
+    Files TakeFiles() { return std::move(files_); }
     void AssignAll(bool keepOids = false);
 
     // A file read again (or new) replaces its entry; one gone is removed.

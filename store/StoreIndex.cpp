@@ -3,6 +3,7 @@
 #include "data/PimFolder.h"
 #include "data/PimSource.h"
 #include "platform/Log.h"
+#include "platform/MappedFile.h"
 #include "platform/Paths.h"
 #include "platform/TextUtil.h"
 
@@ -21,7 +22,7 @@ namespace mirodate {
 
 namespace {
 
-constexpr char kMagic[] = "MIRODATE-INDEX-10\n";
+constexpr char kMagic[] = "MIRODATE-INDEX-11\n";
 // Largest index we read (a store of a million items stays far below).
 constexpr std::size_t kMaxIndexBytes = 512u * 1024u * 1024u;
 
@@ -42,7 +43,7 @@ public:
 
 class Reader {
 public:
-    explicit Reader(const std::string& data) : data_(data) {}
+    explicit Reader(std::string_view data) : data_(data) {}
     bool Bytes(void* target, std::size_t size) {
         if (!ok || size > data_.size() - pos_)
             return ok = false;
@@ -61,7 +62,7 @@ public:
             ok = false;
             return {};
         }
-        std::string text = data_.substr(pos_, size);
+        std::string text(data_.substr(pos_, size));
         pos_ += size;
         return text;
     }
@@ -76,11 +77,12 @@ public:
         return text;
     }
     bool AtEnd() const { return pos_ == data_.size(); }
+    std::size_t Left() const { return data_.size() - pos_; }
     void Skip(std::size_t size) { pos_ = std::min(data_.size(), pos_ + size); }
     bool ok = true;
 
 private:
-    const std::string& data_;
+    std::string_view data_;
     std::size_t pos_ = 0;
 };
 
@@ -104,20 +106,8 @@ RecurrencePattern ReadPattern(Reader& r) {
     return p;
 }
 
-void WriteItem(Writer& w, const StoredItem& item) {
-    w.Value<std::int32_t>(item.directory);
-    w.String(item.fileName);
-    w.Value(item.size);
-    w.Value(item.mtimeNs);
-    w.Value<std::uint8_t>(item.readable);
-    w.String(item.problem);
-    w.Value<std::int32_t>(item.folder);
-    w.String(item.uid);
-    w.Value<std::uint8_t>(item.series);
-    w.Value(item.seriesEnd);
-    w.Value(item.longest);
-    const PimRecord& rec = item.record;
-    w.Value<std::int32_t>(rec.oid);
+// A record's fields but its UID and OID, which come from its entry.
+void WriteRecord(Writer& w, const PimRecord& rec) {
     w.Value<std::int32_t>(rec.itemKind);
     w.Text(rec.subject);
     w.Text(rec.location);
@@ -142,22 +132,33 @@ void WriteItem(Writer& w, const StoredItem& item) {
         w.Text(e);
 }
 
-void ReadItem(Reader& r, StoredItem& item) {
-    item.directory = r.Value<std::int32_t>();
-    item.fileName = r.String();
-    item.size = r.Value<std::int64_t>();
-    item.mtimeNs = r.Value<std::int64_t>();
-    item.readable = r.Value<std::uint8_t>() != 0;
-    item.problem = r.String();
-    item.folder = r.Value<std::int32_t>();
-    item.uid = r.String();
-    item.series = r.Value<std::uint8_t>() != 0;
-    item.seriesEnd = r.Value<double>();
-    item.longest = r.Value<double>();
-    PimRecord& rec = item.record;
-    rec.oid = r.Value<std::int32_t>();
+void WriteItem(Writer& w, const StoredItem& item) {
+    w.Value<std::int32_t>(item.directory);
+    w.String(item.fileName);
+    w.Value(item.size);
+    w.Value(item.mtimeNs);
+    w.Value<std::uint8_t>(item.readable);
+    w.String(item.problem);
+    w.Value<std::int32_t>(item.folder);
+    w.String(item.uid);
+    w.Value<std::uint8_t>(item.series);
+    w.Value(item.seriesEnd);
+    w.Value(item.longest);
+    w.Value<std::int32_t>(item.record.oid);
+    WriteRecord(w, item.record);
+    const StoredExpansion* expansion = item.expansion.get();
+    w.Value<std::uint8_t>(expansion != nullptr);
+    if (!expansion)
+        return;
+    w.Value(expansion->from);
+    w.Value(expansion->before);
+    w.Value<std::uint32_t>(static_cast<std::uint32_t>(expansion->occurrences.size()));
+    for (const PimRecord& occurrence : expansion->occurrences)
+        WriteRecord(w, occurrence);
+}
+
+void ReadRecord(Reader& r, PimRecord& rec) {
     rec.itemKind = r.Value<std::int32_t>();
-    rec.uid = item.uid;
     rec.subject = r.Text();
     rec.location = r.Text();
     rec.categories = r.Text();
@@ -181,6 +182,42 @@ void ReadItem(Reader& r, StoredItem& item) {
     const std::int32_t emails = r.Value<std::int32_t>();
     for (std::int32_t i = 0; i < emails && r.ok; ++i)
         rec.emails.push_back(r.Text());
+}
+
+// Fewest bytes a written record takes: a bound on a count read from the file.
+constexpr std::size_t kMinRecordBytes = 4 + 5 * 4 + 6 * 8 + 6 + 4 + 8 * 4 + 2 * 8 + 1 + 1 + 3 * 4 + 4 + 4;
+
+void ReadItem(Reader& r, StoredItem& item) {
+    item.directory = r.Value<std::int32_t>();
+    item.fileName = r.String();
+    item.size = r.Value<std::int64_t>();
+    item.mtimeNs = r.Value<std::int64_t>();
+    item.readable = r.Value<std::uint8_t>() != 0;
+    item.problem = r.String();
+    item.folder = r.Value<std::int32_t>();
+    item.uid = r.String();
+    item.series = r.Value<std::uint8_t>() != 0;
+    item.seriesEnd = r.Value<double>();
+    item.longest = r.Value<double>();
+    item.record.oid = r.Value<std::int32_t>();
+    item.record.uid = item.uid;
+    ReadRecord(r, item.record);
+    if (r.Value<std::uint8_t>() == 0 || !r.ok)
+        return;
+    auto expansion = std::make_shared<StoredExpansion>();
+    expansion->from = r.Value<double>();
+    expansion->before = r.Value<double>();
+    const auto count = r.Value<std::uint32_t>();
+    if (!r.ok || count > r.Left() / kMinRecordBytes) {
+        r.ok = false;
+        return;
+    }
+    expansion->occurrences.resize(count);
+    for (PimRecord& occurrence : expansion->occurrences) {
+        occurrence.uid = item.uid;
+        ReadRecord(r, occurrence);
+    }
+    item.expansion = std::move(expansion);
 }
 
 // DATE values the program can represent: 1 January 100 to 31 December 9999.
@@ -208,6 +245,27 @@ bool IsPlausible(const RecurrencePattern& p) {
            IsDate(p.PatternEndDate);
 }
 
+// A kept expansion: appointments of a series, each starting in the window,
+// in order of start.
+bool IsPlausible(const StoredExpansion& expansion, const StoredItem& item) {
+    if (!item.series || item.folder != kFolderCalendar || !IsDate(expansion.from) ||
+        !IsDate(expansion.before) || expansion.before < expansion.from)
+        return false;
+    double previous = expansion.from;
+    for (const PimRecord& rec : expansion.occurrences) {
+        for (double date : {rec.start, rec.end, rec.startDate, rec.dueDate, rec.birthday, rec.anniversary})
+            if (!IsDate(date))
+                return false;
+        if (rec.itemKind != kItemAppointment || rec.start < previous || rec.start >= expansion.before ||
+            rec.end < rec.start || rec.importance < 0 || rec.importance > 2 || !IsPlausible(rec.recurrence) ||
+            rec.reminderMinutes < 0 || rec.busyStatus < 0 || rec.busyStatus > 3 || rec.sensitivity < 0 ||
+            rec.sensitivity > 3)
+            return false;
+        previous = rec.start;
+    }
+    return true;
+}
+
 // Whether an entry holds only values the store itself could have written, so
 // that nothing damaged reaches the date arithmetic or the views.
 bool IsPlausible(const StoredItem& item) {
@@ -227,8 +285,10 @@ bool IsPlausible(const StoredItem& item) {
         rec.sensitivity > 3)
         return false;
     if (!item.readable)
-        return true;
+        return !item.expansion;
     if (rec.oid <= 0)
+        return false;
+    if (item.expansion && !IsPlausible(*item.expansion, item))
         return false;
     switch (item.folder) {
     case kFolderCalendar:
@@ -277,24 +337,19 @@ StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string&
                                      const std::string& zone, std::size_t maxEntries,
                                      std::uint64_t maxBytes) {
     Entries entries;
-    std::ifstream file(path, std::ios::binary);
-    if (!file)
-        return entries;
-    file.seekg(0, std::ios::end);
-    const std::streamoff size = file.tellg();
-    if (size <= 0)
-        return entries;
-    if (static_cast<std::uint64_t>(size) > std::min<std::uint64_t>(maxBytes, kMaxIndexBytes)) {
-        // Stale (files deleted while the program was not running) or not ours.
-        Log::Info("store: the index %s is larger than the store's files can explain; it is built again",
-                  PrintableText(path).c_str());
+    // A file that shrinks while mapped would fault on its lost pages: the
+    // index is only ever replaced by a rename, never truncated.
+    MappedFile file;
+    std::uint64_t size = 0;
+    if (!file.Open(path, std::min<std::uint64_t>(maxBytes, kMaxIndexBytes), size)) {
+        if (size > 0)
+            // Stale (files deleted while the program was not running) or not ours.
+            Log::Info("store: the index %s is larger than the store's files can explain; it is built again",
+                      PrintableText(path).c_str());
         return entries;
     }
-    file.seekg(0);
-    std::string data(static_cast<std::size_t>(size), '\0');
-    if (!file.read(data.data(), size))
-        return entries;
-    if (data.compare(0, sizeof kMagic - 1, kMagic) != 0)
+    const std::string_view data = file.Data();
+    if (data.substr(0, sizeof kMagic - 1) != std::string_view(kMagic, sizeof kMagic - 1))
         return entries;
     Reader reader(data);
     reader.Skip(sizeof kMagic - 1);

@@ -15,6 +15,15 @@ namespace mirodate {
 class IcsAlarms;
 class IcsItem;
 
+// The occurrences a series has in a window, as its expansion gave them, so
+// that a later query inside the window (the month of today, at every start)
+// needs neither the file nor the rule.
+struct StoredExpansion {
+    double from = 0.0; // occurrences starting in [from, before), by start
+    double before = 0.0;
+    std::vector<PimRecord> occurrences;
+};
+
 struct StoredItem {
     int directory = 0; // index into the store's folder names
     std::string fileName;
@@ -30,6 +39,8 @@ struct StoredItem {
     double longest = 0.0;   // longest occurrence in days
     // The parsed file of a series, read when first expanded.
     std::shared_ptr<const IcsItem> parsed;
+    // Its last kept expansion (null: none), also kept in the index.
+    std::shared_ptr<const StoredExpansion> expansion;
     // Its alarms, read when reminders are first asked for (null: none), and
     // the reminders of the last window asked for, kept until the file
     // changes (a change publishes a new entry).

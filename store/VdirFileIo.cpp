@@ -56,7 +56,8 @@ std::int64_t VdirFileIo::MtimeNs(const struct stat& st) {
     return static_cast<std::int64_t>(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec;
 }
 
-std::vector<VdirFileIo::FoundFile> VdirFileIo::ListItemFiles(bool create, std::uint64_t& bytes) const {
+std::vector<VdirFileIo::FoundFile> VdirFileIo::ListItemFiles(bool create, std::uint64_t& bytes,
+                                                             std::size_t threads) const {
     // The names first, then their stamps on every core: on a store of ten
     // thousand files the stat calls are most of a start.
     struct Directory {
@@ -83,20 +84,23 @@ std::vector<VdirFileIo::FoundFile> VdirFileIo::ListItemFiles(bool create, std::u
     // Why a name is dropped, told afterwards in listing order.
     enum class Problem : unsigned char { None, Gone, Loop, NotRegular };
     std::vector<Problem> problems(found.size(), Problem::None);
-    ParallelFor(found.size(), kMinStatsPerSlice, [&](std::size_t begin, std::size_t end) {
-        for (std::size_t i = begin; i < end; ++i) {
-            FoundFile& file = found[i];
-            struct stat fileStat {};
-            if (fstatat(dirfd(dirs[file.directory].dir), file.name.c_str(), &fileStat, 0) != 0) {
-                problems[i] = errno == ELOOP ? Problem::Loop : Problem::Gone;
-            } else if (!S_ISREG(fileStat.st_mode)) {
-                problems[i] = Problem::NotRegular;
-            } else {
-                file.size = fileStat.st_size;
-                file.mtimeNs = MtimeNs(fileStat);
+    ParallelFor(
+        found.size(), kMinStatsPerSlice,
+        [&](std::size_t begin, std::size_t end) {
+            for (std::size_t i = begin; i < end; ++i) {
+                FoundFile& file = found[i];
+                struct stat fileStat {};
+                if (fstatat(dirfd(dirs[file.directory].dir), file.name.c_str(), &fileStat, 0) != 0) {
+                    problems[i] = errno == ELOOP ? Problem::Loop : Problem::Gone;
+                } else if (!S_ISREG(fileStat.st_mode)) {
+                    problems[i] = Problem::NotRegular;
+                } else {
+                    file.size = fileStat.st_size;
+                    file.mtimeNs = MtimeNs(fileStat);
+                }
             }
-        }
-    });
+        },
+        threads);
     bytes = 0;
     std::size_t kept = 0;
     for (std::size_t i = 0; i < found.size(); ++i) {

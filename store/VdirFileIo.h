@@ -38,7 +38,8 @@ public:
     };
     // The regular item files of the three directories (made first when
     // `create`); `bytes` is their size in all. Others are skipped with a warning.
-    std::vector<FoundFile> ListItemFiles(bool create, std::uint64_t& bytes) const;
+    // Their stamps are read on up to `threads` threads.
+    std::vector<FoundFile> ListItemFiles(bool create, std::uint64_t& bytes, std::size_t threads) const;
 
     // A whole regular file of at most the size limit.
     bool ReadWholeFile(const std::string& path, std::string& text) const;

@@ -1,5 +1,6 @@
 #include "store/VdirItems.h"
 
+#include "data/DateTime.h"
 #include "store/IcsItem.h"
 #include "store/Restriction.h"
 
@@ -99,13 +100,20 @@ FindResult VdirItems::Find(const std::u16string& text, PimRecord& item) {
         return stored.record.start < span.before &&
                (stored.seriesEnd == kNoDate || stored.seriesEnd >= span.from);
     };
-    // The series files are parsed first, all at once on every core.
+    // A series whose kept expansion covers the span needs no parsing: its
+    // occurrences are those kept, as the rule would give them again.
+    auto keptFor = [&](const std::shared_ptr<const StoredItem>& stored, const Span& span) {
+        auto kept = source_.GetExpansion(stored);
+        return kept && kept->from <= span.from && span.before <= kept->before ? kept : nullptr;
+    };
+    // The other series files are parsed first, all at once on every core.
     std::vector<std::shared_ptr<const StoredItem>> series;
     Span span;
     for (const auto& stored : items_)
-        if (expansion(*stored, span) && mayOccur(*stored, span))
+        if (expansion(*stored, span) && mayOccur(*stored, span) && !keptFor(stored, span))
             series.push_back(stored);
     source_.ParseAhead(series);
+    const double now = DateTime::Now().ToDate();
 
     std::vector<PimRecord> occurrences;
     for (const auto& stored : items_) {
@@ -116,13 +124,26 @@ FindResult VdirItems::Find(const std::u16string& text, PimRecord& item) {
         }
         if (!mayOccur(*stored, span))
             continue;
-        auto parsed = source_.GetParsed(stored);
-        if (!parsed)
-            continue;
-        if (textFilter_ && !textFilter_->Matches(stored->record) && !AnyMatches(*textFilter_, *parsed))
-            continue; // no occurrence can carry the text: nothing to expand
         occurrences.clear();
-        parsed->Expand(span.from, span.before, occurrences);
+        if (auto kept = keptFor(stored, span)) {
+            auto first = std::lower_bound(
+                kept->occurrences.begin(), kept->occurrences.end(), span.from,
+                [](const PimRecord& occurrence, double start) { return occurrence.start < start; });
+            for (auto it = first; it != kept->occurrences.end() && it->start < span.before; ++it)
+                occurrences.push_back(*it);
+        } else {
+            auto parsed = source_.GetParsed(stored);
+            if (!parsed)
+                continue;
+            if (textFilter_ && !textFilter_->Matches(stored->record) && !AnyMatches(*textFilter_, *parsed))
+                continue; // no occurrence can carry the text: nothing to expand
+            bool complete = true;
+            parsed->Expand(span.from, span.before, occurrences, &complete);
+            // Kept only when no bound on work cut it short, so that any
+            // window inside it gives what a new expansion would.
+            if (complete)
+                source_.KeepExpansion(stored, span.from, span.before, occurrences, now);
+        }
         for (auto& occurrence : occurrences) {
             occurrence.oid = stored->record.oid;
             occurrence.uid = stored->uid;

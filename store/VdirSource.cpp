@@ -82,12 +82,16 @@ bool VdirSource::Logon() {
         return false;
     }
     const auto started = std::chrono::steady_clock::now();
-    // The index is read beside the listing: neither needs the other, and
-    // together they are most of a start.
+    // The index is read beside the listing, and made into the store's tables
+    // as if every file were as it has them: the listing then only confirms
+    // that, which is what a start finds nearly always.
     const std::string indexPath = StoreIndex::PathFor(root);
-    StoreIndex::Entries index;
+    OidRegistry prepared;
     std::thread indexReader;
-    auto loadIndex = [&] { index = StoreIndex::Load(indexPath, root, StoreIndex::ZoneSignature()); };
+    auto loadIndex = [&] {
+        prepared.Adopt(StoreIndex::Load(indexPath, root, StoreIndex::ZoneSignature()));
+        prepared.AssignAll(true);
+    };
     if (options_.useIndex) {
         try {
             indexReader = std::thread(loadIndex);
@@ -96,23 +100,54 @@ bool VdirSource::Logon() {
         }
     }
     std::uint64_t foundBytes = 0;
-    std::vector<VdirFileIo::FoundFile> found = io_.ListItemFiles(options_.createIfMissing, foundBytes);
+    // One core is busy with the index meanwhile.
+    const std::size_t listThreads = indexReader.joinable() ? CoreCount() - 1 : CoreCount();
+    std::vector<VdirFileIo::FoundFile> found =
+        io_.ListItemFiles(options_.createIfMissing, foundBytes, listThreads);
     if (indexReader.joinable())
         indexReader.join();
-    if (!index.empty() && !IndexFitsFiles(indexPath, index.size(), found.size(), foundBytes))
-        index.clear();
+    const std::size_t indexed = prepared.GetFiles().size();
+    const bool indexFits = indexed == 0 || IndexFitsFiles(indexPath, indexed, found.size(), foundBytes);
 
-    const std::size_t indexed = index.size();
-    std::size_t reused = 0;
-    registry_.Reserve(found.size());
-    std::vector<std::size_t> unread; // files the index does not hold as they are now
+    // Every file as the index has it, and no other: its tables are the store's.
     std::string key;
-    for (std::size_t i = 0; i < found.size(); ++i) {
-        const VdirFileIo::FoundFile& file = found[i];
+    auto keyOf = [&key](const VdirFileIo::FoundFile& file) -> const std::string& {
         key.assign(1, static_cast<char>('0' + file.directory));
         key += '/';
         key += file.name;
-        auto known = index.find(key);
+        return key;
+    };
+    bool whole = indexFits && indexed == found.size() && indexed > 0;
+    for (std::size_t i = 0; whole && i < found.size(); ++i) {
+        const OidRegistry::Entry known = prepared.FindFile(keyOf(found[i]));
+        whole = known && known->size == found[i].size && known->mtimeNs == found[i].mtimeNs;
+    }
+    if (whole) {
+        registry_ = std::move(prepared);
+        for (const auto& [name, item] : registry_.GetFiles())
+            if (!item->readable)
+                Log::Warning("store: skipped %s: %s",
+                             PrintableText(io_.FilePath(item->directory, item->fileName)).c_str(),
+                             PrintableText(item->problem).c_str());
+        registry_.SetDirty(false);
+        loggedOn_ = true;
+        Log::Info(
+            "store: %zu files as the index has them, opened in %.1f ms", found.size(),
+            std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - started).count());
+        return true;
+    }
+
+    // Otherwise each file takes its entry when it is as the index has it,
+    // and is read when not.
+    OidRegistry::Files index = prepared.TakeFiles();
+    if (!indexFits)
+        index.clear();
+    std::size_t reused = 0;
+    registry_.Reserve(found.size());
+    std::vector<std::size_t> unread; // files the index does not hold as they are now
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        const VdirFileIo::FoundFile& file = found[i];
+        auto known = index.find(keyOf(file));
         if (known == index.end() || known->second->size != file.size ||
             known->second->mtimeNs != file.mtimeNs) {
             unread.push_back(i);
@@ -136,7 +171,8 @@ bool VdirSource::Logon() {
             exists[j] = there;
         }
     });
-    bool dirty = reused != indexed;
+    // Entries left over are files gone since; an index that did not fit is rewritten.
+    bool dirty = !indexFits || !index.empty();
     for (std::size_t j = 0; j < unread.size(); ++j) {
         if (!exists[j])
             continue;
@@ -144,8 +180,7 @@ bool VdirSource::Logon() {
         registry_.Add(Key(file.directory, file.name), std::make_shared<StoredItem>(std::move(fresh[j])));
         dirty = true;
     }
-    // Nothing new, changed or gone: the OIDs are those the index holds.
-    registry_.AssignAll(!dirty && indexed > 0);
+    registry_.AssignAll();
     registry_.SetDirty(dirty);
     if (dirty && options_.useIndex)
         SaveIndexLocked();
@@ -214,6 +249,29 @@ VdirSource::Snapshot VdirSource::GetSnapshot(int folderId) {
 std::shared_ptr<const IcsItem> VdirSource::GetParsed(const std::shared_ptr<const StoredItem>& item) {
     std::lock_guard lock(mutex_);
     return GetParsedLocked(item);
+}
+
+std::shared_ptr<const StoredExpansion>
+VdirSource::GetExpansion(const std::shared_ptr<const StoredItem>& item) {
+    std::lock_guard lock(mutex_);
+    return item->expansion;
+}
+
+void VdirSource::KeepExpansion(const std::shared_ptr<const StoredItem>& item, double from, double before,
+                               std::vector<PimRecord> occurrences, double now) {
+    std::lock_guard lock(mutex_);
+    const Entry current = registry_.FindFile(Key(item->directory, item->fileName));
+    if (current != item)
+        return;
+    auto holds = [now](const StoredExpansion& kept) { return kept.from <= now && now < kept.before; };
+    if (current->expansion && holds(*current->expansion) && !(from <= now && now < before))
+        return;
+    auto expansion = std::make_shared<StoredExpansion>();
+    expansion->from = from;
+    expansion->before = before;
+    expansion->occurrences = std::move(occurrences);
+    current->expansion = std::move(expansion);
+    registry_.SetDirty(true);
 }
 
 void VdirSource::ParseAhead(const std::vector<std::shared_ptr<const StoredItem>>& items) {

@@ -89,6 +89,14 @@ public:
     using Snapshot = OidRegistry::Snapshot;
     Snapshot GetSnapshot(int folderId);
     std::shared_ptr<const IcsItem> GetParsed(const std::shared_ptr<const StoredItem>& item);
+    // The expansion kept for a series (null: none).
+    std::shared_ptr<const StoredExpansion> GetExpansion(const std::shared_ptr<const StoredItem>& item);
+    // Keeps a series' whole expansion over [from, before) for later queries
+    // and the index, unless the entry was replaced meanwhile or already keeps
+    // one that holds `now` (a local DATE) while this one does not: the month
+    // of today is what every start asks for.
+    void KeepExpansion(const std::shared_ptr<const StoredItem>& item, double from, double before,
+                       std::vector<PimRecord> occurrences, double now);
     // Parses those of `items` not parsed yet, on every core, so that the
     // GetParsed calls that follow find them done.
     void ParseAhead(const std::vector<std::shared_ptr<const StoredItem>>& items);

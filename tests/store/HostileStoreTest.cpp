@@ -193,6 +193,20 @@ TEST_F(DamagedIndexTest, AnEntryWithValuesTheStoreCouldHaveWrittenIsUsed) {
     EXPECT_EQ(warnings, "");
 }
 
+// Gives an entry a kept expansion of a day's window holding its own start
+// moved by `shift` days.
+void KeepOneOccurrence(StoredItem& item, double shift) {
+    item.series = true;
+    auto expansion = std::make_shared<StoredExpansion>();
+    expansion->from = item.record.start;
+    expansion->before = item.record.start + 1.0;
+    PimRecord occurrence = item.record;
+    occurrence.start += shift;
+    occurrence.end += shift;
+    expansion->occurrences.push_back(occurrence);
+    item.expansion = expansion;
+}
+
 TEST_F(DamagedIndexTest, AnyImpossibleValueThrowsTheIndexAwayAndItIsBuiltAgain) {
     const double huge = 1e308, nan = std::numeric_limits<double>::quiet_NaN();
     const std::vector<std::pair<const char*, std::function<void(StoredItem&)>>> damages = {
@@ -220,6 +234,12 @@ TEST_F(DamagedIndexTest, AnyImpossibleValueThrowsTheIndexAwayAndItIsBuiltAgain) 
         {"occurrences -1", [&](StoredItem& i) { i.record.recurrence.Occurrences = -1; }},
         {"pattern end NaN", [&](StoredItem& i) { i.record.recurrence.PatternEndDate = nan; }},
         {"rule fit 3", [&](StoredItem& i) { i.record.recurrence.RuleFit = 3; }},
+        {"kept occurrence outside its window", [&](StoredItem& i) { KeepOneOccurrence(i, 5.0); }},
+        {"kept expansion of a plain item",
+         [&](StoredItem& i) {
+             KeepOneOccurrence(i, 0.0);
+             i.series = false;
+         }},
     };
     for (const auto& [name, damage] : damages) {
         SCOPED_TRACE(name);

@@ -1,3 +1,4 @@
+#include "platform/TextUtil.h"
 #include "store/StoreIndex.h"
 #include "tests/store/StoreFixture.h"
 
@@ -8,6 +9,7 @@
 #include <cstdlib>
 #include <mutex>
 #include <sys/stat.h>
+#include <thread>
 
 namespace mirodate {
 namespace {
@@ -134,6 +136,92 @@ TEST_F(VdirSourceTest, AStartFromAWholeIndexKeepsOidsAndEveryUid) {
     PimRecord kept;
     ASSERT_TRUE(source->GetItemFromOid(first["uid-6"], kept));
     EXPECT_EQ(kept.subject, u"E6");
+}
+
+// A series' expansion of this month is kept with the index: the next start
+// gives the very same occurrences without reading the file, for the month and
+// any span inside it, and a changed file is expanded again.
+TEST_F(VdirSourceTest, AKeptExpansionGivesWhatTheRuleGives) {
+    const DateTime now = DateTime::Now();
+    const DateTime first(now.GetYear(), now.GetMonth(), 1);
+    char day[16];
+    std::snprintf(day, sizeof day, "%04d%02d", first.GetYear(), first.GetMonth());
+    const std::string month = day;
+    WriteFile("calendar/weekly.ics", "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VEVENT\r\nUID:weekly\r\n"
+                                     "DTSTART;TZID=Europe/Berlin:" +
+                                         month +
+                                         "01T183000\r\n"
+                                         "DTEND;TZID=Europe/Berlin:" +
+                                         month +
+                                         "01T193000\r\nRRULE:FREQ=WEEKLY\r\n"
+                                         "EXDATE;TZID=Europe/Berlin:" +
+                                         month +
+                                         "08T183000\r\nSUMMARY:Choir\r\nEND:VEVENT\r\n"
+                                         "BEGIN:VEVENT\r\nUID:weekly\r\nRECURRENCE-ID;TZID=Europe/Berlin:" +
+                                         month +
+                                         "15T183000\r\n"
+                                         "DTSTART;TZID=Europe/Berlin:" +
+                                         month +
+                                         "16T100000\r\n"
+                                         "DTEND;TZID=Europe/Berlin:" +
+                                         month +
+                                         "16T110000\r\nSUMMARY:Choir, moved\r\nEND:VEVENT\r\n"
+                                         "BEGIN:VEVENT\r\nUID:weekly\r\nRECURRENCE-ID;TZID=Europe/Berlin:" +
+                                         month +
+                                         "22T183000\r\n"
+                                         "DTSTART;TZID=Europe/Berlin:" +
+                                         month +
+                                         "22T183000\r\n"
+                                         "DTEND;TZID=Europe/Berlin:" +
+                                         month +
+                                         "22T193000\r\nSTATUS:CANCELLED\r\nSUMMARY:Choir\r\n"
+                                         "END:VEVENT\r\nEND:VCALENDAR\r\n");
+    WriteFile("calendar/daily.ics", Event("daily", "DTSTART:" + month + "03T070000\r\nDTEND:" + month +
+                                                       "03T073000\r\nRRULE:FREQ=DAILY;COUNT=40\r\n"
+                                                       "SUMMARY:Run\r\n"));
+    const DateTime last = first + DateTimeSpan(DaysInMonth(first.GetYear(), first.GetMonth()) - 1.0);
+    const DateTime week = first + DateTimeSpan(13.0);
+    auto overlap = [](const DateTime& from, const DateTime& to) {
+        return Utf8ToUtf16("[Start]<= <" + std::to_string(to.DayNumber()) + " AND [End]>= <" +
+                           std::to_string(from.DayNumber()));
+    };
+    std::vector<PimRecord> fromFiles, weekFromFiles;
+    {
+        auto source = OpenSource(false);
+        fromFiles = Find(*source, kFolderCalendar, overlap(first, last));
+        weekFromFiles = Find(*source, kFolderCalendar, overlap(week, week + DateTimeSpan(6.0)));
+    }
+    {
+        auto source = OpenSource(); // reads the files, keeps the month's expansions, writes the index
+        EXPECT_EQ(Find(*source, kFolderCalendar, overlap(first, last)), fromFiles);
+    }
+    {
+        auto source = OpenSource();
+        for (const auto& stored : source->GetSnapshot(kFolderCalendar))
+            EXPECT_NE(source->GetExpansion(stored), nullptr) << stored->fileName;
+        EXPECT_EQ(Find(*source, kFolderCalendar, overlap(first, last)), fromFiles);
+        EXPECT_EQ(Find(*source, kFolderCalendar, overlap(week, week + DateTimeSpan(6.0))), weekFromFiles);
+    }
+    bool cancelledSeen = false, movedSeen = false;
+    for (const PimRecord& r : fromFiles) {
+        cancelledSeen |= r.cancelled;
+        movedSeen |= r.subject == u"Choir, moved";
+    }
+    EXPECT_TRUE(cancelledSeen);
+    EXPECT_TRUE(movedSeen);
+
+    std::this_thread::sleep_for(std::chrono::milliseconds(20)); // a new modification time
+    WriteFile("calendar/daily.ics", Event("daily", "DTSTART:" + month + "03T080000\r\nDTEND:" + month +
+                                                       "03T083000\r\nRRULE:FREQ=DAILY;COUNT=2\r\n"
+                                                       "SUMMARY:Swim\r\n"));
+    auto source = OpenSource();
+    int swims = 0, runs = 0;
+    for (const PimRecord& r : Find(*source, kFolderCalendar, overlap(first, last))) {
+        swims += r.subject == u"Swim";
+        runs += r.subject == u"Run";
+    }
+    EXPECT_EQ(swims, 2);
+    EXPECT_EQ(runs, 0);
 }
 
 TEST_F(VdirSourceTest, IndexIsCheckedAgainstTheFiles) {
