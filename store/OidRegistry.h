@@ -43,6 +43,11 @@ public:
     const Files& GetFiles() const { return files_; }
     bool HasFile(const std::string& key) const { return files_.count(key) != 0; }
     Entry FindFile(const std::string& key) const;
+    // The same without a reference of its own, for lookups from several threads.
+    const StoredItem* PeekFile(const std::string& key) const {
+        auto it = files_.find(key);
+        return it == files_.end() ? nullptr : it->second.get();
+    }
     Entry FindOid(std::int32_t oid) const;
     // The entry that holds a UID now (null when none does).
     Entry FindUid(const std::string& uid);

@@ -2,7 +2,6 @@
 
 #include "data/PimFolder.h"
 #include "platform/Log.h"
-#include "platform/ParallelFor.h"
 #include "platform/Paths.h"
 #include "platform/TextUtil.h"
 #include "store/IcsItem.h"
@@ -21,8 +20,6 @@ namespace mirodate {
 namespace {
 
 constexpr std::int64_t kMaxFileBytes = ItemFileLimits::kMaxFileBytes;
-// Stat calls per thread below which another thread does not pay.
-constexpr std::size_t kMinStatsPerSlice = 1000;
 
 bool EndsWith(const std::string& text, const char* suffix) {
     const std::size_t n = std::strlen(suffix);
@@ -54,69 +51,6 @@ bool VdirFileIo::IsItemFile(const std::string& name) {
 
 std::int64_t VdirFileIo::MtimeNs(const struct stat& st) {
     return static_cast<std::int64_t>(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec;
-}
-
-std::vector<VdirFileIo::FoundFile> VdirFileIo::ListItemFiles(bool create, std::uint64_t& bytes,
-                                                             std::size_t threads) const {
-    // The names first, then their stamps on every core: on a store of ten
-    // thousand files the stat calls are most of a start.
-    struct Directory {
-        DIR* dir = nullptr;
-        ~Directory() {
-            if (dir)
-                closedir(dir);
-        }
-    };
-    Directory dirs[kDirectoryCount];
-    std::vector<FoundFile> found;
-    for (int directory = 0; directory < kDirectoryCount; ++directory) {
-        const std::string path = DirectoryPath(directory);
-        if (create)
-            Paths::MakeDirs(path);
-        dirs[directory].dir = opendir(path.c_str());
-        if (!dirs[directory].dir)
-            continue;
-        while (dirent* entry = readdir(dirs[directory].dir)) {
-            if (IsItemFile(entry->d_name))
-                found.push_back({directory, entry->d_name, 0, 0});
-        }
-    }
-    // Why a name is dropped, told afterwards in listing order.
-    enum class Problem : unsigned char { None, Gone, Loop, NotRegular };
-    std::vector<Problem> problems(found.size(), Problem::None);
-    ParallelFor(
-        found.size(), kMinStatsPerSlice,
-        [&](std::size_t begin, std::size_t end) {
-            for (std::size_t i = begin; i < end; ++i) {
-                FoundFile& file = found[i];
-                struct stat fileStat {};
-                if (fstatat(dirfd(dirs[file.directory].dir), file.name.c_str(), &fileStat, 0) != 0) {
-                    problems[i] = errno == ELOOP ? Problem::Loop : Problem::Gone;
-                } else if (!S_ISREG(fileStat.st_mode)) {
-                    problems[i] = Problem::NotRegular;
-                } else {
-                    file.size = fileStat.st_size;
-                    file.mtimeNs = MtimeNs(fileStat);
-                }
-            }
-        },
-        threads);
-    bytes = 0;
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < found.size(); ++i) {
-        if (problems[i] == Problem::Loop || problems[i] == Problem::NotRegular)
-            Log::Warning("store: skipped %s: %s",
-                         PrintableText(FilePath(found[i].directory, found[i].name)).c_str(),
-                         problems[i] == Problem::Loop ? "a loop of symbolic links" : "not a regular file");
-        if (problems[i] != Problem::None)
-            continue;
-        bytes += static_cast<std::uint64_t>(found[i].size);
-        if (kept != i)
-            found[kept] = std::move(found[i]);
-        ++kept;
-    }
-    found.resize(kept);
-    return found;
 }
 
 bool VdirFileIo::ReadWholeFile(const std::string& path, std::string& text) const {

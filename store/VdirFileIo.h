@@ -29,17 +29,13 @@ public:
     static bool IsItemFile(const std::string& name);
     static std::int64_t MtimeNs(const struct stat& st);
 
-    // An item file found by a listing, with the stamp it has now.
+    // An item file found by a listing (VdirListing), with the stamp it has now.
     struct FoundFile {
         int directory = 0;
         std::string name;
         std::int64_t size = 0;
         std::int64_t mtimeNs = 0;
     };
-    // The regular item files of the three directories (made first when
-    // `create`); `bytes` is their size in all. Others are skipped with a warning.
-    // Their stamps are read on up to `threads` threads.
-    std::vector<FoundFile> ListItemFiles(bool create, std::uint64_t& bytes, std::size_t threads) const;
 
     // A whole regular file of at most the size limit.
     bool ReadWholeFile(const std::string& path, std::string& text) const;

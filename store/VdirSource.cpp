@@ -12,8 +12,10 @@
 #include "store/StoreIndex.h"
 #include "store/SyncState.h"
 #include "store/VdirFolder.h"
+#include "store/VdirListing.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cctype>
 #include <cerrno>
 #include <chrono>
@@ -34,6 +36,8 @@ namespace {
 
 // Files read per thread below which another thread does not pay.
 constexpr std::size_t kMinReadsPerSlice = 64;
+// Index entries checked per thread below which another thread does not pay.
+constexpr std::size_t kMinChecksPerSlice = 2000;
 // Series files parsed per thread below which another thread does not pay.
 constexpr std::size_t kMinParsesPerSlice = 16;
 
@@ -87,41 +91,57 @@ bool VdirSource::Logon() {
     // that, which is what a start finds nearly always.
     const std::string indexPath = StoreIndex::PathFor(root);
     OidRegistry prepared;
-    std::thread indexReader;
+    // The listing's names, once read; the index thread helps stamp them
+    // when it is done with the index.
+    std::atomic<VdirListing*> names{nullptr};
     auto loadIndex = [&] {
         prepared.Adopt(StoreIndex::Load(indexPath, root, StoreIndex::ZoneSignature()));
         prepared.AssignAll(true);
+        if (VdirListing* listing = names.load())
+            listing->StampAll();
     };
-    if (options_.useIndex) {
+    std::vector<std::thread> helpers;
+    auto startHelper = [&helpers](auto work) {
         try {
-            indexReader = std::thread(loadIndex);
+            helpers.emplace_back(std::move(work));
+            return true;
         } catch (const std::system_error&) {
-            loadIndex(); // no thread to be had: read it here
+            return false; // no thread to be had: the work is done here
         }
-    }
+    };
+    if (options_.useIndex && !startHelper(loadIndex))
+        loadIndex();
+    VdirListing listing(io_, options_.createIfMissing);
+    names.store(&listing);
+    // The cores beyond the index's and this one's stamp names too.
+    for (std::size_t core = 2; core < std::min(CoreCount(), kMaxParallelSlices); ++core)
+        if (!startHelper([&listing] { listing.StampAll(); }))
+            break;
+    listing.StampAll();
+    for (std::thread& helper : helpers)
+        helper.join();
     std::uint64_t foundBytes = 0;
-    // One core is busy with the index meanwhile.
-    const std::size_t listThreads = indexReader.joinable() ? CoreCount() - 1 : CoreCount();
-    std::vector<VdirFileIo::FoundFile> found =
-        io_.ListItemFiles(options_.createIfMissing, foundBytes, listThreads);
-    if (indexReader.joinable())
-        indexReader.join();
+    std::vector<VdirFileIo::FoundFile> found = listing.Finish(foundBytes);
     const std::size_t indexed = prepared.GetFiles().size();
     const bool indexFits = indexed == 0 || IndexFitsFiles(indexPath, indexed, found.size(), foundBytes);
 
     // Every file as the index has it, and no other: its tables are the store's.
-    std::string key;
-    auto keyOf = [&key](const VdirFileIo::FoundFile& file) -> const std::string& {
+    auto keyOf = [](const VdirFileIo::FoundFile& file, std::string& key) -> const std::string& {
         key.assign(1, static_cast<char>('0' + file.directory));
         key += '/';
         key += file.name;
         return key;
     };
-    bool whole = indexFits && indexed == found.size() && indexed > 0;
-    for (std::size_t i = 0; whole && i < found.size(); ++i) {
-        const OidRegistry::Entry known = prepared.FindFile(keyOf(found[i]));
-        whole = known && known->size == found[i].size && known->mtimeNs == found[i].mtimeNs;
-    }
+    std::atomic<bool> whole = indexFits && indexed == found.size() && indexed > 0;
+    if (whole)
+        ParallelFor(found.size(), kMinChecksPerSlice, [&](std::size_t begin, std::size_t end) {
+            std::string key;
+            for (std::size_t i = begin; i < end && whole.load(std::memory_order_relaxed); ++i) {
+                const StoredItem* known = prepared.PeekFile(keyOf(found[i], key));
+                if (!known || known->size != found[i].size || known->mtimeNs != found[i].mtimeNs)
+                    whole = false;
+            }
+        });
     if (whole) {
         registry_ = std::move(prepared);
         for (const auto& [name, item] : registry_.GetFiles())
@@ -145,9 +165,10 @@ bool VdirSource::Logon() {
     std::size_t reused = 0;
     registry_.Reserve(found.size());
     std::vector<std::size_t> unread; // files the index does not hold as they are now
+    std::string key;
     for (std::size_t i = 0; i < found.size(); ++i) {
         const VdirFileIo::FoundFile& file = found[i];
-        auto known = index.find(keyOf(file));
+        auto known = index.find(keyOf(file, key));
         if (known == index.end() || known->second->size != file.size ||
             known->second->mtimeNs != file.mtimeNs) {
             unread.push_back(i);
