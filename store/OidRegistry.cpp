@@ -74,13 +74,23 @@ void OidRegistry::AssignAll(bool keepOids) {
     snapshots_.clear();
     std::vector<const Entry*> ordered;
     ordered.reserve(files_.size());
-    for (auto& [key, item] : files_)
-        if (item->readable)
-            ordered.push_back(&item);
-    std::sort(ordered.begin(), ordered.end(),
-              [](const Entry* a, const Entry* b) { return InFileOrder(**a, **b); });
-    if (keepOids && TakeStoredOids(ordered))
+    auto inOrder = [](const Entry* a, const Entry* b) { return InFileOrder(**a, **b); };
+    if (fileOrder_.size() == files_.size()) {
+        for (const Entry& item : fileOrder_)
+            if (item->readable)
+                ordered.push_back(&item);
+    }
+    if (ordered.empty() || !std::is_sorted(ordered.begin(), ordered.end(), inOrder)) {
+        ordered.clear();
+        for (auto& [key, item] : files_)
+            if (item->readable)
+                ordered.push_back(&item);
+        std::sort(ordered.begin(), ordered.end(), inOrder);
+    }
+    if (keepOids && TakeStoredOids(ordered)) {
+        fileOrder_.clear();
         return;
+    }
     // The first file of a UID (in folder and name order) holds it; later
     // files with the same UID are skipped.
     std::unordered_map<std::string_view, StoredItem*> byUid;
@@ -118,6 +128,7 @@ void OidRegistry::AssignAll(bool keepOids) {
         byOid_[item->record.oid] = item;
         snapshots_[item->folder].push_back(item);
     }
+    fileOrder_.clear();
 }
 
 void OidRegistry::AssignOid(StoredItem& item) {

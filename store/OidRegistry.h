@@ -32,7 +32,12 @@ public:
     void Add(Files::node_type node);
     // Takes a whole table of files at once (an index as it was read), and
     // gives the files back out.
-    void Adopt(Files files) { files_ = std::move(files); }
+    // `fileOrder`, when it holds every file in folder and file name order,
+    // spares AssignAll its sort.
+    void Adopt(Files files, std::vector<Entry> fileOrder = {}) {
+        files_ = std::move(files);
+        fileOrder_ = std::move(fileOrder);
+    }
     Files TakeFiles() { return std::move(files_); }
     void AssignAll(bool keepOids = false);
 
@@ -77,6 +82,7 @@ private:
     std::unordered_map<std::int32_t, std::string> uidOfOid_;
     std::map<int, Snapshot> snapshots_; // per folder, rebuilt after a change
     bool uidTablesMade_ = true;
+    std::vector<Entry> fileOrder_; // given with Adopt, used once
     bool dirty_ = false;
 };
 

@@ -334,8 +334,8 @@ std::uint64_t StoreIndex::MaxBytesFor(std::size_t files, std::uint64_t fileBytes
 }
 
 StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string& root,
-                                     const std::string& zone, std::size_t maxEntries,
-                                     std::uint64_t maxBytes) {
+                                     const std::string& zone, std::size_t maxEntries, std::uint64_t maxBytes,
+                                     std::vector<std::shared_ptr<StoredItem>>* order) {
     Entries entries;
     // A file that shrinks while mapped would fault on its lost pages: the
     // index is only ever replaced by a rename, never truncated.
@@ -375,6 +375,8 @@ StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string&
         key += static_cast<char>('0' + item->directory); // 0..2, checked above
         key += '/';
         key += item->fileName;
+        if (order)
+            order->push_back(item);
         plausible = entries.emplace(std::move(key), std::move(item)).second;
     }
     if (!plausible || !reader.AtEnd()) {
@@ -382,12 +384,18 @@ StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string&
         Log::Warning("store: the index %s is damaged; it is built again from the files",
                      PrintableText(path).c_str());
         entries.clear();
+        if (order)
+            order->clear();
     }
     return entries;
 }
 
 bool StoreIndex::Save(const std::string& path, const std::string& root, const std::string& zone,
-                      const std::vector<const StoredItem*>& items) {
+                      std::vector<const StoredItem*> items) {
+    // In file order, so that the next start need not sort what it reads.
+    std::sort(items.begin(), items.end(), [](const StoredItem* a, const StoredItem* b) {
+        return a->directory != b->directory ? a->directory < b->directory : a->fileName < b->fileName;
+    });
     const std::size_t slash = path.rfind('/');
     if (slash == std::string::npos || !Paths::MakeDirs(path.substr(0, slash), 0700))
         return false;

@@ -28,13 +28,17 @@ public:
     // Empty when the file is missing, damaged, or for another root or zone.
     // An index with more entries than the store has files, or more bytes
     // than its files could give, is not read: it is stale or not ours.
+    // `order`, when given, gets the entries as the file holds them, which
+    // is folder and file name order for an index this program wrote.
     static Entries Load(const std::string& path, const std::string& root, const std::string& zone,
-                        std::size_t maxEntries = SIZE_MAX, std::uint64_t maxBytes = UINT64_MAX);
+                        std::size_t maxEntries = SIZE_MAX, std::uint64_t maxBytes = UINT64_MAX,
+                        std::vector<std::shared_ptr<StoredItem>>* order = nullptr);
     // The most bytes an honest index of `files` files of `fileBytes` bytes
     // in all can take: their text twice over (UTF-16) and a record each.
     static std::uint64_t MaxBytesFor(std::size_t files, std::uint64_t fileBytes);
+    // Writes the items in folder and file name order.
     static bool Save(const std::string& path, const std::string& root, const std::string& zone,
-                     const std::vector<const StoredItem*>& items);
+                     std::vector<const StoredItem*> items);
 };
 
 } // namespace mirodate

@@ -95,7 +95,10 @@ bool VdirSource::Logon() {
     // when it is done with the index.
     std::atomic<VdirListing*> names{nullptr};
     auto loadIndex = [&] {
-        prepared.Adopt(StoreIndex::Load(indexPath, root, StoreIndex::ZoneSignature()));
+        std::vector<OidRegistry::Entry> order;
+        auto entries =
+            StoreIndex::Load(indexPath, root, StoreIndex::ZoneSignature(), SIZE_MAX, UINT64_MAX, &order);
+        prepared.Adopt(std::move(entries), std::move(order));
         prepared.AssignAll(true);
         if (VdirListing* listing = names.load())
             listing->StampAll();
@@ -237,7 +240,8 @@ void VdirSource::SaveIndexLocked() {
     items.reserve(registry_.GetFiles().size());
     for (const auto& [key, item] : registry_.GetFiles())
         items.push_back(item.get());
-    if (StoreIndex::Save(StoreIndex::PathFor(io_.Root()), io_.Root(), StoreIndex::ZoneSignature(), items))
+    if (StoreIndex::Save(StoreIndex::PathFor(io_.Root()), io_.Root(), StoreIndex::ZoneSignature(),
+                         std::move(items)))
         registry_.SetDirty(false);
 }
 
