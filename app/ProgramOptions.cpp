@@ -147,4 +147,12 @@ std::string ProgramOptions::Usage() {
            "                [command text, e.g. calendar -vd -d20091231]\n";
 }
 
+bool ProgramOptions::ParseCommandLine(int argc, char** argv, ProgramOptions& options) {
+    std::string error;
+    if (Parse(std::vector<std::string>(argv + 1, argv + argc), options, error))
+        return true;
+    std::fprintf(stderr, "mirodate: %s\n%s", error.c_str(), Usage().c_str());
+    return false;
+}
+
 } // namespace mirodate

@@ -33,6 +33,9 @@ struct ProgramOptions {
     // Reads argv[1..]; on a bad option returns false with a one-line message.
     static bool Parse(const std::vector<std::string>& args, ProgramOptions& options, std::string& error);
     static std::string Usage();
+    // Parse of a program's own arguments; on an error it prints the error
+    // and the usage to stderr and returns false.
+    static bool ParseCommandLine(int argc, char** argv, ProgramOptions& options);
 };
 
 } // namespace mirodate

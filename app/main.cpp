@@ -25,13 +25,9 @@ constexpr int kHeapGrowthBytes = 64 << 20;
 } // namespace
 
 int main(int argc, char** argv) {
-    std::vector<std::string> args(argv + 1, argv + argc);
     mirodate::ProgramOptions options;
-    std::string error;
-    if (!mirodate::ProgramOptions::Parse(args, options, error)) {
-        std::fprintf(stderr, "mirodate: %s\n%s", error.c_str(), mirodate::ProgramOptions::Usage().c_str());
+    if (!mirodate::ProgramOptions::ParseCommandLine(argc, argv, options))
         return 2;
-    }
     if (mirodate::StoreCommands::Wanted(options)) {
         mallopt(M_TOP_PAD, kHeapGrowthBytes);
         mirodate::Log::SetVerbose(options.verbose);

@@ -211,11 +211,15 @@ icaltimetype IcalTime::FromLocalDate(double date, bool isDate, const icaltimezon
 }
 
 icaltimetype IcalTime::WallTimeIn(std::time_t seconds, const icaltimezone* zone) {
-    icaltimetype t = icaltime_null_time();
     std::tm tm{};
     const std::time_t wall = seconds + (zone ? OffsetAt(seconds, zone) : 0);
     if (zone ? !gmtime_r(&wall, &tm) : !localtime_r(&seconds, &tm))
-        return t;
+        return icaltime_null_time();
+    return FromTm(tm, zone);
+}
+
+icaltimetype IcalTime::FromTm(const std::tm& tm, const icaltimezone* zone) {
+    icaltimetype t = icaltime_null_time();
     t.year = tm.tm_year + 1900;
     t.month = tm.tm_mon + 1;
     t.day = tm.tm_mday;

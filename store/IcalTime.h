@@ -19,6 +19,8 @@ public:
     static icaltimetype FromLocalDate(double date, bool isDate, const icaltimezone* zone);
     // The wall time of an instant in `zone` (the local zone when null).
     static icaltimetype WallTimeIn(std::time_t seconds, const icaltimezone* zone);
+    // The broken-down time `tm` as a time of `zone` (null: floating).
+    static icaltimetype FromTm(const std::tm& tm, const icaltimezone* zone);
     // The Olson name of the local zone ("Europe/Berlin"), empty when unknown;
     // "UTC" for UTC.
     static std::string LocalZoneName();

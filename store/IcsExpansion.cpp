@@ -107,17 +107,9 @@ std::time_t WallSeconds(const icaltimetype& t) {
 
 icaltimetype WallTime(std::time_t seconds, const icaltimezone* zone) {
     std::tm tm{};
-    icaltimetype t = icaltime_null_time();
     if (!gmtime_r(&seconds, &tm))
-        return t;
-    t.year = tm.tm_year + 1900;
-    t.month = tm.tm_mon + 1;
-    t.day = tm.tm_mday;
-    t.hour = tm.tm_hour;
-    t.minute = tm.tm_min;
-    t.second = tm.tm_sec;
-    t.zone = zone;
-    return t;
+        return icaltime_null_time();
+    return IcalTime::FromTm(tm, zone);
 }
 
 int DayNumber(const icaltimetype& t) {

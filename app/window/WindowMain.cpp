@@ -3,15 +3,9 @@
 #include "app/Application.h"
 #include "app/ProgramOptions.h"
 
-#include <cstdio>
-
 int main(int argc, char** argv) {
-    std::vector<std::string> args(argv + 1, argv + argc);
     mirodate::ProgramOptions options;
-    std::string error;
-    if (!mirodate::ProgramOptions::Parse(args, options, error)) {
-        std::fprintf(stderr, "mirodate: %s\n%s", error.c_str(), mirodate::ProgramOptions::Usage().c_str());
+    if (!mirodate::ProgramOptions::ParseCommandLine(argc, argv, options))
         return 2;
-    }
     return mirodate::Application(std::move(options)).Run();
 }
