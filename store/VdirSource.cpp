@@ -91,17 +91,19 @@ bool VdirSource::Logon() {
     // that, which is what a start finds nearly always.
     const std::string indexPath = StoreIndex::PathFor(root);
     OidRegistry prepared;
-    // The listing's names, once read; the index thread helps stamp them
-    // when it is done with the index.
+    // The listing's names, once read: the index thread, or a thread of its
+    // own without an index, helps stamp them.
     std::atomic<VdirListing*> names{nullptr};
-    auto loadIndex = [&] {
+    auto readIndex = [&] {
         std::vector<OidRegistry::Entry> order;
         auto entries =
             StoreIndex::Load(indexPath, root, StoreIndex::ZoneSignature(), SIZE_MAX, UINT64_MAX, &order);
         prepared.Adopt(std::move(entries), std::move(order));
         prepared.AssignAll(true);
-        if (VdirListing* listing = names.load())
-            listing->StampAll();
+    };
+    auto stampWhenListed = [&names] {
+        names.wait(nullptr);
+        names.load()->StampAll();
     };
     std::vector<std::thread> helpers;
     auto startHelper = [&helpers](auto work) {
@@ -112,14 +114,20 @@ bool VdirSource::Logon() {
             return false; // no thread to be had: the work is done here
         }
     };
-    if (options_.useIndex && !startHelper(loadIndex))
-        loadIndex();
+    if (options_.useIndex) {
+        if (!startHelper([&] {
+                readIndex();
+                stampWhenListed();
+            }))
+            readIndex();
+    }
+    // Every other core stamps names too, this one included.
+    for (std::size_t core = helpers.size() + 1; core < std::min(CoreCount(), kMaxParallelSlices); ++core)
+        if (!startHelper(stampWhenListed))
+            break;
     VdirListing listing(io_, options_.createIfMissing);
     names.store(&listing);
-    // The cores beyond the index's and this one's stamp names too.
-    for (std::size_t core = 2; core < std::min(CoreCount(), kMaxParallelSlices); ++core)
-        if (!startHelper([&listing] { listing.StampAll(); }))
-            break;
+    names.notify_all();
     listing.StampAll();
     for (std::thread& helper : helpers)
         helper.join();
