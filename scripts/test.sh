@@ -15,12 +15,18 @@ run_suite() {
 }
 
 echo "== format check =="
-# Every C++ file stays as the checked-in .clang-format lays it out.
-unformatted=$(git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run 2>&1 | grep -c "warning:")
-if [ "$unformatted" -eq 0 ]; then
-    echo "format: clean"
+# Every C++ file stays as the checked-in .clang-format lays it out. Other
+# versions of clang-format lay out a few constructs differently, so the check
+# holds for the version the tree is kept with.
+if clang-format --version | grep -q "version 14\."; then
+    unformatted=$(git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run 2>&1 | grep -c "warning:")
+    if [ "$unformatted" -eq 0 ]; then
+        echo "format: clean"
+    else
+        echo "format: $unformatted places differ from .clang-format; run scripts/format.sh"; status=1
+    fi
 else
-    echo "format: $unformatted places differ from .clang-format; run scripts/format.sh"; status=1
+    echo "format: not checked, $(clang-format --version | head -1) is not version 14"
 fi
 echo "== normal build =="
 run_suite build -DCMAKE_BUILD_TYPE=RelWithDebInfo || status=1
