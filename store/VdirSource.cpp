@@ -38,6 +38,10 @@ namespace {
 constexpr std::size_t kMinReadsPerSlice = 64;
 // Index entries checked per thread below which another thread does not pay.
 constexpr std::size_t kMinChecksPerSlice = 2000;
+// The longest window and the most occurrences of a series kept with the index
+// (a month's view with its longest items, a series several times a day).
+constexpr double kMaxKeptDays = 62.0;
+constexpr std::size_t kMaxKeptOccurrences = 250;
 // Series files parsed per thread below which another thread does not pay.
 constexpr std::size_t kMinParsesPerSlice = 16;
 
@@ -296,8 +300,15 @@ void VdirSource::KeepExpansion(const std::shared_ptr<const StoredItem>& item, do
     const Entry current = registry_.FindFile(Key(item->directory, item->fileName));
     if (current != item)
         return;
-    auto holds = [now](const StoredExpansion& kept) { return kept.from <= now && now < kept.before; };
-    if (current->expansion && holds(*current->expansion) && !(from <= now && now < before))
+    // Only a month's window around today is worth its room in the index: a
+    // search a year ahead, or a series every ten minutes, is expanded anew.
+    if (!(from <= now && now < before) || before - from > kMaxKeptDays ||
+        occurrences.size() > kMaxKeptOccurrences)
+        return;
+    // A kept window that holds today gives way only to one that covers it,
+    // so that a day or week view does not undo the month's.
+    if (const auto& kept = current->expansion;
+        kept && kept->from <= now && now < kept->before && !(from <= kept->from && kept->before <= before))
         return;
     auto expansion = std::make_shared<StoredExpansion>();
     expansion->from = from;

@@ -92,9 +92,9 @@ public:
     // The expansion kept for a series (null: none).
     std::shared_ptr<const StoredExpansion> GetExpansion(const std::shared_ptr<const StoredItem>& item);
     // Keeps a series' whole expansion over [from, before) for later queries
-    // and the index, unless the entry was replaced meanwhile or already keeps
-    // one that holds `now` (a local DATE) while this one does not: the month
-    // of today is what every start asks for.
+    // and the index when the window holds `now` (a local DATE) and is about a
+    // month long, the window every start asks for, unless the entry was
+    // replaced meanwhile.
     void KeepExpansion(const std::shared_ptr<const StoredItem>& item, double from, double before,
                        std::vector<PimRecord> occurrences, double now);
     // Parses those of `items` not parsed yet, on every core, so that the

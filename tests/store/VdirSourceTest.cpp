@@ -197,8 +197,13 @@ TEST_F(VdirSourceTest, AKeptExpansionGivesWhatTheRuleGives) {
     }
     {
         auto source = OpenSource();
-        for (const auto& stored : source->GetSnapshot(kFolderCalendar))
-            EXPECT_NE(source->GetExpansion(stored), nullptr) << stored->fileName;
+        for (const auto& stored : source->GetSnapshot(kFolderCalendar)) {
+            // The month's window, not the week's asked for after it.
+            const auto kept = source->GetExpansion(stored);
+            ASSERT_NE(kept, nullptr) << stored->fileName;
+            EXPECT_LE(kept->from, first.ToDate());
+            EXPECT_GE(kept->before, last.ToDate() + 1.0);
+        }
         EXPECT_EQ(Find(*source, kFolderCalendar, overlap(first, last)), fromFiles);
         EXPECT_EQ(Find(*source, kFolderCalendar, overlap(week, week + DateTimeSpan(6.0))), weekFromFiles);
     }
@@ -214,6 +219,13 @@ TEST_F(VdirSourceTest, AKeptExpansionGivesWhatTheRuleGives) {
     WriteFile("calendar/daily.ics", Event("daily", "DTSTART:" + month + "03T080000\r\nDTEND:" + month +
                                                        "03T083000\r\nRRULE:FREQ=DAILY;COUNT=2\r\n"
                                                        "SUMMARY:Swim\r\n"));
+    {
+        auto source = OpenSource(false);
+        // A search a year ahead is not worth keeping.
+        Find(*source, kFolderCalendar, overlap(first, first + DateTimeSpan(365.0)));
+        for (const auto& stored : source->GetSnapshot(kFolderCalendar))
+            EXPECT_EQ(source->GetExpansion(stored), nullptr) << stored->fileName;
+    }
     auto source = OpenSource();
     int swims = 0, runs = 0;
     for (const PimRecord& r : Find(*source, kFolderCalendar, overlap(first, last))) {
