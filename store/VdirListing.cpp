@@ -1,6 +1,7 @@
 #include "store/VdirListing.h"
 
 #include "platform/Log.h"
+#include "platform/ParallelFor.h"
 #include "platform/Paths.h"
 #include "platform/TextUtil.h"
 
@@ -32,6 +33,7 @@ VdirListing::VdirListing(const VdirFileIo& io, bool create) : io_(io) {
                 files_.push_back({directory, entry->d_name, 0, 0});
     }
     problems_.assign(files_.size(), Problem::None);
+    chunkChecked_.assign((files_.size() + kChunk - 1) / kChunk, 0);
 }
 
 VdirListing::~VdirListing() {
@@ -58,7 +60,36 @@ void VdirListing::StampAll() {
                 file.mtimeNs = VdirFileIo::MtimeNs(fileStat);
             }
         }
+        if (const Check* check = check_.load(std::memory_order_acquire))
+            CheckChunk(*check, begin / kChunk);
     }
+}
+
+void VdirListing::SetCheck(const Check* check) {
+    check_.store(check, std::memory_order_release);
+}
+
+void VdirListing::CheckChunk(const Check& check, std::size_t chunk) {
+    std::string scratch;
+    const std::size_t end = std::min(files_.size(), (chunk + 1) * kChunk);
+    for (std::size_t i = chunk * kChunk; i < end && !checkFailed_.load(std::memory_order_relaxed); ++i)
+        if (problems_[i] == Problem::None && !check(files_[i], scratch))
+            checkFailed_ = true;
+    chunkChecked_[chunk] = 1;
+}
+
+bool VdirListing::CheckRest() {
+    const Check* check = check_.load(std::memory_order_acquire);
+    if (!check)
+        return false;
+    // Checks on every core are not worth a thread below this many chunks.
+    constexpr std::size_t kMinChunksPerSlice = 16;
+    ParallelFor(chunkChecked_.size(), kMinChunksPerSlice, [&](std::size_t begin, std::size_t end) {
+        for (std::size_t chunk = begin; chunk < end; ++chunk)
+            if (!chunkChecked_[chunk])
+                CheckChunk(*check, chunk);
+    });
+    return !checkFailed_;
 }
 
 std::vector<VdirFileIo::FoundFile> VdirListing::Finish(std::uint64_t& bytes) {

@@ -36,14 +36,20 @@ namespace {
 
 // Files read per thread below which another thread does not pay.
 constexpr std::size_t kMinReadsPerSlice = 64;
-// Index entries checked per thread below which another thread does not pay.
-constexpr std::size_t kMinChecksPerSlice = 2000;
 // The longest window and the most occurrences of a series kept with the index
 // (a month's view with its longest items, a series several times a day).
 constexpr double kMaxKeptDays = 62.0;
 constexpr std::size_t kMaxKeptOccurrences = 250;
 // Series files parsed per thread below which another thread does not pay.
 constexpr std::size_t kMinParsesPerSlice = 16;
+
+// A file's key ("<directory>/<file name>") built in `key`, which keeps its room.
+const std::string& KeyInto(int directory, const std::string& name, std::string& key) {
+    key.assign(1, static_cast<char>('0' + directory));
+    key += '/';
+    key += name;
+    return key;
+}
 
 int DirectoryOfFolder(int folderId) {
     if (folderId == kFolderTasks)
@@ -95,8 +101,14 @@ bool VdirSource::Logon() {
     // that, which is what a start finds nearly always.
     const std::string indexPath = StoreIndex::PathFor(root);
     OidRegistry prepared;
+    // Whether a listed file is as the index has it.
+    const VdirListing::Check matchesIndex = [&prepared](const VdirFileIo::FoundFile& file, std::string& key) {
+        const StoredItem* known = prepared.PeekFile(KeyInto(file.directory, file.name, key));
+        return known && known->size == file.size && known->mtimeNs == file.mtimeNs;
+    };
     // The listing's names, once read: the index thread, or a thread of its
-    // own without an index, helps stamp them.
+    // own without an index, helps stamp them, and the index thread checks
+    // them against the index as they are stamped.
     std::atomic<VdirListing*> names{nullptr};
     auto readIndex = [&] {
         std::vector<OidRegistry::Entry> order;
@@ -118,11 +130,16 @@ bool VdirSource::Logon() {
             return false; // no thread to be had: the work is done here
         }
     };
+    bool indexReadHere = false;
     if (options_.useIndex) {
-        if (!startHelper([&] {
-                readIndex();
-                stampWhenListed();
-            }))
+        indexReadHere = !startHelper([&] {
+            readIndex();
+            names.wait(nullptr);
+            if (!prepared.GetFiles().empty())
+                names.load()->SetCheck(&matchesIndex);
+            names.load()->StampAll();
+        });
+        if (indexReadHere)
             readIndex();
     }
     // Every other core stamps names too, this one included.
@@ -130,33 +147,21 @@ bool VdirSource::Logon() {
         if (!startHelper(stampWhenListed))
             break;
     VdirListing listing(io_, options_.createIfMissing);
+    if (indexReadHere && !prepared.GetFiles().empty())
+        listing.SetCheck(&matchesIndex);
     names.store(&listing);
     names.notify_all();
     listing.StampAll();
     for (std::thread& helper : helpers)
         helper.join();
+    const bool allMatchIndex = listing.CheckRest();
     std::uint64_t foundBytes = 0;
     std::vector<VdirFileIo::FoundFile> found = listing.Finish(foundBytes);
     const std::size_t indexed = prepared.GetFiles().size();
     const bool indexFits = indexed == 0 || IndexFitsFiles(indexPath, indexed, found.size(), foundBytes);
 
     // Every file as the index has it, and no other: its tables are the store's.
-    auto keyOf = [](const VdirFileIo::FoundFile& file, std::string& key) -> const std::string& {
-        key.assign(1, static_cast<char>('0' + file.directory));
-        key += '/';
-        key += file.name;
-        return key;
-    };
-    std::atomic<bool> whole = indexFits && indexed == found.size() && indexed > 0;
-    if (whole)
-        ParallelFor(found.size(), kMinChecksPerSlice, [&](std::size_t begin, std::size_t end) {
-            std::string key;
-            for (std::size_t i = begin; i < end && whole.load(std::memory_order_relaxed); ++i) {
-                const StoredItem* known = prepared.PeekFile(keyOf(found[i], key));
-                if (!known || known->size != found[i].size || known->mtimeNs != found[i].mtimeNs)
-                    whole = false;
-            }
-        });
+    const bool whole = allMatchIndex && indexFits && indexed == found.size() && indexed > 0;
     if (whole) {
         registry_ = std::move(prepared);
         for (const auto& [name, item] : registry_.GetFiles())
@@ -183,7 +188,7 @@ bool VdirSource::Logon() {
     std::string key;
     for (std::size_t i = 0; i < found.size(); ++i) {
         const VdirFileIo::FoundFile& file = found[i];
-        auto known = index.find(keyOf(file, key));
+        auto known = index.find(KeyInto(file.directory, file.name, key));
         if (known == index.end() || known->second->size != file.size ||
             known->second->mtimeNs != file.mtimeNs) {
             unread.push_back(i);
