@@ -63,12 +63,15 @@ bool ReminderService::Start(HWND owner, Hooks hooks) {
         return false;
     const double now = Now();
     double saved = 0.0;
-    if (!ParseMoment(Settings::GetText(kCheckedSetting, u""), saved) || saved > now) {
+    // A saved moment is whole milliseconds: one that rounded up past now is not in the future.
+    if (!ParseMoment(Settings::GetText(kCheckedSetting, u""), saved) || saved > now + kSameMoment) {
         // The first start: what was due earlier today counts as missed.
         saved = std::floor(now);
     }
     checked_ = std::max(saved, now - kMissedLookBackDays);
-    Reschedule();
+    // The first schedule reads the alarms of every file that may remind:
+    // it waits for the timer, which comes after the first frame is shown.
+    SetTimer(window, kFireTimer, 0);
     return true;
 }
 

@@ -69,6 +69,8 @@ protected:
                "END:VEVENT\r\nEND:VCALENDAR\r\n";
     }
 
+    static constexpr std::uint32_t kFirstScheduleMs = 10;
+
     // The program's start: a store over the folder, the main window.
     void Start() {
         VdirSource::Options options;
@@ -83,6 +85,8 @@ protected:
         ASSERT_TRUE(main_->Create(u""));
         mainHwnd_ = main_->GetHwnd();
         Settle();
+        // The first schedule follows the first frame, on the shortest timer.
+        Advance(kFirstScheduleMs);
     }
     void Stop() {
         mainHwnd_ = nullptr;
