@@ -41,6 +41,10 @@ int main(int argc, char** argv) {
     const std::string window = mirodate::Paths::ProgramDir() + "/" + kWindowProgram;
     argv[0] = const_cast<char*>(window.c_str());
     execv(window.c_str(), argv);
-    std::fprintf(stderr, "mirodate: cannot start %s: %s\n", window.c_str(), std::strerror(errno));
+    const int besideError = errno;
+    // Not beside this program (no /proc, or installed apart): the search path.
+    argv[0] = const_cast<char*>(kWindowProgram);
+    execvp(kWindowProgram, argv);
+    std::fprintf(stderr, "mirodate: cannot start %s: %s\n", window.c_str(), std::strerror(besideError));
     return 127;
 }
