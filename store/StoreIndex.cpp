@@ -6,6 +6,7 @@
 #include "platform/MappedFile.h"
 #include "platform/Paths.h"
 #include "platform/TextUtil.h"
+#include "store/VdirFileIo.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -371,10 +372,7 @@ StoreIndex::Entries StoreIndex::Load(const std::string& path, const std::string&
         if (!plausible)
             break;
         std::string key;
-        key.reserve(item->fileName.size() + 2);
-        key += static_cast<char>('0' + item->directory); // 0..2, checked above
-        key += '/';
-        key += item->fileName;
+        VdirFileIo::KeyInto(item->directory, item->fileName, key);
         if (order)
             order->push_back(item);
         plausible = entries.emplace(std::move(key), std::move(item)).second;

@@ -6,9 +6,12 @@
 #include "platform/TextUtil.h"
 #include "store/IcsItem.h"
 #include "store/ItemFileLimits.h"
+#include "store/OidRegistry.h"
 #include "store/VcardReader.h"
 
+#include <cctype>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
@@ -42,7 +45,15 @@ std::string VdirFileIo::FilePath(int directory, const std::string& fileName) con
 }
 
 std::string VdirFileIo::Key(int directory, const std::string& fileName) {
-    return std::to_string(directory) + "/" + fileName;
+    std::string key;
+    return KeyInto(directory, fileName, key);
+}
+
+const std::string& VdirFileIo::KeyInto(int directory, const std::string& fileName, std::string& key) {
+    key.assign(std::to_string(directory));
+    key += '/';
+    key += fileName;
+    return key;
 }
 
 bool VdirFileIo::IsItemFile(const std::string& name) {
@@ -192,6 +203,71 @@ bool VdirFileIo::WriteAtomically(int directory, const std::string& fileName, con
         close(dirFd);
     }
     return true;
+}
+
+void VdirFileIo::StageDurably(std::vector<StagedFile>& files) const {
+    bool anyWritten = false;
+    for (StagedFile& file : files) {
+        const std::string dir = DirectoryPath(file.directory);
+        if (!Paths::MakeDirs(dir))
+            continue;
+        const std::string temp = dir + "/." + file.fileName + ".tmp";
+        const std::string& text = *file.text;
+        const int fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+        if (fd < 0)
+            continue;
+        std::size_t done = 0;
+        while (done < text.size()) {
+            const ssize_t n = write(fd, text.data() + done, text.size() - done);
+            if (n <= 0)
+                break;
+            done += static_cast<std::size_t>(n);
+        }
+        if (close(fd) != 0 || done != text.size()) {
+            unlink(temp.c_str());
+            continue;
+        }
+        file.temp = temp;
+        anyWritten = true;
+    }
+    if (!anyWritten)
+        return;
+    // One sync for the batch: a file each would take the disk's time per file.
+    const int rootFd = open(root_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const bool synced = rootFd >= 0 && syncfs(rootFd) == 0;
+    if (rootFd >= 0)
+        close(rootFd);
+    if (!synced) {
+        Log::Error("store: cannot sync the imported files: %s", std::strerror(errno));
+        for (StagedFile& file : files)
+            if (!file.temp.empty())
+                unlink(file.temp.c_str());
+        return;
+    }
+    // A rename keeps size and time, so the reading stays true to the file
+    // once it is in place.
+    for (StagedFile& file : files) {
+        if (file.temp.empty())
+            continue;
+        bool exists = false;
+        file.entry =
+            std::make_shared<StoredItem>(ReadFile(file.directory, "." + file.fileName + ".tmp", exists));
+        file.entry->fileName = file.fileName;
+    }
+}
+
+std::string VdirFileIo::ImportFileName(const std::string& uid) {
+    // Longest UID taken as it is for a file name.
+    constexpr std::size_t kMaxUidFileName = 120;
+    bool plain = !uid.empty() && uid.size() <= kMaxUidFileName && uid[0] != '.';
+    for (char c : uid)
+        if (!std::isalnum(static_cast<unsigned char>(c)) && c != '-' && c != '_' && c != '.' && c != '@')
+            plain = false;
+    if (plain)
+        return uid + ".ics";
+    char name[32];
+    std::snprintf(name, sizeof name, "import-%08x.ics", static_cast<unsigned>(OidRegistry::HashUid(uid)));
+    return name;
 }
 
 } // namespace mirodate

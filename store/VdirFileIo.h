@@ -6,6 +6,7 @@
 #include "store/StoredItem.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,8 @@ public:
     std::string FilePath(int directory, const std::string& fileName) const;
     // The store's key of a file: "<directory>/<file name>".
     static std::string Key(int directory, const std::string& fileName);
+    // The same built in `key`, which keeps its room between calls.
+    static const std::string& KeyInto(int directory, const std::string& fileName, std::string& key);
     // A name the store reads: .ics or .vcf, not hidden (our temporary files are).
     static bool IsItemFile(const std::string& name);
     static std::int64_t MtimeNs(const struct stat& st);
@@ -45,6 +48,23 @@ public:
     // Whether the file still has the size and time it had when read.
     bool StampMatches(const StoredItem& item) const;
     bool WriteAtomically(int directory, const std::string& fileName, const std::string& text);
+
+    // A file of a batch written beside its final name (hidden, ".NAME.tmp"),
+    // ready to be renamed into place.
+    struct StagedFile {
+        int directory = 0;
+        std::string fileName;
+        const std::string* text = nullptr;
+        std::string temp;                  // the temporary file, once written
+        std::shared_ptr<StoredItem> entry; // its reading, once the batch is synced
+    };
+    // Writes every file of the batch, syncs the file system once for all of
+    // them and reads each back. A file that could not be written, or a batch
+    // that could not be synced, has no entry and leaves no temporary file.
+    void StageDurably(std::vector<StagedFile>& files) const;
+    // The file name an imported item takes: its UID when that is a plain
+    // name, else one made from the UID's hash.
+    static std::string ImportFileName(const std::string& uid);
 
 private:
     std::string root_;

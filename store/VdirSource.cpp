@@ -12,10 +12,9 @@
 #include "store/StoreIndex.h"
 #include "store/SyncState.h"
 #include "store/VdirFolder.h"
-#include "store/VdirListing.h"
+#include "store/VdirOpening.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cctype>
 #include <cerrno>
 #include <chrono>
@@ -26,30 +25,18 @@
 #include <set>
 #include <string_view>
 #include <sys/stat.h>
-#include <system_error>
-#include <thread>
 #include <unistd.h>
 
 namespace mirodate {
 
 namespace {
 
-// Files read per thread below which another thread does not pay.
-constexpr std::size_t kMinReadsPerSlice = 64;
 // The longest window and the most occurrences of a series kept with the index
 // (a month's view with its longest items, a series several times a day).
 constexpr double kMaxKeptDays = 62.0;
 constexpr std::size_t kMaxKeptOccurrences = 250;
 // Series files parsed per thread below which another thread does not pay.
 constexpr std::size_t kMinParsesPerSlice = 16;
-
-// A file's key ("<directory>/<file name>") built in `key`, which keeps its room.
-const std::string& KeyInto(int directory, const std::string& name, std::string& key) {
-    key.assign(1, static_cast<char>('0' + directory));
-    key += '/';
-    key += name;
-    return key;
-}
 
 int DirectoryOfFolder(int folderId) {
     if (folderId == kFolderTasks)
@@ -96,157 +83,15 @@ bool VdirSource::Logon() {
         return false;
     }
     const auto started = std::chrono::steady_clock::now();
-    // The index is read beside the listing, and made into the store's tables
-    // as if every file were as it has them: the listing then only confirms
-    // that, which is what a start finds nearly always.
-    const std::string indexPath = StoreIndex::PathFor(root);
-    OidRegistry prepared;
-    // Whether a listed file is as the index has it.
-    const VdirListing::Check matchesIndex = [&prepared](const VdirFileIo::FoundFile& file, std::string& key) {
-        const StoredItem* known = prepared.PeekFile(KeyInto(file.directory, file.name, key));
-        return known && known->size == file.size && known->mtimeNs == file.mtimeNs;
-    };
-    // The listing's names, once read: the index thread, or a thread of its
-    // own without an index, helps stamp them, and the index thread checks
-    // them against the index as they are stamped.
-    std::atomic<VdirListing*> names{nullptr};
-    auto readIndex = [&] {
-        std::vector<OidRegistry::Entry> order;
-        auto entries =
-            StoreIndex::Load(indexPath, root, StoreIndex::ZoneSignature(), SIZE_MAX, UINT64_MAX, &order);
-        prepared.Adopt(std::move(entries), std::move(order));
-        prepared.AssignAll(true);
-    };
-    auto stampWhenListed = [&names] {
-        names.wait(nullptr);
-        names.load()->StampAll();
-    };
-    std::vector<std::thread> helpers;
-    auto startHelper = [&helpers](auto work) {
-        try {
-            helpers.emplace_back(std::move(work));
-            return true;
-        } catch (const std::system_error&) {
-            return false; // no thread to be had: the work is done here
-        }
-    };
-    bool indexReadHere = false;
-    if (options_.useIndex) {
-        indexReadHere = !startHelper([&] {
-            readIndex();
-            names.wait(nullptr);
-            if (!prepared.GetFiles().empty())
-                names.load()->SetCheck(&matchesIndex);
-            names.load()->StampAll();
-        });
-        if (indexReadHere)
-            readIndex();
-    }
-    // Every other core stamps names too, this one included.
-    for (std::size_t core = helpers.size() + 1; core < std::min(CoreCount(), kMaxParallelSlices); ++core)
-        if (!startHelper(stampWhenListed))
-            break;
-    VdirListing listing(io_, options_.createIfMissing);
-    if (indexReadHere && !prepared.GetFiles().empty())
-        listing.SetCheck(&matchesIndex);
-    names.store(&listing);
-    names.notify_all();
-    listing.StampAll();
-    for (std::thread& helper : helpers)
-        helper.join();
-    const bool allMatchIndex = listing.CheckRest();
-    std::uint64_t foundBytes = 0;
-    std::vector<VdirFileIo::FoundFile> found = listing.Finish(foundBytes);
-    const std::size_t indexed = prepared.GetFiles().size();
-    const bool indexFits = indexed == 0 || IndexFitsFiles(indexPath, indexed, found.size(), foundBytes);
-
-    // Every file as the index has it, and no other: its tables are the store's.
-    const bool whole = allMatchIndex && indexFits && indexed == found.size() && indexed > 0;
-    if (whole) {
-        registry_ = std::move(prepared);
-        for (const auto& [name, item] : registry_.GetFiles())
-            if (!item->readable)
-                Log::Warning("store: skipped %s: %s",
-                             PrintableText(io_.FilePath(item->directory, item->fileName)).c_str(),
-                             PrintableText(item->problem).c_str());
-        registry_.SetDirty(false);
-        loggedOn_ = true;
-        Log::Info(
-            "store: %zu files as the index has them, opened in %.1f ms", found.size(),
-            std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - started).count());
-        return true;
-    }
-
-    // Otherwise each file takes its entry when it is as the index has it,
-    // and is read when not.
-    OidRegistry::Files index = prepared.TakeFiles();
-    if (!indexFits)
-        index.clear();
-    std::size_t reused = 0;
-    registry_.Reserve(found.size());
-    std::vector<std::size_t> unread; // files the index does not hold as they are now
-    std::string key;
-    for (std::size_t i = 0; i < found.size(); ++i) {
-        const VdirFileIo::FoundFile& file = found[i];
-        auto known = index.find(KeyInto(file.directory, file.name, key));
-        if (known == index.end() || known->second->size != file.size ||
-            known->second->mtimeNs != file.mtimeNs) {
-            unread.push_back(i);
-            continue;
-        }
-        if (!known->second->readable)
-            Log::Warning("store: skipped %s: %s",
-                         PrintableText(io_.FilePath(file.directory, file.name)).c_str(),
-                         PrintableText(known->second->problem).c_str());
-        registry_.Add(index.extract(known));
-        ++reused;
-    }
-    // New and changed files are read on every core.
-    std::vector<StoredItem> fresh(unread.size());
-    std::vector<unsigned char> exists(unread.size(), 0);
-    ParallelFor(unread.size(), kMinReadsPerSlice, [&](std::size_t begin, std::size_t end) {
-        for (std::size_t j = begin; j < end; ++j) {
-            const VdirFileIo::FoundFile& file = found[unread[j]];
-            bool there = false;
-            fresh[j] = io_.ReadFile(file.directory, file.name, there);
-            exists[j] = there;
-        }
-    });
-    // Entries left over are files gone since; an index that did not fit is rewritten.
-    bool dirty = !indexFits || !index.empty();
-    for (std::size_t j = 0; j < unread.size(); ++j) {
-        if (!exists[j])
-            continue;
-        const VdirFileIo::FoundFile& file = found[unread[j]];
-        registry_.Add(Key(file.directory, file.name), std::make_shared<StoredItem>(std::move(fresh[j])));
-        dirty = true;
-    }
-    registry_.AssignAll();
-    registry_.SetDirty(dirty);
-    if (dirty && options_.useIndex)
+    VdirOpening opening(io_, options_.createIfMissing, options_.useIndex);
+    registry_ = opening.Open();
+    registry_.SetDirty(opening.Dirty());
+    if (opening.Dirty() && options_.useIndex)
         SaveIndexLocked();
     loggedOn_ = true;
-    Log::Info("store: %zu files (%zu as the index has them, %zu read) opened in %.1f ms", found.size(),
-              reused, unread.size(),
+    Log::Info("store: %zu files (%zu as the index has them, %zu read) opened in %.1f ms", opening.FileCount(),
+              opening.ReusedCount(), opening.ReadCount(),
               std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - started).count());
-    return true;
-}
-
-bool VdirSource::IndexFitsFiles(const std::string& indexPath, std::size_t entries, std::size_t files,
-                                std::uint64_t fileBytes) {
-    if (entries > files) {
-        Log::Info("store: the index %s has more entries than the store has files; it is built again",
-                  PrintableText(indexPath).c_str());
-        return false;
-    }
-    struct stat st {};
-    if (stat(indexPath.c_str(), &st) == 0 &&
-        static_cast<std::uint64_t>(st.st_size) > StoreIndex::MaxBytesFor(files, fileBytes)) {
-        // Stale (files deleted while the program was not running) or not ours.
-        Log::Info("store: the index %s is larger than the store's files can explain; it is built again",
-                  PrintableText(indexPath).c_str());
-        return false;
-    }
     return true;
 }
 
@@ -686,23 +531,6 @@ SaveResult VdirSource::SnoozeReminder(const Reminder& reminder, double now, doub
     });
 }
 
-namespace {
-// A UID makes the file name when it is a plain one; otherwise its hash does.
-constexpr std::size_t kMaxUidFileName = 120;
-
-std::string ImportFileName(const std::string& uid) {
-    bool plain = !uid.empty() && uid.size() <= kMaxUidFileName && uid[0] != '.';
-    for (char c : uid)
-        if (!std::isalnum(static_cast<unsigned char>(c)) && c != '-' && c != '_' && c != '.' && c != '@')
-            plain = false;
-    if (plain)
-        return uid + ".ics";
-    char name[32];
-    std::snprintf(name, sizeof name, "import-%08x.ics", static_cast<unsigned>(VdirSource::HashUid(uid)));
-    return name;
-}
-} // namespace
-
 bool VdirSource::HasUid(const std::string& uid) {
     std::lock_guard lock(mutex_);
     return registry_.FindUid(uid) != nullptr;
@@ -736,61 +564,31 @@ std::vector<SaveResult> VdirSource::ImportFiles(const std::vector<ImportFile>& f
                 item.fileName = holder->fileName;
                 item.replaced = holder;
             } else {
-                item.fileName = ImportFileName(file.uid);
+                item.fileName = VdirFileIo::ImportFileName(file.uid);
                 // Never over a file of another UID (or one we could not read).
                 for (int n = 1;
                      registry_.HasFile(Key(item.directory, item.fileName)) || taken.count(item.fileName); ++n)
-                    item.fileName = ImportFileName(file.uid + "#" + std::to_string(n));
+                    item.fileName = VdirFileIo::ImportFileName(file.uid + "#" + std::to_string(n));
             }
             if (!taken.insert(item.fileName).second)
                 continue; // the same UID twice in one batch
             pending.push_back(std::move(item));
         }
     }
-    // The data, written and synced without holding the store.
+    // The data, written, synced and read back without holding the store.
+    std::vector<VdirFileIo::StagedFile> staged;
+    for (const Pending& item : pending)
+        staged.push_back({item.directory, item.fileName, &files[item.index].text, {}, nullptr});
+    io_.StageDurably(staged);
     std::vector<Pending> written;
-    for (Pending& item : pending) {
-        const std::string dir = DirectoryPath(item.directory);
-        if (!Paths::MakeDirs(dir))
-            continue;
-        item.temp = dir + "/." + item.fileName + ".tmp";
-        const std::string& text = files[item.index].text;
-        const int fd = open(item.temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-        if (fd < 0)
-            continue;
-        std::size_t done = 0;
-        while (done < text.size()) {
-            const ssize_t n = write(fd, text.data() + done, text.size() - done);
-            if (n <= 0)
-                break;
-            done += static_cast<std::size_t>(n);
+    for (std::size_t i = 0; i < pending.size(); ++i)
+        if (staged[i].entry) {
+            pending[i].temp = std::move(staged[i].temp);
+            pending[i].entry = std::move(staged[i].entry);
+            written.push_back(std::move(pending[i]));
         }
-        if (close(fd) != 0 || done != text.size()) {
-            unlink(item.temp.c_str());
-            continue;
-        }
-        written.push_back(std::move(item));
-    }
     if (written.empty())
         return results;
-    const int rootFd = open(io_.Root().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    const bool synced = rootFd >= 0 && syncfs(rootFd) == 0;
-    if (rootFd >= 0)
-        close(rootFd);
-    if (!synced) {
-        Log::Error("store: cannot sync the imported files: %s", std::strerror(errno));
-        for (const Pending& item : written)
-            unlink(item.temp.c_str());
-        return results;
-    }
-    // Read back without holding the store: a rename keeps size and time,
-    // so the entry stays true to the file once it is in place.
-    for (Pending& item : written) {
-        bool exists = false;
-        item.entry =
-            std::make_shared<StoredItem>(io_.ReadFile(item.directory, "." + item.fileName + ".tmp", exists));
-        item.entry->fileName = item.fileName;
-    }
     // Renamed into place under the lock, unless someone changed the file meanwhile.
     std::lock_guard lock(mutex_);
     for (const Pending& item : written) {

@@ -109,10 +109,6 @@ private:
     static std::string Key(int directory, const std::string& fileName) {
         return VdirFileIo::Key(directory, fileName);
     }
-    // Whether an index of `entries` entries fits a store of `files` files
-    // of `fileBytes` bytes; one that does not is stale or not ours.
-    static bool IndexFitsFiles(const std::string& indexPath, std::size_t entries, std::size_t files,
-                               std::uint64_t fileBytes);
     // Reads an entry's file again after someone else changed it.
     void Reread(const Entry& entry);
     void SaveIndexLocked();
