@@ -106,14 +106,20 @@ FindResult VdirItems::Find(const std::u16string& text, PimRecord& item) {
         auto kept = source_.GetExpansion(stored);
         return kept && kept->from <= span.from && span.before <= kept->before ? kept : nullptr;
     };
-    // The other series files are parsed first, all at once on every core.
-    std::vector<std::shared_ptr<const StoredItem>> series;
+    // The kept expansions of the series to expand, in the order of the walk
+    // below; the other series files are parsed first, all at once on every core.
+    std::vector<std::shared_ptr<const StoredExpansion>> keptInOrder;
+    std::vector<std::shared_ptr<const StoredItem>> toParse;
     Span span;
     for (const auto& stored : items_)
-        if (expansion(*stored, span) && mayOccur(*stored, span) && !keptFor(stored, span))
-            series.push_back(stored);
-    source_.ParseAhead(series);
+        if (expansion(*stored, span) && mayOccur(*stored, span)) {
+            keptInOrder.push_back(keptFor(stored, span));
+            if (!keptInOrder.back())
+                toParse.push_back(stored);
+        }
+    source_.ParseAhead(toParse);
     const double now = DateTime::Now().ToDate();
+    std::size_t nextKept = 0;
 
     std::vector<PimRecord> occurrences;
     for (const auto& stored : items_) {
@@ -125,7 +131,7 @@ FindResult VdirItems::Find(const std::u16string& text, PimRecord& item) {
         if (!mayOccur(*stored, span))
             continue;
         occurrences.clear();
-        if (auto kept = keptFor(stored, span)) {
+        if (const auto& kept = keptInOrder[nextKept++]) {
             auto first = std::lower_bound(
                 kept->occurrences.begin(), kept->occurrences.end(), span.from,
                 [](const PimRecord& occurrence, double start) { return occurrence.start < start; });
